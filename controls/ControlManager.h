@@ -1,0 +1,35 @@
+// ControlManager.h -- the control record: defaults, limits, comparison, names, ownership
+#pragma once
+
+#include "engine/PresetState.h"
+
+#include <atomic>
+
+// Set when something changed the preset without a command of the user; read and cleared by the main window.
+extern std::atomic<u32> bPresetChanged;
+
+// Allocates a zero-filled record with the defaults of a new control; null when out of memory.
+ControlRecord *NewControl();
+// Applies those defaults to a zero-filled record that lives elsewhere (the blend weight of a mixer rule).
+void SetControlDefaults(ControlRecord *pctl);
+// Frees the record with what it owns: tile mask, file list, and the rows of an item select that owns them.
+void FreeControl(ControlRecord *pctl);
+
+// Starts and ends the building of a slot: between the two, AllocControl appends to the slot. Ending it fixes the
+// slot's count whatever the module wrote there, sets the owner of every record and prepares the tile controls.
+// [main-thread]
+void BeginControls(ModuleSlot *pms);
+void EndControls(ModuleSlot *pms);
+// The callback for modules. Null beyond CONTROLS_MAX, outside of building, or when out of memory.
+ControlRecord *AllocControl(i32 *pnControls);
+
+bool ControlSupportsFluidSources(const ControlRecord *pctl);
+// Brings the current fields into their absolute limits. Nothing orders nMin below nMax.
+void ClampControl(ControlRecord *pctl);
+bool ControlIsDefault(const ControlRecord *pctl);
+i32 CountChangedControls(const ModuleSlot *pms);
+void RestoreControlDefaults(ControlRecord *pctl);
+// What the dependency says; only decides how the control is shown.
+bool ControlIsActive(const ControlRecord *pctl);
+// The components of the name joined with ".", cut at 259 characters. Copes with a list that lacks its second 0.
+void ControlDottedName(const ControlRecord *pctl, NameText &szName);

@@ -1,0 +1,28 @@
+// FluidSources.h -- the evaluation of controls: fixed, random, wave, sound, periodic
+#pragma once
+
+#include "engine/PresetState.h"
+
+constexpr u32 SOUND_HISTORY = 44; // samples kept, newest first
+
+// Brings one control up to date at the present tick. bReset draws new starting values. [plane-thread, main-thread]
+void EvaluateControl(ControlRecord *pctl, bool bReset);
+// The same for all controls of a slot, in order up to the first empty entry, at one reading of the tick.
+void EvaluateControls(const ModuleSlot *pms, bool bReset);
+
+// Unit number of a wave; fPhase is a fraction of the period. A period of 0 gives the value at the wave's start.
+f32 WaveValue(u32 dwWaveType, f32 fPhase, u32 nPeriod, u64 qwTick);
+
+// The frame's sound level averaged with the nSamples newest entries of the history, at most 44.
+f32 SmoothedSoundLevel(const ControlRecord *pctl);
+
+// Puts the frame's level into the history if more than 10 ms have passed since the last time. Called once a frame,
+// before the planes are drawn, by nobody else: this is what keeps the history free of races. [main-thread]
+void ShiftSoundHistory(u64 qwTick);
+void ClearSoundHistory();
+
+// A number from 0 to 1.
+f32 UnitRandom();
+
+// Takes over a new list text (may be null: empty), which becomes the record's; the old one is freed. [main-thread]
+void SetFileList(ControlRecord *pctl, char16_t *pszList);
