@@ -66,7 +66,8 @@ BaseFolders FindBaseFolders(std::u16string_view program)
     const std::u16string programs = WithoutTrailingSeparators(ProgramFilesFolder());
     if (ContainsNoCase(program, programs + u"/")) {
         const std::u16string exe = programs + u"\\Ortolanics\\Vorticade";
-        return {u"Installed\n", exe, exe + u"\\DLL", WithoutTrailingSeparators(RoamingDataFolder()) + u"\\Ortolanics\\Vorticade"};
+        return {u"Installed\n", exe, exe + u"\\DLL",
+                WithoutTrailingSeparators(RoamingDataFolder()) + u"\\Ortolanics\\Vorticade"};
     }
     return {u"Portable\n", folder, folder + u"\\DLL", folder};
 }

@@ -8,13 +8,13 @@
 #include "platform/Random.h"
 
 constexpr i32 PLANES_MAX = 4;
-constexpr i32 LIST_MODULES_MAX = 32;  // modules in one list of a plane, and in post-processing
-constexpr u32 MIX_RULES_MAX = 31;     // rules in use
-constexpr u32 MIX_RULE_ENTRIES = 32;  // entries of the array
-constexpr u32 MIX_SOURCES_MAX = 32;   // planes and rules together
-constexpr i32 BUFFER_SIDE_MIN = 128;  // limits of the buffer size
+constexpr i32 LIST_MODULES_MAX = 32; // modules in one list of a plane, and in post-processing
+constexpr u32 MIX_RULES_MAX = 31;    // rules in use
+constexpr u32 MIX_RULE_ENTRIES = 32; // entries of the array
+constexpr u32 MIX_SOURCES_MAX = 32;  // planes and rules together
+constexpr i32 BUFFER_SIDE_MIN = 128; // limits of the buffer size
 constexpr i32 BUFFER_SIDE_MAX = 8192;
-constexpr u32 DURATION_NEVER = 181;   // a duration that never ends
+constexpr u32 DURATION_NEVER = 181; // a duration that never ends
 
 // Kinds of module lists, in drawing order.
 enum ModuleIndex : u32 {
@@ -59,14 +59,14 @@ struct ModuleSlot {
     i32 nCallsPerFrame;   // N calls a frame; 0 paused; -N one call in N frames
     ModuleFunctions *pmf; // inside the ModuleRecord
     ModuleDescription *pmd;
-    void *pvContext; // the module's own instance pointer
-    i32 nControls;   // 0 to CONTROLS_MAX
-    HostGLWindow *hwndGL; // owned; null unless the module needs OpenGL
+    void *pvContext;                        // the module's own instance pointer
+    i32 nControls;                          // 0 to CONTROLS_MAX
+    HostGLWindow *hwndGL;                   // owned; null unless the module needs OpenGL
     ControlRecord *apControl[CONTROLS_MAX]; // owned, with what they point to
-    const char16_t *lpszShader; // into the ShaderList; null unless an instance of the shader module
-    PlaneState *ppsOwner;       // null for post-processing
-    const char16_t *pszDll;     // into the ModuleRecord
-    RandomStream Random;        // of this instance, for seeded runs
+    const char16_t *lpszShader;             // into the ShaderList; null unless an instance of the shader module
+    PlaneState *ppsOwner;                   // null for post-processing
+    const char16_t *pszDll;                 // into the ModuleRecord
+    RandomStream Random;                    // of this instance, for seeded runs
 };
 
 // One plane. PlaneInfo stands first, so that a pointer to the plane is what module calls receive.
@@ -75,7 +75,8 @@ struct PlaneState {
     u32 bPaused; // the frame step skips the plane
     i32 anModules[MODULEINDEX_NUMINDICIES];
     ModuleSlot *apModule[MODULEINDEX_NUMINDICIES][LIST_MODULES_MAX]; // owned
-    PresetState *lppsi; // owner
+    PresetState *lppsi;                                              // owner
+    u32 dwBusy; // a plane thread is inside the plane's modules; atomic, see PlaneIsBusy
 };
 static_assert(offsetof(PlaneState, Info) == 0);
 

@@ -19,8 +19,8 @@ thread_local RandomBlock Block;
 thread_local RandomStream *pThreadStream = nullptr;
 
 std::atomic<bool> bSeeded{false};
-u64 qwRunSeed = 0;      // [main-thread]
-u64 qwStreamsMade = 0;  // [main-thread]
+u64 qwRunSeed = 0;     // [main-thread]
+u64 qwStreamsMade = 0; // [main-thread]
 RandomStream MainStream;
 
 // splitmix64: every state gives a well-mixed word, and states a constant apart give unrelated ones.

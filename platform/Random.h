@@ -32,12 +32,17 @@ RandomStream *UseRandomStream(RandomStream *pStream);
 
 // Draws from one stream for as long as it stands.
 class RandomStreamScope {
-public:
-    explicit RandomStreamScope(RandomStream *pStream) : pBefore(UseRandomStream(pStream)) {}
-    ~RandomStreamScope() { UseRandomStream(pBefore); }
+  public:
+    explicit RandomStreamScope(RandomStream *pStream) : pBefore(UseRandomStream(pStream))
+    {
+    }
+    ~RandomStreamScope()
+    {
+        UseRandomStream(pBefore);
+    }
     RandomStreamScope(const RandomStreamScope &) = delete;
     RandomStreamScope &operator=(const RandomStreamScope &) = delete;
 
-private:
+  private:
     RandomStream *pBefore;
 };

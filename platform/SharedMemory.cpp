@@ -18,7 +18,8 @@ void MakeNames(SharedMapping *psm, const char *pszName)
     const unsigned uid = getuid();
     const char *pszRuntime = std::getenv("XDG_RUNTIME_DIR");
     struct stat st;
-    const bool bRuntime = pszRuntime && *pszRuntime == '/' && std::strlen(pszRuntime) < 60 && stat(pszRuntime, &st) == 0;
+    const bool bRuntime =
+        pszRuntime && *pszRuntime == '/' && std::strlen(pszRuntime) < 60 && stat(pszRuntime, &st) == 0;
     std::snprintf(psm->szName, sizeof psm->szName, "/%s-%u", pszName, uid);
     std::snprintf(psm->szLock, sizeof psm->szLock, "%s/%s-%u.lock", bRuntime ? pszRuntime : "/tmp", pszName, uid);
 }

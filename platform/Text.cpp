@@ -8,10 +8,10 @@
 namespace {
 
 // The upper half of Windows-1252, 0x80 to 0x9F; the rest of it equals Latin-1. Unassigned bytes map to themselves.
-constexpr char16_t aWindows1252[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+constexpr char16_t aWindows1252[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                       0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                       0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                       0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 locale_t FoldingLocale()
 {
@@ -25,7 +25,11 @@ bool DecodeUtf8(std::string_view text, size_t *pi, char32_t *pch)
 {
     const auto byte = [&](size_t i) { return static_cast<u8>(text[i]); };
     const u8 b0 = byte(*pi);
-    const u32 nMore = b0 < 0x80 ? 0 : b0 >= 0xC2 && b0 <= 0xDF ? 1 : (b0 & 0xF0) == 0xE0 ? 2 : b0 >= 0xF0 && b0 <= 0xF4 ? 3 : ALL_ONES;
+    const u32 nMore = b0 < 0x80                  ? 0
+                      : b0 >= 0xC2 && b0 <= 0xDF ? 1
+                      : (b0 & 0xF0) == 0xE0      ? 2
+                      : b0 >= 0xF0 && b0 <= 0xF4 ? 3
+                                                 : ALL_ONES;
     if (nMore == ALL_ONES || *pi + nMore >= text.size())
         return false;
     char32_t ch = nMore == 0 ? b0 : b0 & (0x3F >> nMore);

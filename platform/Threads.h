@@ -11,13 +11,13 @@ constexpr u32 WAIT_FOREVER = ALL_ONES;
 
 // An auto-reset event: a signal lets one wait pass and is then gone. Starts unsignalled. [any-thread]
 class Event {
-public:
+  public:
     void Signal();
     void Reset();
     // True once signalled; false when nWaitMs have passed first.
     bool Wait(u32 nWaitMs);
 
-private:
+  private:
     std::mutex mtx;
     std::condition_variable cv;
     bool bSignalled = false; // guarded by mtx

@@ -1,0 +1,87 @@
+// FrameStep.cpp -- the heartbeat: one frame, when one is due
+#include "engine/FrameStep.h"
+
+#include "app/GlobalSettings.h"
+#include "engine/DrawPipeline.h"
+#include "engine/PlaneThreads.h"
+#include "engine/PresetManager.h"
+#include "engine/SoundSampling.h"
+#include "output/PlaneMixer.h"
+#include "platform/Clock.h"
+
+#include <algorithm>
+
+namespace {
+
+i64 qwLastFrameCount = 0; // start of the last step that passed the gate
+
+i64 FrameInterval()
+{
+    static const i64 qwPerfFrequency = PerfFrequency();
+    return qwPerfFrequency / std::max(GlobalSettings.FPSTarget, 1);
+}
+
+// From start to start: a late frame does not make the next one come early.
+bool FrameIsDue()
+{
+    const i64 qwNow = PerfCounter();
+    if (qwNow - qwLastFrameCount <= FrameInterval())
+        return false;
+    qwLastFrameCount = qwNow;
+    return true;
+}
+
+void ServePendingResize(PresetState *lppsi)
+{
+    if (!GlobalSettings.bResizePending)
+        return;
+    GlobalSettings.bResizePending = 0;
+    StopPlaneThreads();
+    ResizePresetBuffers(lppsi, GlobalSettings.DetailScale);
+}
+
+void MixAndPostProcess(PresetState *lppsi)
+{
+    MixPlanes(lppsi, GlobalSettings.MixInParallel);
+    RunPostProcessing(lppsi, MODSTEPS_FRAME);
+}
+
+u32 StepOnThreads(PresetState *lppsi)
+{
+    if (lppsi->nPlanes == 0)
+        return 0;
+    StartPlaneThreads();
+    if (!DrawPlanesOnThreads(lppsi, GlobalSettings.dwPlaneWaitMs))
+        return 0;
+    EvaluateRuleWeights(lppsi, false);
+    MixAndPostProcess(lppsi);
+    ServePendingResize(lppsi);
+    return 1;
+}
+
+u32 StepHere(PresetState *lppsi)
+{
+    StopPlaneThreads();
+    ServePendingResize(lppsi);
+    if (lppsi->nPlanes == 0)
+        return 0;
+    RunPresetModules(lppsi, MODSTEPS_FRAME);
+    MixAndPostProcess(lppsi);
+    return 1;
+}
+
+} // namespace
+
+u32 RunFrameStep(PresetState *lppsi)
+{
+    if (!lppsi || !FrameIsDue())
+        return 0;
+    SetModuleTick(TickCount());
+    SampleSound();
+    return GlobalSettings.ThreadedPlanes ? StepOnThreads(lppsi) : StepHere(lppsi);
+}
+
+i64 NextFrameCount()
+{
+    return qwLastFrameCount + FrameInterval() + 1;
+}

@@ -1,0 +1,13 @@
+// FrameStep.h -- the heartbeat: one frame, when one is due
+#pragma once
+
+#include "engine/PresetState.h"
+
+// Draws every plane, mixes them and runs the post-processing modules, if a frame is due. Call it as often as you can.
+// Non-zero when a new picture stands at lppsi->phbmOutput; null for lppsi gives no frame. Carries out a pending resize
+// where no plane is being drawn: after the frame with plane threads, before it without. Allocates nothing but in a
+// resize. [main-thread]
+u32 RunFrameStep(PresetState *lppsi);
+
+// Performance count from which on the gate is open.
+i64 NextFrameCount();

@@ -1,0 +1,168 @@
+// PlaneThreads.cpp -- one thread for each plane, released and collected once a frame
+#include "engine/PlaneThreads.h"
+
+#include "engine/DrawPipeline.h"
+#include "platform/Clock.h"
+#include "platform/GLWindow.h"
+#include "platform/Threads.h"
+
+#include <atomic>
+#include <cstdio>
+#include <ctime>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr u32 START_POLL_MS = 30;  // longest time until a thread sees bStop
+constexpr u32 STOP_WAIT_MS = 1000; // longest wait for the threads to end
+
+// What a thread shares with the main thread. The atomics are written by the one and read by the other while both run:
+// after a dropped frame a late thread may still be in an earlier frame when the next one is released.
+struct PlaneThreadParms {
+    u32 iPlane;
+    u32 dwSteps; // MODSTEPS_FRAME
+    std::atomic<PresetState *> lppsi{nullptr};
+    std::atomic<u32> dwFrame{0};     // generation of the frame that was released last
+    std::atomic<u32> dwFrameDone{0}; // generation that the thread finished last
+    std::atomic<u32> bStop{0};
+    Event evStart; // the frame may begin
+    Event evDone;  // the plane is finished
+    Event evEnded; // the thread has ended
+    std::thread thread;
+};
+
+std::unique_ptr<PlaneThreadParms> apParms[PLANES_MAX];      // the running threads; all or none
+std::vector<std::unique_ptr<PlaneThreadParms>> apAbandoned; // stopped threads that are stuck in a module
+u32 dwFrameGeneration = 0;
+
+u32 ThreadSeed(u32 i)
+{
+    return static_cast<u32>(TickCount() * (10000ull * i + 10567629) * (10000ull * i + 157)) & 0xFFFF;
+}
+
+// Enters the plane unless a thread that was given up is still inside.
+void DrawThreadsPlane(const PlaneThreadParms *pParms, PresetState *lppsi)
+{
+    if (pParms->iPlane >= static_cast<u32>(lppsi->nPlanes))
+        return;
+    PlaneState *pps = lppsi->psPlane[pParms->iPlane];
+    if (!pps || pps->bPaused)
+        return;
+    const std::atomic_ref<u32> busy(pps->dwBusy);
+    u32 dwFree = 0;
+    if (!busy.compare_exchange_strong(dwFree, 1))
+        return;
+    RunPlaneModules(pps, pParms->dwSteps);
+    busy = 0;
+}
+
+void PlaneThreadBody(PlaneThreadParms *pParms)
+{
+    const char szName[] = {'v', 'd', '-', 'p', 'l', 'a', 'n', 'e', static_cast<char>('0' + pParms->iPlane), 0};
+    SetThisThread(ThreadPriority::AboveNormal, szName);
+    SeedFallbackRandom(ThreadSeed(pParms->iPlane));
+    while (!pParms->bStop) {
+        if (!pParms->evStart.Wait(START_POLL_MS))
+            continue;
+        const u32 dwFrame = pParms->dwFrame;
+        DrawThreadsPlane(pParms, pParms->lppsi);
+        pParms->dwFrameDone = dwFrame;
+        pParms->evDone.Signal();
+    }
+    ReleaseGLThread();
+    pParms->evEnded.Signal();
+}
+
+void ReapAbandonedThreads()
+{
+    std::erase_if(apAbandoned, [](std::unique_ptr<PlaneThreadParms> &p) {
+        if (!p->evEnded.Wait(0))
+            return false;
+        p->thread.join();
+        return true;
+    });
+}
+
+// Milliseconds left of nWaitMs since qwStart, on a clock that a fixed run does not stop.
+u32 RemainingMs(const timespec &tsStart, u32 nWaitMs)
+{
+    if (nWaitMs == WAIT_FOREVER)
+        return WAIT_FOREVER;
+    timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    const i64 nPassed = (ts.tv_sec - tsStart.tv_sec) * 1000 + (ts.tv_nsec - tsStart.tv_nsec) / 1000000;
+    return nPassed >= nWaitMs ? 0 : nWaitMs - static_cast<u32>(nPassed);
+}
+
+u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
+{
+    timespec tsStart;
+    clock_gettime(CLOCK_MONOTONIC, &tsStart);
+    for (i32 i = 0; i < nPlanes; i++) {
+        PlaneThreadParms *pParms = apParms[i].get();
+        while (pParms->dwFrameDone != dwFrameGeneration)
+            if (!pParms->evDone.Wait(RemainingMs(tsStart, nWaitMs)) && RemainingMs(tsStart, nWaitMs) == 0)
+                return pParms->dwFrameDone == dwFrameGeneration;
+    }
+    return 1;
+}
+
+} // namespace
+
+u32 StartPlaneThreads()
+{
+    if (apParms[0])
+        return 0;
+    ReapAbandonedThreads();
+    for (u32 i = 0; i < PLANES_MAX; i++) {
+        apParms[i] = std::make_unique<PlaneThreadParms>();
+        apParms[i]->iPlane = i;
+        apParms[i]->dwSteps = MODSTEPS_FRAME;
+        apParms[i]->dwFrameDone = dwFrameGeneration;
+        apParms[i]->thread = std::thread(PlaneThreadBody, apParms[i].get());
+    }
+    return 1;
+}
+
+u32 DrawPlanesOnThreads(PresetState *lppsi, u32 nWaitMs)
+{
+    dwFrameGeneration++;
+    for (auto &pParms : apParms) {
+        pParms->lppsi = lppsi;
+        pParms->dwFrame = dwFrameGeneration;
+        pParms->evDone.Reset();
+        pParms->evStart.Signal();
+    }
+    return WaitForPlanes(lppsi->nPlanes, nWaitMs);
+}
+
+void StopPlaneThreads()
+{
+    if (!apParms[0])
+        return;
+    for (auto &pParms : apParms)
+        pParms->bStop = 1;
+    timespec tsStart;
+    clock_gettime(CLOCK_MONOTONIC, &tsStart);
+    for (auto &pParms : apParms) {
+        if (pParms->evEnded.Wait(RemainingMs(tsStart, STOP_WAIT_MS))) {
+            pParms->thread.join();
+        } else {
+            std::fprintf(stderr, "vorticade: plane %u is stuck in a module; it is left alone\n", pParms->iPlane + 1);
+            apAbandoned.push_back(std::move(pParms));
+        }
+        pParms.reset();
+    }
+}
+
+bool PlaneIsBusy(PlaneState *pps)
+{
+    return std::atomic_ref<u32>(pps->dwBusy) != 0;
+}
+
+bool AnyThreadIsStuck()
+{
+    ReapAbandonedThreads();
+    return !apAbandoned.empty();
+}

@@ -1,0 +1,291 @@
+// PresetManager.cpp -- the preset and its planes: make, change, resize, destroy
+#include "engine/PresetManager.h"
+
+#include "app/GlobalSettings.h"
+#include "engine/BufferSize.h"
+#include "engine/DrawPipeline.h"
+#include "engine/ModuleSlots.h"
+#include "engine/PlaneThreads.h"
+#include "modules/HiddenGLWindows.h"
+#include "output/PlaneMixer.h"
+#include "platform/Assert.h"
+#include "platform/Bitmap.h"
+#include "platform/Clock.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <mutex>
+
+namespace {
+
+constexpr i32 GREY_COLORS = 256;
+
+std::mutex csEngine; // serialises the end of the plane threads when a preset is destroyed
+PresetState *lppsiCurrent = nullptr;
+
+struct DefaultModule {
+    i32 iPlane;
+    u32 dwModuleType;
+    const char16_t *pszDll;
+};
+
+constexpr DefaultModule asDefaultModule[] = {
+    {0, MODULEINDEX_COLORINTERPOLATOR, u"CMShift.dll"}, {0, MODULEINDEX_COLORGENERATOR, u"CMBreed.dll"},
+    {0, MODULEINDEX_DRAWPAINTER, u"PMRotor.dll"},       {0, MODULEINDEX_DRAWEFFECT, u"PMGust.dll"},
+    {1, MODULEINDEX_COLORINTERPOLATOR, u"CMShift.dll"}, {1, MODULEINDEX_COLORGENERATOR, u"CMBreed.dll"},
+    {1, MODULEINDEX_DRAWPAINTER, u"PMArc.dll"},         {1, MODULEINDEX_DRAWEFFECT, u"PMGust.dll"},
+};
+
+HostBitmap *NewBufferBitmap()
+{
+    return CreateBitmap(GlobalSettings.nBufferWidth, GlobalSettings.nBufferHeight);
+}
+
+void AddDefaultModules(PresetState *lppsi)
+{
+    AddPlane(lppsi, 1, 0);
+    AddPlane(lppsi, 1, 0);
+    for (const DefaultModule &row : asDefaultModule)
+        AddModule(lppsi, row.pszDll, row.iPlane, row.dwModuleType, 0, 0); // a missing one is skipped
+    if (MixRule *pmr = AddMixRule(lppsi)) {
+        pmr->SrcIdx2 = 1;
+        pmr->MixOp = MIXOP_BLEND;
+    }
+}
+
+u32 *MakeGreyRamp()
+{
+    auto *padwColor = static_cast<u32 *>(std::calloc(GREY_COLORS, sizeof(u32)));
+    for (u32 i = 0; padwColor && i < GREY_COLORS; i++)
+        padwColor[i] = i * 0x010101u;
+    return padwColor;
+}
+
+void FreePostProcessing(PresetState *lppsi)
+{
+    DeleteContext(lppsi->piPostProc.hdc);
+    std::free(lppsi->piPostProc.lpColorTable);
+    lppsi->piPostProc = {};
+}
+
+// The blocks that a plane cannot do without.
+void AllocatePlaneBlocks(PlaneInfo *ppi)
+{
+    ppi->lpColorTable = static_cast<u32 *>(std::calloc(PALETTE_COLORS_MAX, sizeof(u32)));
+    VD_ASSERT(ppi->lpColorTable);
+    ppi->pPaletteInfo = static_cast<PaletteInfo *>(std::calloc(1, sizeof(PaletteInfo)));
+    VD_ASSERT(ppi->pPaletteInfo);
+}
+
+void SetUpPlaneHead(PlaneInfo *ppi, u32 bIndexed)
+{
+    ppi->bIndexed = bIndexed ? 1 : 0;
+    ppi->nWidth = GlobalSettings.nBufferWidth;
+    ppi->nHeight = GlobalSettings.nBufferHeight;
+    ppi->hwndVisuals = &GlobalSettings.hwndVisuals;
+    ppi->pSound = GlobalSettings.pSound;
+    ppi->pfnShowMessage = GlobalSettings.pfnShowMessage;
+    ppi->dwTimeScale = GlobalSettings.TimeScale;
+}
+
+void FreePlane(PlaneState *pps)
+{
+    RemovePlaneModules(pps);
+    if (PlaneIsBusy(pps))
+        return; // a late thread is inside: leaving the records alone is the only safe thing to do
+    DeleteBitmap(pps->Info.hbmDraw);
+    DeleteBitmap(pps->Info.hbmResolved);
+    DeleteContext(pps->Info.hdc);
+    std::free(pps->Info.lpColorTable);
+    std::free(pps->Info.pPaletteInfo);
+    std::free(pps);
+}
+
+u32 RemoveAllPlanes(PresetState *lppsi)
+{
+    const u32 bAny = lppsi->nPlanes > 0;
+    lppsi->phbmOutput = nullptr;
+    lppsi->nPlanes = 0;
+    for (PlaneState *&pps : lppsi->psPlane) {
+        if (pps)
+            FreePlane(pps);
+        pps = nullptr;
+    }
+    return bAny;
+}
+
+// Paused planes too: their modules must not meet a new size unprepared when the plane is resumed.
+void RunEveryModule(PresetState *lppsi, u32 dwSteps)
+{
+    for (i32 i = 0; i < lppsi->nPlanes; i++)
+        RunPlaneModules(lppsi->psPlane[i], dwSteps);
+    if (dwSteps & MODSTEP_INIT)
+        EvaluateRuleWeights(lppsi, true);
+    RunPostProcessing(lppsi, dwSteps);
+}
+
+void ReplaceBitmap(HostBitmap **phbm)
+{
+    DeleteBitmap(*phbm);
+    *phbm = NewBufferBitmap();
+    VD_ASSERT(*phbm);
+}
+
+// phbmOutput goes on to name the same handle, which now is an empty bitmap of the new size.
+void ReplaceBitmaps(PresetState *lppsi)
+{
+    for (i32 i = 0; i < lppsi->nPlanes; i++) {
+        PlaneInfo *ppi = &lppsi->psPlane[i]->Info;
+        ppi->nWidth = GlobalSettings.nBufferWidth;
+        ppi->nHeight = GlobalSettings.nBufferHeight;
+        ReplaceBitmap(&ppi->hbmDraw);
+        ReplaceBitmap(&ppi->hbmResolved);
+    }
+    ReplaceBitmap(&lppsi->hbmFinal);
+    SetUpPostProcessing(lppsi);
+    for (u32 i = 0; i < lppsi->nMixRules; i++)
+        ReplaceBitmap(&lppsi->asMixRule[i].hbmRule);
+}
+
+bool AnyPlaneIsBusy(PresetState *lppsi)
+{
+    return std::any_of(lppsi->psPlane, lppsi->psPlane + lppsi->nPlanes, PlaneIsBusy);
+}
+
+} // namespace
+
+PresetState *AllocatePresetState()
+{
+    auto *lppsi = static_cast<PresetState *>(std::calloc(1, sizeof(PresetState)));
+    VD_ASSERT(lppsi);
+    lppsi->hbmFinal = NewBufferBitmap();
+    VD_ASSERT(lppsi->hbmFinal);
+    return lppsi;
+}
+
+PresetState *CreatePresetState(u32 bDefaults)
+{
+    ComputeBufferSize(GlobalSettings.DetailScale);
+    PresetState *lppsi = AllocatePresetState();
+    if (bDefaults)
+        AddDefaultModules(lppsi);
+    SetUpPostProcessing(lppsi);
+    SetModuleTick(TickCount());
+    RunPresetModules(lppsi, MODSTEPS_BRINGUP);
+    return lppsi;
+}
+
+void SetUpPostProcessing(PresetState *lppsi)
+{
+    PlaneInfo *ppi = &lppsi->piPostProc;
+    ppi->nWidth = GlobalSettings.nBufferWidth;
+    ppi->nHeight = GlobalSettings.nBufferHeight;
+    ppi->hbmDraw = lppsi->hbmFinal;
+    ppi->bIndexed = 0;
+    ppi->pSound = GlobalSettings.pSound;
+    if (ppi->nColors)
+        return;
+    ppi->hdc = CreateContext();
+    ppi->lpColorTable = ppi->hdc ? MakeGreyRamp() : nullptr;
+    ppi->nColors = ppi->lpColorTable ? GREY_COLORS : 0;
+}
+
+u32 DestroyPresetState(PresetState *lppsi)
+{
+    if (!lppsi)
+        return 0;
+    {
+        const std::lock_guard lock(csEngine);
+        StopPlaneThreads();
+    }
+    RemoveAllPlanes(lppsi);
+    RemoveAllMixRules(lppsi);
+    RemoveModule(lppsi, nullptr); // what is left: post-processing
+    FreePostProcessing(lppsi);
+    DeleteBitmap(lppsi->hbmFinal);
+    std::free(lppsi);
+    return 1;
+}
+
+PlaneState *AddPlane(PresetState *lppsi, u32 bIndexed, u32 bDefaultModules)
+{
+    const i32 iPlane = lppsi->nPlanes;
+    if (iPlane >= PLANES_MAX)
+        return nullptr;
+    VD_ASSERT(lppsi->psPlane[iPlane] == NULL);
+    auto *pps = static_cast<PlaneState *>(std::calloc(1, sizeof(PlaneState)));
+    if (!pps)
+        return nullptr;
+    pps->lppsi = lppsi;
+    SetUpPlaneHead(&pps->Info, bIndexed);
+    AllocatePlaneBlocks(&pps->Info);
+    pps->Info.hbmDraw = NewBufferBitmap();
+    pps->Info.hbmResolved = NewBufferBitmap();
+    pps->Info.hdc = CreateContext();
+    if (!pps->Info.hbmDraw || !pps->Info.hbmResolved || !pps->Info.hdc) {
+        FreePlane(pps);
+        return nullptr;
+    }
+    lppsi->psPlane[iPlane] = pps;
+    if (bDefaultModules) {
+        AddModule(lppsi, u"CMShift.dll", iPlane, MODULEINDEX_COLORINTERPOLATOR, 0, 0);
+        AddModule(lppsi, u"CMBreed.dll", iPlane, MODULEINDEX_COLORGENERATOR, 0, 0);
+        SetModuleTick(TickCount());
+        RunPlaneModules(pps, MODSTEPS_BRINGUP);
+    }
+    lppsi->nPlanes = iPlane + 1;
+    return pps;
+}
+
+u32 RemovePlane(PresetState *lppsi, PlaneState *pps)
+{
+    if (!pps)
+        return RemoveAllPlanes(lppsi);
+    PlaneState **ppEnd = lppsi->psPlane + lppsi->nPlanes;
+    PlaneState **ppFound = std::find(lppsi->psPlane, ppEnd, pps);
+    if (ppFound == ppEnd)
+        return 0;
+    lppsi->phbmOutput = nullptr;
+    FreePlane(pps);
+    std::copy(ppFound + 1, ppEnd, ppFound);
+    lppsi->psPlane[--lppsi->nPlanes] = nullptr;
+    RemoveAllMixRules(lppsi);
+    return 1;
+}
+
+u32 ResizePresetBuffers(PresetState *lppsi, i32 nDetailScale)
+{
+    if (!lppsi)
+        return 0;
+    if (AnyPlaneIsBusy(lppsi)) {
+        GlobalSettings.bResizePending = 1;
+        return 1;
+    }
+    if (!ComputeBufferSize(nDetailScale))
+        return 1;
+    RunEveryModule(lppsi, MODSTEP_CLEANUP);
+    ResizeHiddenGLWindows(GlobalSettings.nBufferWidth, GlobalSettings.nBufferHeight);
+    ReplaceBitmaps(lppsi);
+    SetModuleTick(TickCount());
+    RunEveryModule(lppsi, MODSTEPS_BRINGUP);
+    return 1;
+}
+
+PresetState *CurrentPreset()
+{
+    return lppsiCurrent;
+}
+
+PresetState *SwitchPreset(PresetState *(*pfnMake)(const void *pvArgument), const void *pvArgument)
+{
+    PresetState *lppsiOld = lppsiCurrent;
+    lppsiCurrent = nullptr;
+    DestroyPresetState(lppsiOld);
+    lppsiCurrent = pfnMake ? pfnMake(pvArgument) : nullptr;
+    return lppsiCurrent;
+}
+
+PresetState *MakeDefaultPreset(const void *)
+{
+    return CreatePresetState(1);
+}
