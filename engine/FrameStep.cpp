@@ -14,6 +14,8 @@
 namespace {
 
 i64 qwLastFrameCount = 0; // start of the last step that passed the gate
+i64 nStepStart = 0;       // the same moment on the real clock
+FrameStages Stages;
 
 i64 FrameInterval()
 {
@@ -42,8 +44,11 @@ void ServePendingResize(PresetState *lppsi)
 
 void MixAndPostProcess(PresetState *lppsi)
 {
+    const i64 nDrawn = RealNanoseconds();
     MixPlanes(lppsi, GlobalSettings.MixInParallel);
+    const i64 nMixed = RealNanoseconds();
     RunPostProcessing(lppsi, MODSTEPS_FRAME);
+    Stages = {nDrawn - nStepStart, nMixed - nDrawn, RealNanoseconds() - nMixed};
 }
 
 u32 StepOnThreads(PresetState *lppsi)
@@ -76,9 +81,15 @@ u32 RunFrameStep(PresetState *lppsi)
 {
     if (!lppsi || !FrameIsDue())
         return 0;
+    nStepStart = RealNanoseconds();
     SetModuleTick(TickCount());
     SampleSound();
     return GlobalSettings.ThreadedPlanes ? StepOnThreads(lppsi) : StepHere(lppsi);
+}
+
+const FrameStages &LastFrameStages()
+{
+    return Stages;
 }
 
 i64 NextFrameCount()

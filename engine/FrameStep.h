@@ -9,5 +9,13 @@
 // resize. [main-thread]
 u32 RunFrameStep(PresetState *lppsi);
 
+// What the last frame spent its time on, in nanoseconds of the real clock.
+struct FrameStages {
+    i64 nDraw; // planes, and the controls of the rules
+    i64 nMix;
+    i64 nPost; // post-processing modules
+};
+const FrameStages &LastFrameStages();
+
 // Performance count from which on the gate is open.
 i64 NextFrameCount();

@@ -8,7 +8,6 @@
 
 #include <atomic>
 #include <cstdio>
-#include <ctime>
 #include <memory>
 #include <vector>
 
@@ -84,25 +83,22 @@ void ReapAbandonedThreads()
     });
 }
 
-// Milliseconds left of nWaitMs since qwStart, on a clock that a fixed run does not stop.
-u32 RemainingMs(const timespec &tsStart, u32 nWaitMs)
+// Milliseconds left of nWaitMs since nStart (RealNanoseconds).
+u32 RemainingMs(i64 nStart, u32 nWaitMs)
 {
     if (nWaitMs == WAIT_FOREVER)
         return WAIT_FOREVER;
-    timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    const i64 nPassed = (ts.tv_sec - tsStart.tv_sec) * 1000 + (ts.tv_nsec - tsStart.tv_nsec) / 1000000;
+    const i64 nPassed = (RealNanoseconds() - nStart) / 1000000;
     return nPassed >= nWaitMs ? 0 : nWaitMs - static_cast<u32>(nPassed);
 }
 
 u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
 {
-    timespec tsStart;
-    clock_gettime(CLOCK_MONOTONIC, &tsStart);
+    const i64 nStart = RealNanoseconds();
     for (i32 i = 0; i < nPlanes; i++) {
         PlaneThreadParms *pParms = apParms[i].get();
         while (pParms->dwFrameDone != dwFrameGeneration)
-            if (!pParms->evDone.Wait(RemainingMs(tsStart, nWaitMs)) && RemainingMs(tsStart, nWaitMs) == 0)
+            if (!pParms->evDone.Wait(RemainingMs(nStart, nWaitMs)) && RemainingMs(nStart, nWaitMs) == 0)
                 return pParms->dwFrameDone == dwFrameGeneration;
     }
     return 1;
@@ -143,10 +139,9 @@ void StopPlaneThreads()
         return;
     for (auto &pParms : apParms)
         pParms->bStop = 1;
-    timespec tsStart;
-    clock_gettime(CLOCK_MONOTONIC, &tsStart);
+    const i64 nStart = RealNanoseconds();
     for (auto &pParms : apParms) {
-        if (pParms->evEnded.Wait(RemainingMs(tsStart, STOP_WAIT_MS))) {
+        if (pParms->evEnded.Wait(RemainingMs(nStart, STOP_WAIT_MS))) {
             pParms->thread.join();
         } else {
             std::fprintf(stderr, "vorticade: plane %u is stuck in a module; it is left alone\n", pParms->iPlane + 1);

@@ -32,8 +32,8 @@ enum MixOperator : i32 {
 struct MixRule {
     i32 SrcIdx1;
     i32 SrcIdx2;
-    i32 AplhaIdx; // the mask ("Mix Using"); spelled so in all files
-    i32 MixOp;    // MixOperator
+    i32 AplhaIdx;              // the mask ("Mix Using"); spelled so in all files
+    i32 MixOp;                 // MixOperator
     HostBitmap *hbmRule;       // result of this rule unless it is the last one; owned by the preset
     ControlRecord BlendWeight; // integer control, 0 to 255, default 128
 };

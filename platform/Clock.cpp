@@ -12,27 +12,27 @@ std::atomic<bool> bFixed{false};
 std::atomic<u64> qwFixedTick{0};
 std::atomic<i64> nFixedCounter{0};
 
-i64 MonotonicNanoseconds()
+} // namespace
+
+i64 RealNanoseconds()
 {
     timespec ts;
     clock_gettime(CLOCK_MONOTONIC, &ts);
     return ts.tv_sec * NS_PER_SECOND + ts.tv_nsec;
 }
 
-} // namespace
-
 u64 TickCount()
 {
     if (bFixed.load(std::memory_order_relaxed))
         return qwFixedTick.load(std::memory_order_relaxed);
-    return static_cast<u64>(MonotonicNanoseconds() / 1000000);
+    return static_cast<u64>(RealNanoseconds() / 1000000);
 }
 
 i64 PerfCounter()
 {
     if (bFixed.load(std::memory_order_relaxed))
         return nFixedCounter.load(std::memory_order_relaxed);
-    return MonotonicNanoseconds();
+    return RealNanoseconds();
 }
 
 i64 PerfFrequency()

@@ -10,6 +10,9 @@ u64 TickCount();
 i64 PerfCounter();
 i64 PerfFrequency();
 
+// Nanoseconds of the real clock, also while the two above are fixed: for time-outs and measurements. [any-thread]
+i64 RealNanoseconds();
+
 // Replaces both clocks by fixed ones that stand still until they are moved: for deterministic runs and tests.
 // Moving the tick moves the counter by at least a second, so that the frame gate opens once for each move
 // whatever the frame rate target. [main-thread]

@@ -1,0 +1,195 @@
+// Startup.cpp -- the life of the process: what comes up, in which order, and what goes down
+#include "app/Startup.h"
+
+#include "app/Folders.h"
+#include "app/GlobalSettings.h"
+#include "app/Notices.h"
+#include "app/SharedStatus.h"
+#include "app/Steps.h"
+#include "engine/BufferSize.h"
+#include "engine/PlaneThreads.h"
+#include "engine/PresetManager.h"
+#include "modules/ModuleRegistry.h"
+#include "modules/OpenGLTest.h"
+#include "modules/ShaderList.h"
+#include "modules/SoundMonitor.h"
+#include "output/PlaneMixer.h"
+#include "platform/Clock.h"
+#include "platform/Files.h"
+#include "platform/GLWindow.h"
+#include "platform/Random.h"
+#include "platform/Text.h"
+
+#include <atomic>
+#include <cstdlib>
+
+namespace {
+
+const StartOptions *pOptions = nullptr; // during StartCore and StartHeadless
+std::atomic<u64> dwTimerIdNext{69};
+
+u32 FindFolders()
+{
+    InitFolders({{}, pOptions->data, pOptions->modules});
+    return 1;
+}
+
+u32 SeedRandom()
+{
+    const u64 qwTick = TickCount();
+    const u64 t = static_cast<u32>(qwTick);
+    SeedFallbackRandom(static_cast<u32>(qwTick * (t + 157) * (t + 10567629)) & 0xFFFF);
+    return 1;
+}
+
+u32 ReadSettings()
+{
+    SetDefaultSettings();
+    if (!pOptions->preset.empty())
+        CopyText(GlobalSettings.Preset, pOptions->preset);
+    return 1;
+}
+
+// After the settings, which zero the record that holds its address.
+u32 AllocateSoundFrame()
+{
+    GlobalSettings.pSound = static_cast<SoundFrame *>(std::calloc(1, sizeof(SoundFrame)));
+    return GlobalSettings.pSound != nullptr;
+}
+
+u32 FindAccelerators()
+{
+    SetupMixAccelerator();
+    return 1;
+}
+
+u32 OpenSharedBlock()
+{
+    return OpenSharedStatus();
+}
+
+u32 BindSound()
+{
+    BindSoundMonitor(&GlobalSettings.Monitor);
+    SetMonitorTimeScale(GlobalSettings.TimeScale);
+    return 1;
+}
+
+u32 LoadModules()
+{
+    LoadModuleFolder();
+    if (ModuleCount() == 0)
+        AddNotice("no module was found in " + ToUtf8(FolderPath(PATH_MODULES)) +
+                  ": there is nothing that could draw a picture");
+    return 1;
+}
+
+u32 TestOpenGL()
+{
+    SetVariable("FOLDER_SHADERINCLUDE", JoinPath(FolderPath(PATH_SHADERS), u"Include"));
+    ProbeOpenGL();
+    return 1;
+}
+
+constexpr Step asStartCore[] = {
+    {"folders", FindFolders},           {"random numbers", SeedRandom},
+    {"settings", ReadSettings},         {"sound block", AllocateSoundFrame},
+    {"accelerators", FindAccelerators}, {"shared block", OpenSharedBlock},
+    {"sound monitor", BindSound},       {"modules", LoadModules},
+    {"OpenGL test", TestOpenGL},
+};
+
+constexpr Step asStartHeadless[] = {
+    {"folders", FindFolders}, {"settings", ReadSettings},         {"sound block", AllocateSoundFrame},
+    {"modules", LoadModules}, {"accelerators", FindAccelerators}, {"OpenGL test", TestOpenGL},
+};
+
+u32 DestroyPreset()
+{
+    SwitchPreset(nullptr, nullptr);
+    return 1;
+}
+
+u32 StopSound()
+{
+    UnbindSoundMonitor(&GlobalSettings.Monitor);
+    return 1;
+}
+
+u32 FreeSoundFrame()
+{
+    if (!AnyThreadIsStuck())
+        std::free(GlobalSettings.pSound);
+    GlobalSettings.pSound = nullptr;
+    return 1;
+}
+
+// A thread that is stuck in a module needs its library for as long as the process lives.
+u32 UnloadLibraries()
+{
+    if (AnyThreadIsStuck())
+        return 1;
+    UnloadModules();
+    FreeShaderList();
+    CloseGLDisplay();
+    return 1;
+}
+
+u32 CloseSharedBlock()
+{
+    CloseSharedStatus();
+    return 1;
+}
+
+constexpr Step asShutDown[] = {
+    {"preset", DestroyPreset},    {"sound monitor", StopSound},       {"sound block", FreeSoundFrame},
+    {"modules", UnloadLibraries}, {"shared block", CloseSharedBlock},
+};
+
+constexpr Step asShutDownHeadless[] = {
+    {"preset", DestroyPreset},
+    {"sound block", FreeSoundFrame},
+    {"modules", UnloadLibraries},
+};
+
+} // namespace
+
+int StartCore(const StartOptions &options)
+{
+    pOptions = &options;
+    const char *pszFailed = RunSteps(asStartCore);
+    pOptions = nullptr;
+    return pszFailed ? EXIT_MAPPING : 0;
+}
+
+void StartPreset()
+{
+    SetStartBufferSize();
+    SwitchPreset(MakeDefaultPreset, nullptr);
+}
+
+void ShutDown()
+{
+    RunSteps(asShutDown);
+}
+
+void StartHeadless(const StartOptions &options)
+{
+    pOptions = &options;
+    RunSteps(asStartHeadless);
+    pOptions = nullptr;
+}
+
+void ShutDownHeadless()
+{
+    RunSteps(asShutDownHeadless);
+}
+
+u32 NextTimerId()
+{
+    u32 dwId = 0;
+    do
+        dwId = static_cast<u32>(++dwTimerIdNext);
+    while (dwId == 0);
+    return dwId;
+}

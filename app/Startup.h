@@ -1,0 +1,31 @@
+// Startup.h -- the life of the process: what comes up, in which order, and what goes down
+#pragma once
+
+#include "platform/BaseTypes.h"
+
+#include <string>
+
+constexpr int EXIT_MAPPING = -1; // the shared block belongs to a program of another version
+
+// What the command line of the desktop program says.
+struct StartOptions {
+    std::u16string data;    // --data; empty: worked out
+    std::u16string modules; // --modules
+    std::u16string preset;  // an existing file, else empty
+};
+
+// The part of the start-up that needs no window: folders, settings, shared block, sound, modules, OpenGL test. 0 to go
+// on, else the exit code with which the process must leave. [main-thread]
+int StartCore(const StartOptions &options);
+// The part after the visuals window stands: buffer size, preset.
+void StartPreset();
+// Everything down again, in order.
+void ShutDown();
+
+// The parts that the headless renderer shares: settings, sound block, modules. Nothing outside the named folders is
+// read or written.
+void StartHeadless(const StartOptions &options);
+void ShutDownHeadless();
+
+// Takes the next timer number: atomic, never 0, first 70. [any-thread]
+u32 NextTimerId();

@@ -1,0 +1,17 @@
+// Presenters.h -- where finished frames go
+#pragma once
+
+#include "include/hosttypes.h"
+#include "platform/BaseTypes.h"
+
+constexpr u32 PRESENTERS_MAX = 8;
+
+// Receives every finished frame, on the main thread; the bitmap is valid during the call.
+using PresenterFn = void (*)(const HostBitmap *hbm, void *pvContext);
+
+// Adds a receiver behind those that stand; 0 if the list is full. [main-thread]
+u32 AddPresenter(PresenterFn pfn, void *pvContext);
+void RemovePresenter(PresenterFn pfn, void *pvContext);
+
+// Hands a finished frame to all of them in order and counts it as shown. [main-thread]
+void PresentFrame(const HostBitmap *hbm);
