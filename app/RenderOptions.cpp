@@ -1,0 +1,159 @@
+// RenderOptions.cpp -- the command line of the headless renderer
+#include "app/RenderOptions.h"
+
+#include "app/CommandLine.h"
+#include "engine/PresetState.h"
+#include "output/PictureFiles.h"
+#include "platform/Files.h"
+#include "platform/Text.h"
+
+namespace {
+
+constexpr i64 FRAMES_MAX = 100000000;
+
+RenderOptions *Options(void *pv)
+{
+    return static_cast<RenderOptions *>(pv);
+}
+
+bool SetFrames(void *pv, const std::string &s)
+{
+    return ParseNumber(s, 1, FRAMES_MAX, &Options(pv)->nFrames);
+}
+
+bool SetSize(void *pv, const std::string &s)
+{
+    const size_t iTimes = s.find('x');
+    return iTimes != std::string::npos &&
+           ParseNumber(s.substr(0, iTimes), BUFFER_SIDE_MIN, BUFFER_SIDE_MAX, &Options(pv)->nWidth) &&
+           ParseNumber(s.substr(iTimes + 1), BUFFER_SIDE_MIN, BUFFER_SIDE_MAX, &Options(pv)->nHeight);
+}
+
+bool SetFps(void *pv, const std::string &s)
+{
+    return ParseNumber(s, 0.001, 1000.0, &Options(pv)->fFps);
+}
+
+bool SetWarmup(void *pv, const std::string &s)
+{
+    return ParseNumber(s, 0, FRAMES_MAX, &Options(pv)->nWarmup);
+}
+
+bool SetSeed(void *pv, const std::string &s)
+{
+    return ParseNumber(s, &Options(pv)->qwSeed);
+}
+
+bool SetMix(void *pv, const std::string &s)
+{
+    Options(pv)->bOnePass = s == "onepass";
+    return s == "rule" || s == "onepass";
+}
+
+bool SetThreads(void *pv, const std::string &s)
+{
+    Options(pv)->bThreads = s == "1";
+    return s == "0" || s == "1";
+}
+
+bool SetData(void *pv, const std::string &s)
+{
+    Options(pv)->start.data = FromUtf8(s);
+    return FolderExists(FromUtf8(s));
+}
+
+bool SetModules(void *pv, const std::string &s)
+{
+    Options(pv)->start.modules = FromUtf8(s);
+    return FolderExists(FromUtf8(s));
+}
+
+template <u32 RenderOptions::*pSwitch> bool SwitchOn(void *pv, const std::string &)
+{
+    Options(pv)->*pSwitch = 1;
+    return true;
+}
+
+template <std::string RenderOptions::*pText> bool SetText(void *pv, const std::string &s)
+{
+    Options(pv)->*pText = s;
+    return true;
+}
+
+constexpr OptionRow asOption[] = {
+    {"--frames", "N", "frames to write, numbered from 1 (default 300)", SetFrames},
+    {"--size", "WxH", "size of the picture, 128 to 8192 each way (default 1280x720)", SetSize},
+    {"--fps", "F", "frames a second of the fixed clock, up to 1000 (default 60)", SetFps},
+    {"--out", "PATTERN",
+     "file name with one number field, such as out/f-%04d.png; the extension picks the format: "
+     "png or ppm; - writes raw BGRA frames, top row first, to standard output "
+     "(default Untitled-%04d.png)",
+     SetText<&RenderOptions::out>},
+    {"--warmup", "N", "frames run before the first one written (default 0)", SetWarmup},
+    {"--seed", "S", "fixes every random number of the run (default 1)", SetSeed},
+    {"--sound", "FILE", "levels from this sound file (not in this version)", SetText<&RenderOptions::sound>},
+    {"--mix", "PATH", "rule: rule by rule; onepass: all rules at once (default rule)", SetMix},
+    {"--threads", "N", "1: each plane on a thread of its own; 0: one after the other (default 1)", SetThreads},
+    {"--data", "DIR", "an existing data folder", SetData},
+    {"--modules", "DIR", "an existing folder of module libraries", SetModules},
+    {"--save", "FILE", "save the loaded preset under this name and end, without frames", SetText<&RenderOptions::save>},
+    {"--list", "DIR", "print the presets of a folder and end", SetText<&RenderOptions::list>},
+    {"--json", nullptr, "with --list: as JSON", SwitchOn<&RenderOptions::bJson>},
+    {"--stats", nullptr, "at the end, print the times of each stage: median and 99th percentile",
+     SwitchOn<&RenderOptions::bStats>},
+    {"--help", nullptr, "this text", SwitchOn<&RenderOptions::bHelp>},
+    {"--version", nullptr, "the version", SwitchOn<&RenderOptions::bVersion>},
+};
+
+bool CheckOut(RenderOptions *pro, std::string *psError)
+{
+    if (pro->out == "-")
+        return true;
+    const std::u16string out = FromUtf8(pro->out);
+    if (const char *pszWrong = ParseNumberPattern(out, &pro->pattern)) {
+        *psError = "--out " + pro->out + ": " + pszWrong;
+        return false;
+    }
+    if (!pro->pattern.bHasNumber && pro->nFrames > 1) {
+        *psError = "--out " + pro->out + ": a number field such as %04d is needed for more than one frame";
+        return false;
+    }
+    if (!CanWritePicture(PictureFormatOf(out.c_str()))) {
+        *psError = "--out " + pro->out + ": no picture format that can be written; name it .png or .ppm";
+        return false;
+    }
+    return true;
+}
+
+bool CheckOperands(RenderOptions *pro, const std::vector<std::string> &asOperand, std::string *psError)
+{
+    const size_t nWanted = pro->list.empty() ? 1 : 0;
+    if (asOperand.size() == nWanted) {
+        if (nWanted)
+            pro->preset = asOperand[0];
+        return true;
+    }
+    *psError = asOperand.size() > nWanted ? "too many arguments: " + asOperand[nWanted]
+                                          : "which preset? Name a preset file, or default for the built-in one";
+    return false;
+}
+
+} // namespace
+
+bool ReadRenderOptions(int argc, char **argv, RenderOptions *pro, std::string *psError)
+{
+    std::vector<std::string> asOperand;
+    if (!ParseCommandLine(asOption, argc, argv, pro, &asOperand, psError))
+        return false;
+    if (pro->bHelp || pro->bVersion)
+        return true;
+    return CheckOperands(pro, asOperand, psError) && CheckOut(pro, psError);
+}
+
+std::string RenderHelp()
+{
+    return "vorticade-render [options] PRESET\n"
+           "Renders a preset to picture files, frame by frame, without a window. PRESET is a preset file, or default\n"
+           "for the built-in one. The same call gives the same bytes.\n\n" +
+           OptionHelp(asOption) + "\nExit status: 0 all frames were written, 1 they were not, 2 wrong command line.\n";
+}

@@ -1,0 +1,22 @@
+// render_main.cpp -- vorticade-render: the engine without any window
+#include "app/RenderOptions.h"
+#include "app/RenderRun.h"
+
+#include <csignal>
+#include <cstdio>
+
+int main(int argc, char **argv)
+{
+    RenderOptions ro;
+    std::string sError;
+    if (!ReadRenderOptions(argc, argv, &ro, &sError)) {
+        std::fprintf(stderr, "vorticade-render: %s\n", sError.c_str());
+        return 2;
+    }
+    if (ro.bHelp || ro.bVersion) {
+        std::fputs(ro.bHelp ? RenderHelp().c_str() : "vorticade-render " VD_VERSION "\n", stdout);
+        return 0;
+    }
+    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is an error to report, not a reason to die
+    return RunRender(ro);
+}
