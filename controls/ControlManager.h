@@ -16,18 +16,23 @@ void SetControlDefaults(ControlRecord *pctl);
 void FreeControl(ControlRecord *pctl);
 
 // Starts and ends the building of a slot: between the two, AllocControl appends to the slot. Ending it fixes the
-// slot's count whatever the module wrote there, sets the owner of every record and prepares the tile controls.
-// [main-thread]
+// slot's count whatever the module wrote there, sets the owner of every record, prepares the tile controls and takes
+// back what a module may not leave: unended texts, pointers in the host's fields, a dependency outside the slot, rows
+// that do not exist. [main-thread]
 void BeginControls(ModuleSlot *pms);
 void EndControls(ModuleSlot *pms);
-// The callback for modules. Null beyond CONTROLS_MAX, outside of building, or when out of memory.
+// The callback for modules. Null beyond CONTROLS_MAX, outside of building, on any thread but the building one, or when
+// out of memory. Which count the module passes does not matter: it is the slot's own that grows.
 ControlRecord *AllocControl(i32 *pnControls);
 
+// Whether the control can be animated by wave, sound or periodic chance. Never for an item select.
 bool ControlSupportsFluidSources(const ControlRecord *pctl);
-// Brings the current fields into their absolute limits. Nothing orders nMin below nMax.
+// Brings the current fields into their absolute limits; a float that is no number goes to the lower one. Nothing
+// orders nMin below nMax.
 void ClampControl(ControlRecord *pctl);
 bool ControlIsDefault(const ControlRecord *pctl);
 i32 CountChangedControls(const ModuleSlot *pms);
+// The wave's phase, and whether resets draw it, stay as they are.
 void RestoreControlDefaults(ControlRecord *pctl);
 // What the dependency says; only decides how the control is shown.
 bool ControlIsActive(const ControlRecord *pctl);

@@ -1,0 +1,364 @@
+// ControlManager.cpp -- the control record: building, ownership, limits, comparison with the defaults
+#include "controls/ControlManager.h"
+
+#include "controls/FileList.h"
+#include "platform/Assert.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <iterator>
+
+std::atomic<u32> bPresetChanged{0};
+
+namespace {
+
+constexpr u32 TILES = CONTROL_TILES_MAX * CONTROL_TILES_MAX;
+constexpr f32 PHASE_TOLERANCE = 0.00001f;
+
+// The slot under construction and the only count of its controls that is believed. One per thread, so that a module's
+// worker that calls back finds nothing to append to.
+struct SlotBuild {
+    ModuleSlot *pms;
+    i32 nControls;
+};
+thread_local SlotBuild Build;
+
+// The upper limit wins where a module has them the wrong way round.
+template <typename T> void Limit(T *pValue, T low, T high)
+{
+    if (*pValue < low || *pValue != *pValue)
+        *pValue = low;
+    if (*pValue > high)
+        *pValue = high;
+}
+
+// Integer
+
+void ClampInteger(ControlRecord *pctl)
+{
+    ControlInteger &Int = pctl->Integer;
+    for (i32 *pn : {&Int.nMin, &Int.nMax, &Int.nValue})
+        Limit(pn, Int.nAbsMin, Int.nAbsMax);
+}
+
+bool IntegerIsDefault(const ControlRecord *pctl, bool bFixed)
+{
+    const ControlInteger &Int = pctl->Integer;
+    if (bFixed)
+        return Int.nValue == Int.nDefaultValue;
+    return !Int.bOnlyEven && !Int.bOnlyOdd && !Int.bMinMax && Int.nMin == Int.nDefaultMin &&
+           Int.nMax == Int.nDefaultMax;
+}
+
+void RestoreInteger(ControlRecord *pctl)
+{
+    ControlInteger &Int = pctl->Integer;
+    Int.nMin = Int.nDefaultMin;
+    Int.nMax = Int.nDefaultMax;
+    Int.nValue = Int.nDefaultValue;
+    Int.bOnlyEven = Int.bOnlyOdd = Int.bMinMax = 0;
+}
+
+// Float
+
+void ClampFloat(ControlRecord *pctl)
+{
+    ControlFloat &Float = pctl->Float;
+    for (f32 *pf : {&Float.fMin, &Float.fMax, &Float.fValue})
+        Limit(pf, Float.fAbsMin, Float.fAbsMax);
+}
+
+bool FloatIsDefault(const ControlRecord *pctl, bool bFixed)
+{
+    const ControlFloat &Float = pctl->Float;
+    if (bFixed)
+        return Float.fValue == Float.fDefaultValue;
+    return !Float.bMinMax && Float.fMin == Float.fDefaultMin && Float.fMax == Float.fDefaultMax;
+}
+
+void RestoreFloat(ControlRecord *pctl)
+{
+    ControlFloat &Float = pctl->Float;
+    Float.fMin = Float.fDefaultMin;
+    Float.fMax = Float.fDefaultMax;
+    Float.fValue = Float.fDefaultValue;
+    Float.bMinMax = 0;
+}
+
+// Item select
+
+bool ItemSelectIsDefault(const ControlRecord *pctl, bool bFixed)
+{
+    return !bFixed || pctl->ItemSelect.nCurrentItemValue == pctl->ItemSelect.nDefaultItemValue;
+}
+
+void RestoreItemSelect(ControlRecord *pctl)
+{
+    pctl->ItemSelect.nCurrentItemValue = pctl->ItemSelect.nDefaultItemValue;
+}
+
+void PrepareItemSelect(ControlRecord *pctl)
+{
+    if (!pctl->ItemSelect.pItems)
+        pctl->ItemSelect.nItems = 0;
+}
+
+void FreeItemSelect(ControlRecord *pctl)
+{
+    const ControlItemSelect &Items = pctl->ItemSelect;
+    if (!Items.bOwnsItems || !Items.pItems)
+        return;
+    for (u32 i = 0; i < Items.nItems; i++)
+        std::free(const_cast<char16_t *>(Items.pItems[i].pszText));
+    std::free(Items.pItems);
+}
+
+// Boolean
+
+void ClampBoolean(ControlRecord *pctl)
+{
+    Limit(&pctl->Boolean.fThreshold, 0.0f, 1.0f);
+}
+
+bool BooleanIsDefault(const ControlRecord *pctl, bool bFixed)
+{
+    const ControlBoolean &Bool = pctl->Boolean;
+    return bFixed ? Bool.bState == Bool.bDefaultState : Bool.fThreshold == Bool.fDefaultThreshold;
+}
+
+void RestoreBoolean(ControlRecord *pctl)
+{
+    pctl->Boolean.bState = pctl->Boolean.bDefaultState;
+    pctl->Boolean.fThreshold = pctl->Boolean.fDefaultThreshold;
+}
+
+// File select
+
+bool FileSelectIsDefault(const ControlRecord *pctl, bool)
+{
+    return !pctl->FileSelect.pszFileList;
+}
+
+void RestoreFileSelect(ControlRecord *pctl)
+{
+    pctl->FileSelect.bShuffle = 0;
+}
+
+// The list is the host's alone: whatever stands there came from no allocator of ours.
+void PrepareFileSelect(ControlRecord *pctl)
+{
+    ControlFileSelect &File = pctl->FileSelect;
+    File.pszFileList = nullptr;
+    File.pLineOffsets = nullptr;
+    File.nLines = File.nCurrentLine = 0;
+    File.szCurrentFile[CONTROL_TEXT - 1] = 0;
+}
+
+void FreeFileSelect(ControlRecord *pctl)
+{
+    FreeFileList(&pctl->FileSelect);
+}
+
+// Tile
+
+void FillTileMask(ControlRecord *pctl)
+{
+    if (pctl->Tile.pTileMask)
+        std::fill_n(pctl->Tile.pTileMask, TILES, 1u);
+}
+
+void ClampTile(ControlRecord *pctl)
+{
+    ControlTile &Tile = pctl->Tile;
+    for (u32 *pn : {&Tile.nXTiles, &Tile.nYTiles, &Tile.nXLimit, &Tile.nYLimit})
+        Limit(pn, 1u, u32{CONTROL_TILES_MAX});
+}
+
+bool TileIsDefault(const ControlRecord *pctl, bool)
+{
+    const ControlTile &Tile = pctl->Tile;
+    const u32 nTiles = static_cast<u32>(std::min<u64>(u64{Tile.nXTiles} * Tile.nYTiles, TILES));
+    return !Tile.pTileMask || std::all_of(Tile.pTileMask, Tile.pTileMask + nTiles, [](u32 dw) { return dw == 1; });
+}
+
+void RestoreTile(ControlRecord *pctl)
+{
+    pctl->Tile.nXLimit = pctl->Tile.nYLimit = CONTROL_TILES_MAX;
+    FillTileMask(pctl);
+}
+
+void PrepareTile(ControlRecord *pctl)
+{
+    ControlTile &Tile = pctl->Tile;
+    Tile.nXTiles = Tile.nYTiles = Tile.nXLimit = Tile.nYLimit = CONTROL_TILES_MAX;
+    Tile.pTileMask = static_cast<u32 *>(std::calloc(TILES, sizeof(u32)));
+    VD_ASSERT(Tile.pTileMask);
+    FillTileMask(pctl);
+}
+
+void FreeTile(ControlRecord *pctl)
+{
+    std::free(pctl->Tile.pTileMask);
+}
+
+// What a control type does. Null: nothing; without pfnIsDefault the type has no value and always counts as default.
+struct ControlTypeRow {
+    void (*pfnClamp)(ControlRecord *pctl);
+    bool (*pfnIsDefault)(const ControlRecord *pctl, bool bFixed);
+    void (*pfnRestore)(ControlRecord *pctl);
+    void (*pfnPrepare)(ControlRecord *pctl); // once, when the module has filled the record in
+    void (*pfnFree)(ControlRecord *pctl);    // what the record owns
+};
+
+constexpr ControlTypeRow asType[] = {
+    {}, // undefined
+    {}, // group
+    {ClampInteger, IntegerIsDefault, RestoreInteger, nullptr, nullptr},
+    {nullptr, ItemSelectIsDefault, RestoreItemSelect, PrepareItemSelect, FreeItemSelect},
+    {ClampFloat, FloatIsDefault, RestoreFloat, nullptr, nullptr},
+    {ClampBoolean, BooleanIsDefault, RestoreBoolean, nullptr, nullptr},
+    {nullptr, FileSelectIsDefault, RestoreFileSelect, PrepareFileSelect, FreeFileSelect},
+    {ClampTile, TileIsDefault, RestoreTile, PrepareTile, FreeTile},
+};
+static_assert(std::size(asType) == CONTROLTYPE_TILE + 1);
+
+const ControlTypeRow &TypeRow(const ControlRecord *pctl)
+{
+    const u32 dwType = pctl->Base.dwType;
+    return asType[dwType < std::size(asType) ? dwType : u32{CONTROLTYPE_UNDEFINED}];
+}
+
+void RunTypeStep(ControlRecord *pctl, void (*ControlTypeRow::*ppfnStep)(ControlRecord *))
+{
+    if (TypeRow(pctl).*ppfnStep)
+        (TypeRow(pctl).*ppfnStep)(pctl);
+}
+
+bool SourceIsDefault(const ControlBase &Base)
+{
+    return Base.dwSource == Base.dwDefaultSource && Base.nNoisePeriod == Base.nDefaultNoisePeriod &&
+           Base.nSamples == Base.nDefaultSamples && Base.nWavePeriod == Base.nDefaultWavePeriod &&
+           Base.dwWaveType == Base.dwDefaultWaveType;
+}
+
+// A phase that the next reset draws anew is nothing to keep.
+bool PhaseIsDefault(const ControlBase &Base)
+{
+    if (Base.dwSource != FLUIDSOURCE_WAVE)
+        return true;
+    if (Base.bRandomPhase != Base.bDefaultRandomPhase)
+        return false;
+    return Base.bRandomPhase || !(std::fabs(Base.fWavePhase - Base.fDefaultWavePhase) > PHASE_TOLERANCE);
+}
+
+bool SlotHasControl(const ModuleSlot *pms, const ControlRecord *pctl)
+{
+    return std::find(pms->apControl, pms->apControl + pms->nControls, pctl) != pms->apControl + pms->nControls;
+}
+
+void TakeOverControl(ModuleSlot *pms, ControlRecord *pctl)
+{
+    ControlBase &Base = pctl->Base;
+    Base.pOwner = pms;
+    Base.szName[CONTROL_TEXT - 1] = 0;
+    Base.szDescription[CONTROL_TEXT - 1] = 0;
+    if (!SlotHasControl(pms, Base.pDependsOn))
+        Base.pDependsOn = nullptr;
+    RunTypeStep(pctl, &ControlTypeRow::pfnPrepare);
+}
+
+} // namespace
+
+ControlRecord *NewControl()
+{
+    ControlRecord *pctl = static_cast<ControlRecord *>(std::calloc(1, sizeof(ControlRecord)));
+    if (pctl)
+        SetControlDefaults(pctl);
+    return pctl;
+}
+
+void SetControlDefaults(ControlRecord *pctl)
+{
+    ControlBase &Base = pctl->Base;
+    Base.dwReserved1 = 1;
+    Base.dwDefaultSource = Base.dwSource = FLUIDSOURCE_FIXED;
+    Base.nDefaultWavePeriod = Base.nWavePeriod = 8000;
+    Base.bDefaultRandomPhase = Base.bRandomPhase = 1;
+    Base.nDefaultNoisePeriod = Base.nNoisePeriod = 1500;
+    CopyText(Base.szDescription, u"This is a text string.");
+}
+
+void FreeControl(ControlRecord *pctl)
+{
+    if (!pctl)
+        return;
+    RunTypeStep(pctl, &ControlTypeRow::pfnFree);
+    std::free(pctl);
+}
+
+void BeginControls(ModuleSlot *pms)
+{
+    Build = {pms, 0};
+    pms->nControls = 0;
+}
+
+ControlRecord *AllocControl(i32 *)
+{
+    if (!Build.pms || Build.nControls >= CONTROLS_MAX)
+        return nullptr;
+    ControlRecord *pctl = NewControl();
+    if (!pctl)
+        return nullptr;
+    Build.pms->apControl[Build.nControls++] = pctl;
+    Build.pms->nControls = Build.nControls;
+    return pctl;
+}
+
+void EndControls(ModuleSlot *pms)
+{
+    VD_ASSERT(Build.pms == pms);
+    pms->nControls = Build.nControls;
+    Build = {};
+    for (i32 i = 0; i < pms->nControls; i++)
+        TakeOverControl(pms, pms->apControl[i]);
+}
+
+bool ControlSupportsFluidSources(const ControlRecord *pctl)
+{
+    return pctl->Base.dwType != CONTROLTYPE_ITEMSELECT && (pctl->Base.dwSourceMask & FLUIDSOURCE_ANIMATED);
+}
+
+void ClampControl(ControlRecord *pctl)
+{
+    RunTypeStep(pctl, &ControlTypeRow::pfnClamp);
+}
+
+bool ControlIsDefault(const ControlRecord *pctl)
+{
+    const ControlTypeRow &Row = TypeRow(pctl);
+    if (!Row.pfnIsDefault)
+        return true;
+    return SourceIsDefault(pctl->Base) && PhaseIsDefault(pctl->Base) &&
+           Row.pfnIsDefault(pctl, pctl->Base.dwSource == FLUIDSOURCE_FIXED);
+}
+
+i32 CountChangedControls(const ModuleSlot *pms)
+{
+    i32 nChanged = 0;
+    for (u32 i = 0; i < CONTROLS_MAX && pms->apControl[i]; i++)
+        nChanged += !ControlIsDefault(pms->apControl[i]);
+    return nChanged;
+}
+
+void RestoreControlDefaults(ControlRecord *pctl)
+{
+    ControlBase &Base = pctl->Base;
+    Base.dwSource = Base.dwDefaultSource;
+    Base.nNoisePeriod = Base.nDefaultNoisePeriod;
+    Base.nSamples = Base.nDefaultSamples;
+    Base.nWavePeriod = Base.nDefaultWavePeriod;
+    Base.dwWaveType = Base.dwDefaultWaveType;
+    RunTypeStep(pctl, &ControlTypeRow::pfnRestore);
+}

@@ -1,0 +1,93 @@
+// ControlNames.cpp -- the dotted name of a control, and what its dependency on another control says
+#include "controls/ControlManager.h"
+
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <string_view>
+
+namespace {
+
+constexpr f32 DEPEND_TOLERANCE = 0.000001f;
+
+// How far the value lies above the comparand, both taken as f32; false for a type without a value.
+bool DependDistance(const ControlRecord *pctl, const ControlBase &Base, f32 *pfDistance)
+{
+    switch (pctl->Base.dwType) {
+    case CONTROLTYPE_INTEGER:
+        *pfDistance = static_cast<f32>(pctl->Integer.nValue) - static_cast<f32>(Base.nDependValue);
+        return true;
+    case CONTROLTYPE_ITEMSELECT:
+        *pfDistance = static_cast<f32>(pctl->ItemSelect.nCurrentItemValue) - static_cast<f32>(Base.nDependValue);
+        return true;
+    case CONTROLTYPE_BOOLEAN:
+        *pfDistance = static_cast<f32>(pctl->Boolean.bState) - static_cast<f32>(Base.nDependValue);
+        return true;
+    case CONTROLTYPE_FLOAT:
+        *pfDistance = pctl->Float.fValue - Base.fDependValue;
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool IsEqual(f32 d)
+{
+    return std::fabs(d) < DEPEND_TOLERANCE;
+}
+
+bool IsNotEqual(f32 d)
+{
+    return std::fabs(d) >= DEPEND_TOLERANCE;
+}
+
+bool IsGreater(f32 d)
+{
+    return d > DEPEND_TOLERANCE;
+}
+
+bool IsLess(f32 d)
+{
+    return d < -DEPEND_TOLERANCE;
+}
+
+bool IsLessOrEqual(f32 d)
+{
+    return d < DEPEND_TOLERANCE;
+}
+
+bool IsGreaterOrEqual(f32 d)
+{
+    return d > -DEPEND_TOLERANCE;
+}
+
+constexpr bool (*apfnCompare[])(f32 d) = {IsEqual, IsNotEqual, IsGreater, IsLess, IsLessOrEqual, IsGreaterOrEqual};
+static_assert(std::size(apfnCompare) == DEPENDOP_GREATEREQUAL + 1);
+
+} // namespace
+
+bool ControlIsActive(const ControlRecord *pctl)
+{
+    const ControlRecord *pctlOther = pctl->Base.pDependsOn;
+    const u32 dwOp = pctl->Base.dwDependOp;
+    f32 fDistance;
+    if (!pctlOther || pctlOther->Base.dwSource != FLUIDSOURCE_FIXED || dwOp >= std::size(apfnCompare))
+        return true;
+    return !DependDistance(pctlOther, pctl->Base, &fDistance) || apfnCompare[dwOp](fDistance);
+}
+
+void ControlDottedName(const ControlRecord *pctl, NameText &szName)
+{
+    std::u16string_view list(pctl->Base.szName, CONTROL_TEXT);
+    u32 cch = 0;
+    while (!list.empty() && list[0] && cch < NAME_CHARS - 1) {
+        const std::u16string_view component = list.substr(0, list.find(u'\0'));
+        if (cch)
+            szName[cch++] = u'.';
+        cch += CopyText(szName + cch, NAME_CHARS - cch, component);
+        list.remove_prefix(std::min(component.size() + 1, list.size()));
+    }
+    szName[cch] = 0;
+}

@@ -1,0 +1,17 @@
+// FileList.h -- the list of a file select control: its text, its line index, the step to the next file
+#pragma once
+
+#include "include/control.h"
+#include "platform/BaseTypes.h"
+
+// Frees text and index. nLines keeps its number: the missing pointers say that there is no list.
+void FreeFileList(ControlFileSelect *pfs);
+
+// Counts the lines again if nLines is all ones, and marks the preset changed when it did. Runs of CR and LF count as
+// one break; breaks before the first line count as none, so that every entry of the index names a line with text.
+// Allocates. [plane-thread, main-thread]
+void RefreshLineIndex(ControlFileSelect *pfs);
+
+// Moves to the next line, or to a random one under shuffle, and puts its file into szCurrentFile: the full path where
+// the data folders have it, else the text of the line. Without a list nothing changes. [plane-thread, main-thread]
+void TakeNextFile(ControlFileSelect *pfs);
