@@ -1,0 +1,78 @@
+// OpenGLTest.cpp -- the start-up test that decides which modules can be used at all
+#include <GL/glew.h> // before any other OpenGL header
+
+#include "modules/OpenGLTest.h"
+
+#include "modules/HiddenGLWindows.h"
+#include "modules/ModuleRegistry.h"
+#include "platform/GLWindow.h"
+
+#include <cstdio>
+
+u32 bOpenGLAvailable = 0;
+std::string OpenGLVersion = "Unknown";
+
+namespace {
+
+struct TestWindow {
+    HostGLWindow *hwndGL;
+    bool bFromTable;
+};
+
+TestWindow OpenTestWindow()
+{
+    if (HostGLWindow *hwndGL = CreateHiddenGLWindow())
+        return {hwndGL, true};
+    return {CreateGLWindow(1, 1), false};
+}
+
+void CloseTestWindow(const TestWindow &window)
+{
+    if (window.bFromTable)
+        DestroyHiddenGLWindow(window.hwndGL);
+    else
+        DestroyGLWindow(window.hwndGL);
+}
+
+// Looks the functions up, and asks the version too: the loader of this platform gives an entry for every name that
+// begins with "gl", whether or not the driver has the function.
+bool DriverHasShadersAndFramebuffers()
+{
+    int nMajor = 0;
+    if (std::sscanf(OpenGLVersion.c_str(), "%d", &nMajor) != 1 || !glCreateShader || !glGenFramebuffers)
+        return false;
+    return nMajor >= 3 || (nMajor == 2 && glewGetExtension("GL_ARB_framebuffer_object"));
+}
+
+// With the test's context current.
+bool TestCurrentContext()
+{
+    glewExperimental = GL_TRUE;
+    const GLenum eResult = glewInit();
+    const auto *pszVersion = reinterpret_cast<const char *>(glGetString(GL_VERSION));
+    if (!pszVersion)
+        return false;
+    OpenGLVersion = pszVersion;
+    // Without GLX, GLEW loads all functions and then misses the GLX display.
+    const bool bLoaded = eResult == GLEW_OK || eResult == GLEW_ERROR_NO_GLX_DISPLAY;
+    const bool bPassed = bLoaded && DriverHasShadersAndFramebuffers();
+    glFlush();
+    return bPassed;
+}
+
+} // namespace
+
+void ProbeOpenGL()
+{
+    const TestWindow window = OpenTestWindow();
+    bool bPassed = false;
+    if (window.hwndGL) {
+        void *pContext = MakeTestContext(window.hwndGL);
+        bPassed = pContext && TestCurrentContext();
+        DestroyTestContext(window.hwndGL, pContext);
+        CloseTestWindow(window);
+    }
+    bOpenGLAvailable = bPassed;
+    if (!bPassed)
+        MarkOpenGLModulesUnavailable();
+}
