@@ -79,7 +79,7 @@ u32 StepHere(PresetState *lppsi)
 
 u32 RunFrameStep(PresetState *lppsi)
 {
-    if (!lppsi || !FrameIsDue())
+    if (!FrameIsDue() || !lppsi)
         return 0;
     nStepStart = RealNanoseconds();
     SetModuleTick(TickCount());

@@ -116,6 +116,13 @@ std::u16string JoinPath(std::u16string_view folder, std::u16string_view name)
     return WithoutTrailingSeparators(folder) + u"/" + std::u16string(name);
 }
 
+std::u16string AbsolutePath(std::u16string_view path)
+{
+    std::error_code ec;
+    const fs::path absolute = fs::absolute(NativePath(path), ec);
+    return ec ? std::u16string(path) : FromUtf8(absolute.lexically_normal().string());
+}
+
 std::u16string WithoutTrailingSeparators(std::u16string_view path)
 {
     while (path.size() > 1 && IsSeparator(path.back()))

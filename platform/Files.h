@@ -29,6 +29,7 @@ std::u16string_view NameAndExtension(std::u16string_view path);
 // That part without its extension.
 std::u16string_view NameWithoutExtension(std::u16string_view path);
 std::u16string JoinPath(std::u16string_view folder, std::u16string_view name);
+std::u16string AbsolutePath(std::u16string_view path);
 std::u16string WithoutTrailingSeparators(std::u16string_view path);
 
 std::u16string ProgramPath();        // full path of the running program; empty if unknown
