@@ -173,6 +173,14 @@ void ShutDown()
     RunSteps(asShutDown);
 }
 
+std::string DescribeSound(const StartOptions &options)
+{
+    InitFolders({{}, options.data, options.modules});
+    std::string s;
+    DescribeSoundSource(&s);
+    return s;
+}
+
 void StartHeadless(const StartOptions &options)
 {
     pOptions = &options;

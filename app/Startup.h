@@ -22,6 +22,9 @@ void StartPreset();
 // Everything down again, in order.
 void ShutDown();
 
+// One line that says which sound the program would listen to. Needs nothing else to be up; may wait two seconds.
+std::string DescribeSound(const StartOptions &options);
+
 // The parts that the headless renderer shares: settings, sound block, modules. Nothing outside the named folders is
 // read or written.
 void StartHeadless(const StartOptions &options);

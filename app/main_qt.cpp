@@ -56,7 +56,7 @@ bool ChoosePlatform()
 
 int ListSound(const StartOptions &options)
 {
-    std::printf("%s\n", ListSoundSource(options).c_str());
+    std::printf("%s\n", DescribeSound(options).c_str());
     return 0;
 }
 

@@ -11,6 +11,7 @@ using u64 = std::uint64_t;
 using i32 = std::int32_t;
 using i64 = std::int64_t;
 using f32 = float;
+using f64 = double;
 
 static_assert(sizeof(f32) == 4 && sizeof(void *) == 8);
 

@@ -1,0 +1,180 @@
+// Startup_test.cpp -- tests Startup.cpp, SharedStatus.cpp and MainLoop.cpp
+#include "app/GlobalSettings.h"
+#include "app/MainLoop.h"
+#include "app/SharedStatus.h"
+#include "app/Startup.h"
+#include "app/Steps.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <set>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+// A runtime folder of its own keeps the lock file of the test apart; the block's name stays the user's.
+class SharedStatus : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        char szFolder[] = "/tmp/vd-startup-XXXXXX";
+        ASSERT_NE(nullptr, mkdtemp(szFolder));
+        sFolder = szFolder;
+        setenv("XDG_RUNTIME_DIR", szFolder, 1);
+    }
+    void TearDown() override { rmdir(sFolder.c_str()); }
+
+    static const u8 *Bytes() { return static_cast<const u8 *>(GlobalSettings.pSharedStatus); }
+    static u32 Word(size_t cbOffset)
+    {
+        u32 dw;
+        std::memcpy(&dw, Bytes() + cbOffset, sizeof dw);
+        return dw;
+    }
+    // The answer of OpenSharedStatus in another process, while this one holds the block.
+    static int OpenInChild()
+    {
+        const pid_t pid = fork();
+        if (pid == 0)
+            _exit(static_cast<int>(OpenSharedStatus()));
+        int nStatus = 0;
+        waitpid(pid, &nStatus, 0);
+        return WEXITSTATUS(nStatus);
+    }
+    std::string sFolder;
+};
+
+TEST_F(SharedStatus, ANewBlockHoldsItsSizeVersionAndMarkAndZeroOtherwise)
+{
+    ASSERT_NE(0u, OpenSharedStatus());
+    std::set<size_t> used;
+    for (const auto &[cbOffset, dwValue] : std::vector<std::pair<size_t, u32>>{{0, 5922}, {4, 14}, {28, 1}, {640, 0x4F07D0}}) {
+        EXPECT_EQ(dwValue, Word(cbOffset));
+        for (size_t i = 0; i < 4; i++)
+            used.insert(cbOffset + i);
+    }
+    for (size_t i = 0; i < 5922; i++)
+        ASSERT_TRUE(used.count(i) || Bytes()[i] == 0) << i;
+    CloseSharedStatus();
+    EXPECT_EQ(nullptr, GlobalSettings.pSharedStatus);
+}
+
+TEST_F(SharedStatus, ASecondProgramOfTheSameVersionRunsBesideTheFirstAndClearsNothing)
+{
+    ASSERT_NE(0u, OpenSharedStatus());
+    auto *pb = static_cast<u8 *>(GlobalSettings.pSharedStatus);
+    pb[1000] = 7;
+    EXPECT_EQ(1, OpenInChild());
+    EXPECT_EQ(7, pb[1000]);
+    CloseSharedStatus();
+}
+
+TEST_F(SharedStatus, AProgramOfAnotherVersionKeepsThisOneOut)
+{
+    ASSERT_NE(0u, OpenSharedStatus());
+    auto *pssb = static_cast<SharedStatusBlock *>(GlobalSettings.pSharedStatus);
+    pssb->dwVersion = 13;
+    EXPECT_EQ(0, OpenInChild());
+    pssb->dwVersion = 14;
+    pssb->cbSize = 5921;
+    EXPECT_EQ(0, OpenInChild());
+    pssb->cbSize = 5922;
+    EXPECT_EQ(1, OpenInChild());
+    CloseSharedStatus();
+}
+
+// What the frame timer was told, as text: "+7" started on window 7, "-7" killed.
+std::string sTimerLog;
+u32 nLastPeriod = 0;
+
+void *Window(u64 n)
+{
+    return reinterpret_cast<void *>(n);
+}
+
+class DialogFrames : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        GlobalSettings = {};
+        GlobalSettings.FPSTarget = 60;
+        sTimerLog.clear();
+        SetFrameTimerHooks({[](void *hwnd, u32, u32 nPeriodMs) {
+                                sTimerLog += "+" + std::to_string(reinterpret_cast<u64>(hwnd));
+                                nLastPeriod = nPeriodMs;
+                            },
+                            [](void *hwnd, u32) { sTimerLog += "-" + std::to_string(reinterpret_cast<u64>(hwnd)); }});
+    }
+    void TearDown() override
+    {
+        SetFrameTimerHooks({});
+        GlobalSettings = {};
+    }
+    static u32 Send(u64 n, DialogMessage eMessage, u32 dwTimerId = 0)
+    {
+        return RunDialogFrames(Window(n), eMessage, dwTimerId);
+    }
+};
+
+TEST_F(DialogFrames, OnlyTheFirstDialogOwnsTheTimerAndOnlyItsClosingStopsIt)
+{
+    EXPECT_EQ(1u, Send(1, DialogMessage::Init));
+    EXPECT_EQ(1u, Send(2, DialogMessage::Init));
+    Send(3, DialogMessage::EnterMenuLoop);
+    Send(3, DialogMessage::ExitMenuLoop);
+    EXPECT_EQ(1u, Send(2, DialogMessage::Destroy));
+    EXPECT_EQ("+1", sTimerLog);
+    EXPECT_EQ(1u, Send(1, DialogMessage::Timer, FrameTimerId()));
+    Send(1, DialogMessage::Destroy);
+    EXPECT_EQ("+1-1", sTimerLog);
+}
+
+TEST_F(DialogFrames, AMenuOrASizeLoopKeepsFramesRunningWhileItLasts)
+{
+    EXPECT_EQ(0u, Send(4, DialogMessage::EnterMenuLoop));
+    EXPECT_EQ(0u, Send(4, DialogMessage::ExitMenuLoop));
+    EXPECT_EQ(0u, Send(5, DialogMessage::EnterSizeMove));
+    EXPECT_EQ(0u, Send(5, DialogMessage::ExitSizeMove));
+    EXPECT_EQ("+4-4+5-5", sTimerLog);
+    EXPECT_EQ(0u, Send(5, DialogMessage::Timer, FrameTimerId() + 1)) << "somebody else's timer";
+    EXPECT_EQ(0u, Send(5, DialogMessage::Other));
+}
+
+TEST_F(DialogFrames, ThePeriodFollowsTheTargetWithinTenToAHundredMilliseconds)
+{
+    for (const auto &[nTarget, nPeriod] : std::vector<std::pair<i32, u32>>{{20, 50}, {60, 16}, {480, 10}, {5, 100}, {0, 100}}) {
+        GlobalSettings.FPSTarget = nTarget;
+        EXPECT_EQ(nPeriod, FrameTimerPeriodMs()) << nTarget;
+    }
+}
+
+TEST(Startup, TimerNumbersAreNeverTheSameAndNeverZero)
+{
+    std::set<u32> ids;
+    for (i32 i = 0; i < 1000; i++)
+        ids.insert(NextTimerId());
+    EXPECT_EQ(1000u, ids.size());
+    EXPECT_EQ(0u, ids.count(0));
+    EXPECT_GE(*ids.begin(), 70u);
+}
+
+TEST(Startup, StepsRunInOrderUpToTheFirstThatFails)
+{
+    static std::string sRun;
+    sRun.clear();
+    constexpr Step asStep[] = {
+        {"one", [] { sRun += "1"; return 1u; }},
+        {"two", [] { sRun += "2"; return 0u; }},
+        {"three", [] { sRun += "3"; return 1u; }},
+    };
+    EXPECT_STREQ("two", RunSteps(asStep));
+    EXPECT_EQ("12", sRun);
+    EXPECT_EQ(nullptr, RunSteps(std::span(asStep).first(1)));
+}
+
+} // namespace
