@@ -263,3 +263,8 @@ void DestroyTestContext(HostGLWindow *hwndGL, void *pContext)
         eglMakeCurrent(hwndGL->pDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     eglDestroyContext(hwndGL->pDisplay, pContext);
 }
+
+void *FindGLFunction(const char *pszName)
+{
+    return reinterpret_cast<void *>(eglGetProcAddress(pszName));
+}
