@@ -58,13 +58,19 @@ std::u16string FolderOf(std::u16string_view path)
     return WithoutTrailingSeparators(path.substr(0, path.size() - NameAndExtension(path).size()));
 }
 
+// A path that is rooted elsewhere, such as that of a stick with a folder of the same name, does not count.
+bool LiesIn(std::u16string_view path, std::u16string_view folder)
+{
+    return FindNoCase(path, std::u16string(folder) + u"/") == 0;
+}
+
 BaseFolders FindBaseFolders(std::u16string_view program)
 {
     const std::u16string folder = FolderOf(program);
     if (ContainsNoCase(program, u"D:\\C\\Projects\\"))
         return {u"Debugging", folder, folder, u"D:\\Vorticade"};
     const std::u16string programs = WithoutTrailingSeparators(ProgramFilesFolder());
-    if (ContainsNoCase(program, programs + u"/")) {
+    if (LiesIn(program, programs)) {
         const std::u16string exe = programs + u"\\Ortolanics\\Vorticade";
         return {u"Installed\n", exe, exe + u"\\DLL",
                 WithoutTrailingSeparators(RoamingDataFolder()) + u"\\Ortolanics\\Vorticade"};
@@ -84,9 +90,9 @@ void InitFolders(const FolderOverrides &overrides)
 {
     BaseFolders base = FindBaseFolders(overrides.program.empty() ? ProgramPath() : std::u16string(overrides.program));
     if (!overrides.data.empty())
-        base.dat = WithoutTrailingSeparators(overrides.data);
+        base.dat = WithoutTrailingSeparators(AbsolutePath(overrides.data));
     if (!overrides.modules.empty())
-        base.dll = WithoutTrailingSeparators(overrides.modules);
+        base.dll = WithoutTrailingSeparators(AbsolutePath(overrides.modules));
     pszConfiguration = base.pszType;
     SetVariable("EXE_BASEFOLDER", WithNativeSeparators(base.exe));
     SetVariable("DLL_BASEFOLDER", WithNativeSeparators(base.dll));
@@ -124,7 +130,8 @@ u32 FindDataFile(char16_t (&szPath)[NAME_CHARS])
 u32 MakeDataFileRelative(char16_t (&szPath)[NAME_CHARS])
 {
     const std::u16string path(szPath, TextLength(szPath, NAME_CHARS));
-    if (!ContainsNoCase(WithNativeSeparators(path), FolderPath(PATH_DATA)))
+    const std::u16string data = FolderPath(PATH_DATA);
+    if (!ContainsNoCase(WithNativeSeparators(path), data + u"/"))
         return 0;
     CopyText(szPath, NameAndExtension(path));
     return 1;

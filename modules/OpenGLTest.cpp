@@ -49,15 +49,14 @@ bool TestCurrentContext()
 {
     glewExperimental = GL_TRUE;
     const GLenum eResult = glewInit();
-    const auto *pszVersion = reinterpret_cast<const char *>(glGetString(GL_VERSION));
+    const auto pfnGetString = reinterpret_cast<decltype(&glGetString)>(FindGLFunction("glGetString"));
+    const void *pszVersion = pfnGetString ? pfnGetString(GL_VERSION) : nullptr;
     if (!pszVersion)
         return false;
-    OpenGLVersion = pszVersion;
+    OpenGLVersion = static_cast<const char *>(pszVersion);
     // Without GLX, GLEW loads all functions and then misses the GLX display.
     const bool bLoaded = eResult == GLEW_OK || eResult == GLEW_ERROR_NO_GLX_DISPLAY;
-    const bool bPassed = bLoaded && DriverHasShadersAndFramebuffers();
-    glFlush();
-    return bPassed;
+    return bLoaded && DriverHasShadersAndFramebuffers();
 }
 
 } // namespace

@@ -4,9 +4,12 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdlib>
 #include <filesystem>
+#include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -36,6 +39,26 @@ std::string FindNameByCase(const std::string &sFolder, const std::string &sName)
     return sFound;
 }
 
+bool Exists(const std::string &sPath)
+{
+    struct stat st;
+    return StatPath(sPath, &st);
+}
+
+// Each part that misses by case alone gets the case that it has on disk; what is not there at all stays as it is.
+std::string WithCaseOnDisk(const std::string &sPath)
+{
+    if (sPath.empty() || sPath == "/" || sPath.size() >= PATH_MAX || Exists(sPath))
+        return sPath;
+    if (sPath.back() == '/')
+        return WithCaseOnDisk(sPath.substr(0, sPath.size() - 1)) + "/";
+    const size_t iName = sPath.rfind('/') + 1; // 0 without a folder
+    const std::string sFolder = WithCaseOnDisk(sPath.substr(0, iName));
+    const std::string sName = sPath.substr(iName);
+    const std::string sFound = FindNameByCase(sFolder, sName);
+    return sFolder + (sFound.empty() ? sName : sFound);
+}
+
 bool MatchesPattern(std::u16string_view name, std::u16string_view pattern)
 {
     if (pattern == u"*.*" || pattern == u"*")
@@ -52,13 +75,7 @@ std::string NativePath(std::u16string_view path)
 {
     std::string s = ToUtf8(path);
     std::replace(s.begin(), s.end(), '\\', '/');
-    struct stat st;
-    if (s.empty() || stat(s.c_str(), &st) == 0)
-        return s;
-    const size_t iSlash = s.rfind('/');
-    const std::string sFolder = iSlash == std::string::npos ? "" : s.substr(0, iSlash + 1);
-    const std::string sFound = FindNameByCase(sFolder, s.substr(sFolder.size()));
-    return sFound.empty() ? s : sFolder + sFound;
+    return WithCaseOnDisk(s);
 }
 
 bool FileExists(std::u16string_view path)
@@ -86,13 +103,15 @@ std::vector<std::u16string> ListFiles(std::u16string_view pattern)
     std::error_code ec;
     for (fs::directory_iterator it(sFolder.empty() ? "." : sFolder, ec), end; !ec && it != end; it.increment(ec)) {
         std::error_code ecType;
-        if (!it->is_directory(ecType) && MatchesPattern(FromUtf8(it->path().filename().string()), name))
-            asName.push_back(it->path().filename().string());
+        const std::string s = it->path().filename().string();
+        // A name with a backslash could not be opened again: it would be taken for a folder and a name.
+        if (MatchesPattern(FromUtf8(s), name) && s.find('\\') == s.npos && it->is_regular_file(ecType))
+            asName.push_back(s);
     }
     std::sort(asName.begin(), asName.end());
     std::vector<std::u16string> paths;
     for (const std::string &s : asName)
-        paths.push_back(FromUtf8(sFolder.empty() ? s : sFolder + "/" + s));
+        paths.push_back(JoinPath(FromUtf8(sFolder), FromUtf8(s)));
     return paths;
 }
 
@@ -113,7 +132,10 @@ std::u16string_view NameWithoutExtension(std::u16string_view path)
 
 std::u16string JoinPath(std::u16string_view folder, std::u16string_view name)
 {
-    return WithoutTrailingSeparators(folder) + u"/" + std::u16string(name);
+    std::u16string s = WithoutTrailingSeparators(folder);
+    if (!s.empty() && !IsSeparator(s.back()))
+        s += u'/';
+    return s.append(name);
 }
 
 std::u16string AbsolutePath(std::u16string_view path)
@@ -148,7 +170,8 @@ std::u16string RoamingDataFolder()
     if (pszData && pszData[0] == '/')
         return FromUtf8(pszData);
     const char *pszHome = std::getenv("HOME");
-    return FromUtf8(std::string(pszHome && *pszHome ? pszHome : "/root") + "/.local/share");
+    const passwd *ppw = pszHome && *pszHome ? nullptr : getpwuid(getuid());
+    return FromUtf8(std::string(ppw ? ppw->pw_dir : pszHome ? pszHome : "") + "/.local/share");
 }
 
 void SetVariable(const char *pszName, std::u16string_view value)

@@ -9,7 +9,7 @@
 #include <vector>
 
 // The file name of the system for a path of the program: UTF-8, both kinds of separator turned into the native
-// one. A path whose last part misses by case alone is given the case that it has on disk.
+// one. Parts that miss by case alone are given the case that they have on disk.
 std::string NativePath(std::u16string_view path);
 
 // Exists and is not a folder / is a folder.
@@ -19,9 +19,9 @@ bool FolderExists(std::u16string_view path);
 // Opens by native path; null with errno set on failure.
 FILE *OpenFile(std::u16string_view path, const char *pszMode);
 
-// Files (no folders) that match the pattern in the last part of the path: "*.EXT" without regard to case, "*.*"
-// all of them. Full paths, sorted by name in byte order of their UTF-8, so that the order is the same on every
-// machine. An unreadable folder gives none.
+// Files (no folders, pipes or devices) that match the pattern in the last part of the path: "*.EXT" without regard
+// to case, "*.*" all of them. Full paths, sorted by name in byte order of their UTF-8, so that the order is the same on
+// every machine. An unreadable folder gives none.
 std::vector<std::u16string> ListFiles(std::u16string_view pattern);
 
 // The part after the last separator of either kind.

@@ -23,3 +23,5 @@ void CloseGLDisplay();
 // A context of the host's own on the surface, made current (for the start-up test), and its removal.
 void *MakeTestContext(HostGLWindow *hwndGL);
 void DestroyTestContext(HostGLWindow *hwndGL, void *pContext);
+// The OpenGL function of that name; null: unknown. A driver that lacks it may be given an entry all the same.
+void *FindGLFunction(const char *pszName);

@@ -2,6 +2,7 @@
 #include "platform/Random.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
 #include <sys/random.h>
 
@@ -51,6 +52,8 @@ void RefillBlock(RandomBlock *pBlock)
     size_t cbHave = 0;
     while (cbHave < sizeof pBlock->adwWord) {
         const ssize_t cb = getrandom(pb + cbHave, sizeof pBlock->adwWord - cbHave, GRND_NONBLOCK);
+        if (cb < 0 && errno == EINTR)
+            continue;
         if (cb <= 0)
             break;
         cbHave += static_cast<size_t>(cb);

@@ -1,9 +1,8 @@
 // SharedMemory.cpp -- named shared memory and named events, private to the user
 #include "platform/SharedMemory.h"
 
+#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <fcntl.h>
 #include <semaphore.h>
 #include <sys/file.h>
@@ -13,32 +12,49 @@
 
 namespace {
 
+// The lock lies beside the block, so that whoever finds the one finds the other, whatever their environments say.
 void MakeNames(SharedMapping *psm, const char *pszName)
 {
     const unsigned uid = getuid();
-    const char *pszRuntime = std::getenv("XDG_RUNTIME_DIR");
-    struct stat st;
-    const bool bRuntime =
-        pszRuntime && *pszRuntime == '/' && std::strlen(pszRuntime) < 60 && stat(pszRuntime, &st) == 0;
     std::snprintf(psm->szName, sizeof psm->szName, "/%s-%u", pszName, uid);
-    std::snprintf(psm->szLock, sizeof psm->szLock, "%s/%s-%u.lock", bRuntime ? pszRuntime : "/tmp", pszName, uid);
+    std::snprintf(psm->szLock, sizeof psm->szLock, "/%s-%u.lock", pszName, uid);
 }
 
-// Takes the lock file, shared. *pbAlone: nobody else held it, so whatever stands under the names is a leftover.
+bool LockStillHasItsName(const SharedMapping *psm)
+{
+    const int fdNamed = shm_open(psm->szLock, O_RDWR | O_CLOEXEC, 0600);
+    struct stat stHeld, stNamed;
+    const bool bSame = fdNamed >= 0 && fstat(psm->fdLock, &stHeld) == 0 && fstat(fdNamed, &stNamed) == 0 &&
+                       stHeld.st_ino == stNamed.st_ino;
+    if (fdNamed >= 0)
+        close(fdNamed);
+    return bSame;
+}
+
+int LockFile(int fd, int nOperation)
+{
+    int nResult;
+    do
+        nResult = flock(fd, nOperation);
+    while (nResult != 0 && errno == EINTR);
+    return nResult;
+}
+
+// Takes the lock, shared. *pbAlone: nobody else held it, so whatever stands under the names is a leftover; then the
+// lock is exclusive until the caller shares it.
 u32 TakeSharedLock(SharedMapping *psm, bool *pbAlone)
 {
     for (;;) {
-        psm->fdLock = open(psm->szLock, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+        psm->fdLock = shm_open(psm->szLock, O_RDWR | O_CREAT | O_CLOEXEC, 0600);
         if (psm->fdLock < 0)
             return 0;
-        *pbAlone = flock(psm->fdLock, LOCK_EX | LOCK_NB) == 0;
-        if (!*pbAlone && flock(psm->fdLock, LOCK_SH) != 0) {
+        *pbAlone = LockFile(psm->fdLock, LOCK_EX | LOCK_NB) == 0;
+        if (!*pbAlone && LockFile(psm->fdLock, LOCK_SH) != 0) {
             close(psm->fdLock);
             return 0;
         }
-        // The last one out may have removed the file between our opening and our locking it: then take the new one.
-        struct stat stHeld, stNamed;
-        if (fstat(psm->fdLock, &stHeld) == 0 && stat(psm->szLock, &stNamed) == 0 && stHeld.st_ino == stNamed.st_ino)
+        // The last one out may have removed the name between our opening and our locking: then take the new one.
+        if (LockStillHasItsName(psm))
             return 1;
         close(psm->fdLock);
     }
@@ -71,12 +87,14 @@ u32 OpenSharedMapping(SharedMapping *psm, const char *pszName, u64 cb)
     *psm = {};
     MakeNames(psm, pszName);
     bool bAlone = false;
-    if (!TakeSharedLock(psm, &bAlone))
+    if (!TakeSharedLock(psm, &bAlone)) {
+        *psm = {};
         return 0;
+    }
     if (bAlone)
         shm_unlink(psm->szName);
     const u32 bOk = MapBlock(psm, cb);
-    flock(psm->fdLock, LOCK_SH);
+    LockFile(psm->fdLock, LOCK_SH);
     if (!bOk)
         CloseSharedMapping(psm);
     return bOk;
@@ -85,6 +103,8 @@ u32 OpenSharedMapping(SharedMapping *psm, const char *pszName, u64 cb)
 u32 CreateNamedEvent(SharedMapping *psm, const char *pszName)
 {
     std::snprintf(psm->szEvent, sizeof psm->szEvent, "/%s-%u", pszName, static_cast<unsigned>(getuid()));
+    if (psm->bCreated)
+        sem_unlink(psm->szEvent); // whoever held it is gone, and its signals with it
     sem_t *pSemaphore = sem_open(psm->szEvent, O_CREAT, 0600, 0);
     psm->pEvent = pSemaphore == SEM_FAILED ? nullptr : pSemaphore;
     return psm->pEvent != nullptr;
@@ -97,11 +117,11 @@ void CloseSharedMapping(SharedMapping *psm)
     if (psm->pView)
         munmap(psm->pView, psm->cb);
     if (psm->szLock[0] && psm->fdLock >= 0) {
-        if (flock(psm->fdLock, LOCK_EX | LOCK_NB) == 0) { // the last one out
+        if (LockFile(psm->fdLock, LOCK_EX | LOCK_NB) == 0) { // the last one out
             shm_unlink(psm->szName);
             if (psm->szEvent[0])
                 sem_unlink(psm->szEvent);
-            unlink(psm->szLock);
+            shm_unlink(psm->szLock);
         }
         close(psm->fdLock);
     }

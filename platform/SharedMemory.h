@@ -10,11 +10,11 @@ struct SharedMapping {
     u64 cb;          // bytes in use by this program
     u64 cbExisting;  // bytes that the block had when it was found; cb if this process made it
     u32 bCreated;    // non-zero: this process made it
-    int fdLock;      // lock file, held shared for as long as the mapping lives
+    int fdLock;      // lock beside the block, held shared for as long as the mapping lives
     void *pEvent;    // the named event (a POSIX semaphore); null until CreateNamedEvent
     char szName[96]; // names in the system, for removal
     char szEvent[96];
-    char szLock[160];
+    char szLock[104];
 };
 
 // Creates the mapping, or opens it when another process of this user holds it. Returns 0 on failure. A block that

@@ -78,7 +78,9 @@ u32 TextLength(const char16_t *psz, u32 cch)
 
 u32 CopyText(char16_t *pszTo, u32 cchTo, std::u16string_view text)
 {
-    const u32 cch = static_cast<u32>(std::min<size_t>(text.size(), cchTo - 1));
+    u32 cch = static_cast<u32>(std::min<size_t>(text.size(), cchTo - 1));
+    const bool bHalf = cch > 0 && cch < text.size() && (text[cch - 1] & 0xFC00) == 0xD800;
+    cch -= bHalf; // the other half of the character would be cut off
     std::copy_n(text.data(), cch, pszTo);
     pszTo[cch] = 0;
     return cch;
