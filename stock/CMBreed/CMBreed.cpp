@@ -1,0 +1,181 @@
+// CMBreed.cpp -- colour generator: breeds new palettes from the ones that live
+#include "Breed.h"
+
+#include <cstdlib>
+
+namespace {
+
+const uint32_t nLongestFrameMs = 1000; // a longer gap counts as this: nothing leaps after a pause
+const uint64_t nYoungMs = 500;         // a reset this soon after the start may still change the first palette
+
+const char16_t *const aszHarmony[HARMONY_COUNT] = {u"Any",       u"One hue",         u"Neighboring hues",
+                                                   u"Opposites", u"Split opposites", u"Three corners"};
+
+void AddPaletteControls(BreedControls *pctl, const ControlMaker &maker)
+{
+    pctl->pColors = AddInteger(maker, u"Palette\0Colors\0", u"Number of colors in a palette.", {16, PALETTE_COLORS_MAX},
+                               {128, 512}, 256, FromFixed());
+    pctl->pHarmony = AddItemSelect(maker, u"Palette\0Harmony\0", u"How the hues of a palette lie to each other.",
+                                   pctl->aHarmonyRows, aszHarmony, HARMONY_ANY, FromFixed());
+    pctl->pBands = AddInteger(maker, u"Palette\0Bands\0", u"Bright bands from one end of the palette to the other.",
+                              {1, CRESTS_MAX}, {2, 4}, 3, FromPeriodic(20000));
+    pctl->pVividness = AddFloat(maker, u"Palette\0Vividness\0", u"How strong the colors of new palettes are.", {0, 1},
+                                {0.88f, 1}, 0.95f, FromWave(47000));
+    pctl->pContrast = AddFloat(maker, u"Palette\0Contrast\0", u"How dark the valleys between bright bands are.", {0, 1},
+                               {0.35f, 1}, 0.7f, FromWave(61000));
+    pctl->pGlow = AddFloat(maker, u"Palette\0Glow\0", u"How near to white the brightest colors get.", {0, 1},
+                           {0.25f, 0.9f}, 0.5f, FromSound(20));
+}
+
+void AddBreedingControls(BreedControls *pctl, const ControlMaker &maker)
+{
+    pctl->pWarmth = AddFloat(maker, u"Breeding\0Warmth\0",
+                             u"Which palettes are chosen: below 0 the cold ones, above 0 the warm ones.", {-1, 1},
+                             {-0.6f, 0.6f}, 0, FromWave(120000));
+    pctl->pMutation = AddFloat(maker, u"Breeding\0Mutation\0", u"How far a new palette strays from its parents.",
+                               {0, 1}, {0.1f, 0.6f}, 0.25f, FromSound(30));
+    pctl->pLifetime = AddFloat(maker, u"Breeding\0Lifetime\0",
+                               u"Seconds from palette to palette where the interpolator does not ask for them.",
+                               {1, 300}, {10, 30}, 18, FromPeriodic(30000));
+}
+
+BreedWish ReadWish(const BreedControls &ctl)
+{
+    return {{ReadItem(ctl.pHarmony), ReadInteger(ctl.pBands), ReadFloat(ctl.pVividness), ReadFloat(ctl.pContrast),
+             ReadFloat(ctl.pGlow)},
+            ReadFloat(ctl.pMutation),
+            ReadFloat(ctl.pWarmth)};
+}
+
+// A beat that moved since the last look; its absence is believed after a while.
+void LookForInterpolator(Breed *pBreed, const PlaneInfo *ppi)
+{
+    const PaletteDesk desk = ReadDesk(ppi->pPaletteInfo);
+    const uint64_t qwTick = ppi->hdc->qwTick;
+    if (desk.dwMark && desk.nBeat != pBreed->nBeatSeen) {
+        pBreed->nBeatSeen = desk.nBeat;
+        pBreed->qwBeatTick = qwTick;
+        pBreed->bPaced = true;
+    } else if (!desk.dwMark || qwTick - pBreed->qwBeatTick > PALETTE_PATIENCE_MS) {
+        pBreed->bPaced = false;
+    }
+}
+
+// Fills both palettes of a plane that has none, or none that was seen for more than a moment.
+void InstallFirstPalette(Breed *pBreed, PlaneInfo *ppi)
+{
+    BreedSecondPalette(pBreed, ppi->pPaletteInfo);
+    KeepSecondPalette(ppi->pPaletteInfo);
+    if (!pBreed->bInstalled)
+        pBreed->qwInstallTick = ppi->hdc->qwTick;
+    pBreed->bInstalled = true;
+    pBreed->bOfferDue = false;
+}
+
+bool PlaneIsFresh(const Breed *pBreed, const PlaneInfo *ppi)
+{
+    if (TransitionUnderWay(ppi->pPaletteInfo))
+        return false;
+    if (ReadSizes(ppi->pPaletteInfo).nColors1 == 0)
+        return true;
+    return pBreed->bInstalled && ppi->hdc->qwTick - pBreed->qwInstallTick < nYoungMs;
+}
+
+// Answers a request; also the unasked offer after a reset. A transition under way keeps its palettes.
+void ServeInterpolator(Breed *pBreed, PaletteInfo *pInfo)
+{
+    const PaletteDesk desk = ReadDesk(pInfo);
+    PaletteOffer offer = ReadOffer(pInfo);
+    if (!TransitionUnderWay(pInfo) && (pBreed->bOfferDue || desk.nWanted != offer.nServed)) {
+        BreedSecondPalette(pBreed, pInfo);
+        pBreed->bOfferDue = false;
+        offer.nServed = desk.nWanted;
+        offer.nOffered++;
+    }
+    WriteOffer(pInfo, offer);
+}
+
+} // namespace
+
+void BreedSecondPalette(Breed *pBreed, PaletteInfo *pInfo)
+{
+    const GrownPalette palette = BreedPalette(&pBreed->stable, &pBreed->random, ReadWish(pBreed->ctl));
+    const int32_t nColors = ReadInteger(pBreed->ctl.pColors) > 0 ? ReadInteger(pBreed->ctl.pColors) : 1;
+    for (int32_t i = 0; i < nColors; i++) {
+        const Lab c = ColorAt(palette, (float)i / (float)nColors);
+        WriteSecondColor(pInfo, i, i ? PixelOfLab(&pBreed->codes, c) : 0);
+    }
+    WriteSizes(pInfo, ReadSizes(pInfo).nColors1, nColors);
+}
+
+void ModuleGetDescription(ModuleDescription *pmd)
+{
+    DescribeModule(pmd, MODULECLASS_COLOR, MODULECAP_COLORGENERATOR, u"Breed",
+                   u"Breeds palettes from palettes: harmonious, clean and full of light");
+}
+
+void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn pfnAllocControl, int32_t *pnControls)
+{
+    Breed *pBreed = (Breed *)calloc(1, sizeof(Breed));
+    *ppvContext = pBreed;
+    if (!pBreed)
+        return;
+    MakeCodeTables(&pBreed->codes);
+    const ControlMaker maker = {pfnAllocControl, pnControls};
+    AddPaletteControls(&pBreed->ctl, maker);
+    AddBreedingControls(&pBreed->ctl, maker);
+}
+
+void ModulePreInitialize(void *pvContext, PlaneInfo *)
+{
+    Breed *pBreed = (Breed *)pvContext;
+    if (pBreed) {
+        pBreed->solo = {};
+        pBreed->bPaced = false;
+    }
+}
+
+void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
+{
+    Breed *pBreed = (Breed *)pvContext;
+    if (!pBreed || !ppi->pPaletteInfo)
+        return;
+    pBreed->random = {ppi->hdc->qwSeed};
+    pBreed->clock = {};
+    FoundStable(&pBreed->stable, &pBreed->random);
+    LookForInterpolator(pBreed, ppi);
+    if (PlaneIsFresh(pBreed, ppi))
+        InstallFirstPalette(pBreed, ppi);
+    else
+        pBreed->bOfferDue = true;
+    WriteOffer(ppi->pPaletteInfo, ReadOffer(ppi->pPaletteInfo));
+}
+
+uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
+{
+    Breed *pBreed = (Breed *)pvContext;
+    if (!pBreed || !ppi->pPaletteInfo || !ppi->lpColorTable)
+        return 0;
+    const uint32_t nElapsedMs = ElapsedMs(&pBreed->clock, ppi->hdc->qwTick, nLongestFrameMs);
+    LookForInterpolator(pBreed, ppi);
+    if (pBreed->bPaced) {
+        pBreed->solo = {};
+        ServeInterpolator(pBreed, ppi->pPaletteInfo);
+    } else {
+        RunSolo(pBreed, ppi, nElapsedMs);
+    }
+    return 0;
+}
+
+void ModuleResolveIndexedPlane(void *, PlaneInfo *, HostBitmap *)
+{
+}
+
+void ModuleCleanUp(void *)
+{
+}
+
+void ModuleDestroyControlStructure(void *pvContext)
+{
+    free(pvContext);
+}
