@@ -1,0 +1,151 @@
+// PMArc.cpp -- PMArc.dll, a painter: arcs and rings that tumble through space, grow and pulse
+#include "ArcShape.h"
+
+#include <new>
+
+enum {
+    CONTROL_RINGS,
+    CONTROL_REACH,
+    CONTROL_PULSE,
+    CONTROL_SWEEP,
+    CONTROL_TILT,
+    CONTROL_SPIN,
+    CONTROL_TUMBLE,
+    CONTROL_GROWTH,
+    CONTROL_THICKNESS,
+    CONTROL_HARDNESS,
+    CONTROL_PLACE,
+    CONTROL_SPREAD,
+    CONTROL_PAINT,
+    CONTROLS
+};
+
+struct Arcs {
+    ControlRecord *apControl[CONTROLS];
+    ItemSelectRow aPaintRow[PAINT_MODES];
+    DrawClock clock;
+    ArcMotion motion;
+    ArcLook look; // eased
+};
+
+MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
+{
+    DescribeModule(pmd, MODULECLASS_DRAWING, MODULECAP_PAINTER | MODULECAP_INDEXED | MODULECAP_RGB, u"Arc",
+                   u"Arcs and rings that tumble through space, grow, and pulse with the sound");
+}
+
+static void AddShapeControls(Arcs *pArcs, const ControlMaker &maker)
+{
+    ControlRecord **ap = pArcs->apControl;
+    ap[CONTROL_RINGS] = AddInteger(maker, u"Shape\0Rings\0", u"How many rings lie within each other",
+                                   {1, ARC_RINGS_MOST}, {3, 7}, 5, FromPeriodic(19000));
+    ap[CONTROL_REACH] = AddFloat(maker, u"Shape\0Reach\0", u"Radius of the outermost ring, 1 for half the picture",
+                                 {0.05f, 2}, {0.6f, 1.15f}, 0.9f, FromWave(26000));
+    ap[CONTROL_PULSE] =
+        AddFloat(maker, u"Shape\0Pulse\0", u"How far the rings swell", {0, 1}, {0, 0.28f}, 0, FromSound(5));
+    ap[CONTROL_SWEEP] = AddFloat(maker, u"Shape\0Sweep\0", u"Part of the ring that is drawn, 1 for all of it",
+                                 {0.02f, 1}, {0.12f, 1.0f}, 0.4f, FromWave(24000));
+    ap[CONTROL_TILT] = AddFloat(maker, u"Shape\0Tilt\0", u"0 keeps the rings flat, 1 lets them turn all ways", {0, 1},
+                                {0.3f, 1}, 0.8f, FromRandom());
+}
+
+static void AddMotionControls(Arcs *pArcs, const ControlMaker &maker)
+{
+    ControlRecord **ap = pArcs->apControl;
+    ap[CONTROL_SPIN] = AddFloat(maker, u"Motion\0Spin\0", u"Turns of the arcs along their rings in a minute", {-90, 90},
+                                {3, 22}, 8, FromSound(24));
+    ap[CONTROL_TUMBLE] = AddFloat(maker, u"Motion\0Tumble\0", u"Turns of the rings through space in a minute", {0, 60},
+                                  {1.5f, 7}, 4, FromWave(39000));
+    ap[CONTROL_GROWTH] =
+        AddFloat(maker, u"Motion\0Growth\0", u"Rings that leave the middle in a minute; below 0 they fall in",
+                 {-120, 120}, {-6, 18}, 6, FromWave(47000));
+}
+
+static void AddPenControls(Arcs *pArcs, const ControlMaker &maker)
+{
+    static const char16_t *const aszPaint[PAINT_MODES] = {u"Over", u"Lighten", u"Add"};
+    ControlRecord **ap = pArcs->apControl;
+    ap[CONTROL_THICKNESS] = AddFloat(maker, u"Pen\0Thickness\0", u"Of the arcs, in percent of the picture's height",
+                                     {0.1f, 20}, {0.8f, 3}, 1.6f, FromSound(6));
+    ap[CONTROL_HARDNESS] = AddFloat(maker, u"Pen\0Hardness\0", u"0 glows softly, 1 has a firm edge", {0, 1},
+                                    {0.1f, 0.6f}, 0.3f, FromWave(34000));
+    ap[CONTROL_PLACE] = AddFloat(maker, u"Color\0Place\0", u"Where in the palette the inmost ring lies", {0, 1},
+                                 {0.3f, 1}, 0.7f, FromWave(17000));
+    ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How far the color moves on towards the outermost ring",
+                                  {0, 2}, {0.2f, 0.9f}, 0.4f, FromPeriodic(8000));
+    ap[CONTROL_PAINT] = AddItemSelect(maker, u"Color\0Paint\0", u"How the pen meets what is there", pArcs->aPaintRow,
+                                      aszPaint, PAINT_OVER, FromFixed());
+}
+
+MODULE_EXPORT void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn pfnAllocControl,
+                                               int32_t *pnControls)
+{
+    Arcs *pArcs = new (std::nothrow) Arcs();
+    *ppvContext = pArcs;
+    if (!pArcs)
+        return;
+    const ControlMaker maker = {pfnAllocControl, pnControls};
+    AddShapeControls(pArcs, maker);
+    AddMotionControls(pArcs, maker);
+    AddPenControls(pArcs, maker);
+}
+
+static ArcLook ReadLook(const Arcs *pArcs)
+{
+    const auto Float = [&](int32_t iControl) { return ReadFloat(pArcs->apControl[iControl]); };
+    ArcLook look = {};
+    look.fRings = (float)ReadInteger(pArcs->apControl[CONTROL_RINGS]);
+    look.fReach = Float(CONTROL_REACH);
+    look.fPulse = Float(CONTROL_PULSE);
+    look.fSweep = Float(CONTROL_SWEEP);
+    look.fTilt = Float(CONTROL_TILT);
+    look.fSpin = Float(CONTROL_SPIN) / 60;
+    look.fTumble = Float(CONTROL_TUMBLE) / 60;
+    look.fGrowth = Float(CONTROL_GROWTH) / 60;
+    look.fThickness = Float(CONTROL_THICKNESS) * 0.01f;
+    look.fHardness = 1 + 7 * Float(CONTROL_HARDNESS) * Float(CONTROL_HARDNESS);
+    look.fPlace = Float(CONTROL_PLACE);
+    look.fSpread = Float(CONTROL_SPREAD);
+    return look;
+}
+
+MODULE_EXPORT void ModulePreInitialize(void *, PlaneInfo *)
+{
+}
+
+MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
+{
+    Arcs *pArcs = (Arcs *)pvContext;
+    if (!pArcs)
+        return;
+    StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
+    SeedArcs(&pArcs->motion, &random);
+    pArcs->clock = {};
+    pArcs->look = ReadLook(pArcs);
+}
+
+MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
+{
+    Arcs *pArcs = (Arcs *)pvContext;
+    Canvas canvas;
+    if (!pArcs || !OpenCanvas(&canvas, ppi))
+        return 0;
+    const float fSeconds = StepSeconds(&pArcs->clock, ppi);
+    EaseLook(&pArcs->look, ReadLook(pArcs), fSeconds);
+    const Paint paint = {ReadItem(pArcs->apControl[CONTROL_PAINT]), 1};
+    DrawArcs(canvas, paint, pArcs->look, &pArcs->motion, fSeconds);
+    return 0;
+}
+
+MODULE_EXPORT void ModuleResolveIndexedPlane(void *, PlaneInfo *, HostBitmap *)
+{
+}
+
+MODULE_EXPORT void ModuleCleanUp(void *)
+{
+}
+
+MODULE_EXPORT void ModuleDestroyControlStructure(void *pvContext)
+{
+    delete (Arcs *)pvContext;
+}

@@ -1,0 +1,287 @@
+// Carry.cpp -- the inner loops of the carry: load four neighbours, interpolate, fade, store
+#include "Carry.h"
+
+#include <cstring>
+
+// ---- What both kinds of plane share
+
+// Fills the margin of a row of which the middle stands.
+template <typename Pixel> static void FillRowEnds(Pixel *pRow, int32_t nWidth, int32_t nMargin, uint32_t dwEdges)
+{
+    Pixel *pFirst = pRow + nMargin, *pEnd = pFirst + nWidth;
+    if (dwEdges == EDGES_AROUND)
+        for (int32_t i = 0; i < nMargin; i++) {
+            pFirst[-1 - i] = pFirst[nWidth - 1 - i % nWidth];
+            pEnd[i] = pFirst[i % nWidth];
+        }
+    else {
+        std::fill_n(pRow, nMargin, dwEdges == EDGES_CLOSED ? pFirst[0] : Pixel(0));
+        std::fill_n(pEnd, nMargin, dwEdges == EDGES_CLOSED ? pEnd[-1] : Pixel(0));
+    }
+}
+
+// Fills the rows above and below a picture whose own rows stand, ends included.
+template <typename Pixel> static void FillMarginRows(Pixel *pPicture, const CarryBuffers &buffers, uint32_t dwEdges)
+{
+    const size_t nStride = buffers.nStride;
+    const auto Row = [&](int32_t y) { return pPicture + (size_t)(y + buffers.nMargin) * nStride; };
+    const int32_t nHeight = buffers.nHeight;
+    for (int32_t i = 0; i < buffers.nMargin; i++) {
+        const int32_t yBelow = dwEdges == EDGES_AROUND ? nHeight - 1 - i % nHeight : 0;
+        const int32_t yAbove = dwEdges == EDGES_AROUND ? i % nHeight : nHeight - 1;
+        if (dwEdges == EDGES_OPEN) {
+            std::fill_n(Row(-1 - i), nStride, Pixel(0));
+            std::fill_n(Row(nHeight + i), nStride, Pixel(0));
+        } else {
+            std::copy_n(Row(yBelow), nStride, Row(-1 - i));
+            std::copy_n(Row(yAbove), nStride, Row(nHeight + i));
+        }
+    }
+}
+
+// The carries along one row of the picture, interpolated between two rows of vertices.
+struct CarryRow {
+    int32_t anX[WINDROW_MOST], anY[WINDROW_MOST];
+};
+
+static void InterpolateRow(const WindGrid &grid, int32_t y, CarryRow *pRow)
+{
+    const size_t iFirst = (size_t)(y >> WIND_CELL_BITS) * (size_t)grid.nColumns;
+    const int32_t *pnX = grid.pnCarryX + iFirst, *pnY = grid.pnCarryY + iFirst;
+    const int32_t nPart = y & (WIND_CELL - 1);
+    for (int32_t i = 0; i < grid.nColumns; i++) {
+        pRow->anX[i] = pnX[i] + (((pnX[i + grid.nColumns] - pnX[i]) * nPart) >> WIND_CELL_BITS);
+        pRow->anY[i] = pnY[i] + (((pnY[i + grid.nColumns] - pnY[i]) * nPart) >> WIND_CELL_BITS);
+    }
+}
+
+// Where a cell's pixels come from, in 1/65536 pixel of the buffer with its margin.
+struct CellPath {
+    int32_t x, y, xStep, yStep;
+};
+
+static CellPath PathOfCell(const CarryRow &row, int32_t iCell, int32_t y, int32_t nMargin)
+{
+    const int32_t nX = row.anX[iCell], nY = row.anY[iCell];
+    return {((iCell * WIND_CELL + nMargin) << 16) + nX, ((y + nMargin) << 16) + nY,
+            65536 + ((row.anX[iCell + 1] - nX) >> WIND_CELL_BITS), (row.anY[iCell + 1] - nY) >> WIND_CELL_BITS};
+}
+
+// A whole cell or, at the end of the row, what is left of the row.
+template <typename Pixel> static inline void StoreCell(Pixel *pTo, const Pixel *pFrom, int32_t nLeft)
+{
+    if (nLeft >= WIND_CELL)
+        memcpy(pTo, pFrom, WIND_CELL * sizeof(Pixel));
+    else
+        memcpy(pTo, pFrom, (size_t)nLeft * sizeof(Pixel));
+}
+
+// ---- Indexed planes
+
+static int32_t FractionBits(const Canvas &canvas)
+{
+    return canvas.nColors <= 256 ? 8 : 5;
+}
+
+// Takes over what the modules before have drawn. A pixel that shows what the last carry left keeps its fraction.
+static void TakeIndices(const Canvas &canvas, const CarryBuffers &buffers, int32_t nBits, uint32_t dwEdges)
+{
+    const uint32_t dwTop = (uint32_t)canvas.nColors - 1;
+    for (int32_t y = 0; y < canvas.nHeight; y++) {
+        const uint32_t *pdwPlane = CanvasRow(canvas, y);
+        uint16_t *pRow = buffers.pIndices[0] + (size_t)(y + buffers.nMargin) * buffers.nStride;
+        uint16_t *pOld = pRow + buffers.nMargin;
+        for (int32_t x = 0; x < canvas.nWidth; x++) {
+            const uint32_t dwNew = pdwPlane[x] < dwTop ? pdwPlane[x] : dwTop;
+            pOld[x] = (uint16_t)(pOld[x] >> nBits == (int32_t)dwNew ? pOld[x] : dwNew << nBits);
+        }
+        FillRowEnds(pRow, canvas.nWidth, buffers.nMargin, dwEdges);
+    }
+    FillMarginRows(buffers.pIndices[0], buffers, dwEdges);
+}
+
+// Two neighbours of a lower and of an upper row per pixel, and the place between them.
+struct IndexCell {
+    uint32_t adwLower[WIND_CELL], adwUpper[WIND_CELL];
+    int32_t anX[WIND_CELL], anY[WIND_CELL];
+};
+
+static inline void LoadIndices(const uint16_t *pFrom, size_t nStride, CellPath path, IndexCell *pCell)
+{
+    for (int32_t i = 0; i < WIND_CELL; i++) {
+        const uint16_t *p = pFrom + (size_t)(path.y >> 16) * nStride + (size_t)(path.x >> 16);
+        memcpy(&pCell->adwLower[i], p, sizeof(uint32_t));
+        memcpy(&pCell->adwUpper[i], p + nStride, sizeof(uint32_t));
+        pCell->anX[i] = path.x & 0xFFFF;
+        pCell->anY[i] = path.y & 0xFFFF;
+        path.x += path.xStep;
+        path.y += path.yStep;
+    }
+}
+
+static inline float MixPair(uint32_t dwPair, float fPart)
+{
+    const float fFirst = (float)(int32_t)(dwPair & 0xFFFF), fSecond = (float)(int32_t)(dwPair >> 16);
+    return fFirst + (fSecond - fFirst) * fPart;
+}
+
+// adwMixed: with its fraction.
+static inline void MixIndices(const IndexCell &cell, float fKeep, float fLess, uint32_t *pdwMixed)
+{
+    for (int32_t i = 0; i < WIND_CELL; i++) {
+        const float fX = (float)cell.anX[i] * (1 / 65536.0f), fY = (float)cell.anY[i] * (1 / 65536.0f);
+        const float fLower = MixPair(cell.adwLower[i], fX), fUpper = MixPair(cell.adwUpper[i], fX);
+        const float fMixed = (fLower + (fUpper - fLower) * fY) * fKeep - fLess;
+        pdwMixed[i] = (uint32_t)(int32_t)(fMixed > 0 ? fMixed : 0);
+    }
+}
+
+static inline void SplitIndices(const uint32_t *pdwMixed, int32_t nBits, uint16_t *pwKept, uint32_t *pdwShown)
+{
+    for (int32_t i = 0; i < WIND_CELL; i++) {
+        pwKept[i] = (uint16_t)pdwMixed[i];
+        pdwShown[i] = pdwMixed[i] >> nBits;
+    }
+}
+
+void CarryIndices(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade &fade, uint32_t dwEdges)
+{
+    const int32_t nBits = FractionBits(canvas), nMargin = pBuffers->nMargin;
+    TakeIndices(canvas, *pBuffers, nBits, dwEdges);
+    // Rounding up to a half could hold a faint trail for ever: fading takes more than that, if only just.
+    const float fFull = (float)(canvas.nColors << nBits);
+    const bool bFading = fade.fKeep < 1 || fade.fBurn > 0;
+    const float fLess = bFading ? std::max(fade.fBurn * fFull, 0.55f) - 0.5f : -0.5f;
+    CarryRow row;
+    for (int32_t y = 0; y < canvas.nHeight; y++) {
+        InterpolateRow(pBuffers->grid, y, &row);
+        uint32_t *pdwPlane = CanvasRow(canvas, y);
+        uint16_t *pKept = pBuffers->pIndices[1] + (size_t)(y + nMargin) * pBuffers->nStride + nMargin;
+        for (int32_t x = 0; x < canvas.nWidth; x += WIND_CELL) {
+            IndexCell cell;
+            uint32_t adwMixed[WIND_CELL], adwShown[WIND_CELL];
+            uint16_t awKept[WIND_CELL];
+            LoadIndices(pBuffers->pIndices[0], pBuffers->nStride, PathOfCell(row, x >> WIND_CELL_BITS, y, nMargin),
+                        &cell);
+            MixIndices(cell, fade.fKeep, fLess, adwMixed);
+            SplitIndices(adwMixed, nBits, awKept, adwShown);
+            StoreCell(pKept + x, awKept, canvas.nWidth - x);
+            StoreCell(pdwPlane + x, adwShown, canvas.nWidth - x);
+        }
+    }
+    std::swap(pBuffers->pIndices[0], pBuffers->pIndices[1]);
+}
+
+// ---- RGB planes
+
+typedef uint8_t Bytes16 __attribute__((vector_size(16)));
+typedef uint16_t Words8 __attribute__((vector_size(16)));
+typedef uint32_t Doubles4 __attribute__((vector_size(16)));
+typedef uint64_t Quads2 __attribute__((vector_size(16)));
+
+// Per pixel where its lower left neighbour lies, and the weights of the lower and of the upper pair: the left
+// one in the low word. The four add up to exactly 256, so an even area stays even.
+struct ColorCell {
+    const uint32_t *apFrom[WIND_CELL];
+    uint32_t adwLower[WIND_CELL], adwUpper[WIND_CELL];
+};
+
+static inline void WeighColors(const uint32_t *pFrom, size_t nStride, const CellPath &path, ColorCell *pCell)
+{
+    for (int32_t i = 0; i < WIND_CELL; i++) {
+        const int32_t nX = (path.x + i * path.xStep) >> 8 & 255, nY = (path.y + i * path.yStep) >> 8 & 255;
+        const int32_t nBoth = nX * nY >> 8;
+        pCell->adwLower[i] = (uint32_t)((256 - nX - nY + nBoth) | (nX - nBoth) << 16);
+        pCell->adwUpper[i] = (uint32_t)((nY - nBoth) | nBoth << 16);
+    }
+    for (int32_t i = 0; i < WIND_CELL; i++)
+        pCell->apFrom[i] =
+            pFrom + (size_t)((path.y + i * path.yStep) >> 16) * nStride + (size_t)((path.x + i * path.xStep) >> 16);
+}
+
+// The bytes of a pixel and of its right neighbour, each times its weight.
+static inline Words8 WeighPair(const uint32_t *p, uint32_t dwWeights)
+{
+    uint64_t qwPair;
+    memcpy(&qwPair, p, sizeof qwPair);
+    const Bytes16 pair = (Bytes16)Quads2{qwPair}, zero = {};
+    const Words8 words =
+        (Words8)__builtin_shufflevector(pair, zero, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+    const Words8 weights = (Words8)Doubles4{dwWeights};
+    const Doubles4 twice = (Doubles4)__builtin_shufflevector(weights, weights, 0, 8, 1, 9, 2, 10, 3, 11);
+    return words * (Words8)__builtin_shufflevector(twice, twice, 0, 0, 1, 1);
+}
+
+static inline void MixColors(const ColorCell &cell, size_t nStride, uint16_t *pwMixed)
+{
+    for (int32_t i = 0; i < WIND_CELL; i++) {
+        const uint32_t *p = cell.apFrom[i];
+        const Words8 sums = WeighPair(p, cell.adwLower[i]) + WeighPair(p + nStride, cell.adwUpper[i]);
+        const Quads2 mixed = (Quads2)(sums + (Words8)__builtin_shufflevector((Quads2)sums, (Quads2)sums, 1, 0));
+        memcpy(pwMixed + i * 4, &mixed, 8);
+    }
+}
+
+// The fade of a value in 8.8 bits: it loses value * nLoss / 65536, and nBurn.
+struct ColorFade {
+    uint16_t nLoss, nBurn;
+};
+
+static ColorFade FadeOfColors(const CarryFade &fade)
+{
+    const bool bFading = fade.fKeep < 1 || fade.fBurn > 0;
+    const float fBurn = bFading ? std::max(std::min(fade.fBurn, 1.0f) * 65280, 1.0f) : 0;
+    return {(uint16_t)std::min((1 - fade.fKeep) * 65536, 65535.0f), (uint16_t)fBurn};
+}
+
+// Rounds by a fine pattern, not to the nearest: slow fades go on below one step of a byte, without bands.
+static inline void FadeColors(const uint16_t *pwMixed, const ColorFade &fade, const uint8_t *pbPattern,
+                              uint8_t bPatternStart, uint8_t *pbOut)
+{
+    for (int32_t i = 0; i < WIND_CELL * 4; i++) {
+        const uint16_t wKept = (uint16_t)(pwMixed[i] - (uint16_t)((uint32_t)pwMixed[i] * fade.nLoss >> 16));
+        const uint16_t wLeft = (uint16_t)(wKept > fade.nBurn ? wKept - fade.nBurn : 0);
+        const uint8_t bPattern = (uint8_t)(pbPattern[i] + bPatternStart);
+        pbOut[i] = (uint8_t)((uint16_t)(wLeft + bPattern) >> 8);
+    }
+}
+
+static void TakeColors(const Canvas &canvas, const CarryBuffers &buffers, uint32_t dwEdges)
+{
+    for (int32_t y = 0; y < canvas.nHeight; y++) {
+        uint32_t *pRow = buffers.pColors + (size_t)(y + buffers.nMargin) * buffers.nStride;
+        memcpy(pRow + buffers.nMargin, CanvasRow(canvas, y), (size_t)canvas.nWidth * sizeof(uint32_t));
+        FillRowEnds(pRow, canvas.nWidth, buffers.nMargin, dwEdges);
+    }
+    FillMarginRows(buffers.pColors, buffers, dwEdges);
+}
+
+// The rounding pattern is the sequence of the plastic number in two dimensions, in 1/256; its steps:
+#define PATTERN_X 193
+#define PATTERN_Y 146
+#define PATTERN_FRAME 159
+
+void CarryColors(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade &fade, uint32_t dwEdges, uint32_t nFrame)
+{
+    TakeColors(canvas, *pBuffers, dwEdges);
+    const ColorFade colorFade = FadeOfColors(fade);
+    uint8_t abPattern[WIND_CELL * 4];
+    for (uint32_t i = 0; i < WIND_CELL * 4; i++)
+        abPattern[i] = (uint8_t)(i / 4 * PATTERN_X);
+    CarryRow row;
+    for (int32_t y = 0; y < canvas.nHeight; y++) {
+        InterpolateRow(pBuffers->grid, y, &row);
+        uint32_t *pdwPlane = CanvasRow(canvas, y);
+        const uint32_t nStart = (uint32_t)y * PATTERN_Y + nFrame * PATTERN_FRAME;
+        for (int32_t x = 0; x < canvas.nWidth; x += WIND_CELL) {
+            uint16_t awMixed[WIND_CELL * 4];
+            alignas(16) uint8_t abOut[WIND_CELL * 4];
+            ColorCell cell;
+            WeighColors(pBuffers->pColors, pBuffers->nStride,
+                        PathOfCell(row, x >> WIND_CELL_BITS, y, pBuffers->nMargin), &cell);
+            MixColors(cell, pBuffers->nStride, awMixed);
+            FadeColors(awMixed, colorFade, abPattern, (uint8_t)(nStart + (uint32_t)x * PATTERN_X), abOut);
+            StoreCell(pdwPlane + x, (const uint32_t *)(const void *)abOut, canvas.nWidth - x);
+        }
+    }
+}

@@ -1,0 +1,154 @@
+// PMRotor.cpp -- PMRotor.dll, a painter: arms of several joints that turn within each other, in symmetric copies
+#include "RotorShape.h"
+
+#include <new>
+
+enum {
+    CONTROL_COPIES,
+    CONTROL_MIRROR,
+    CONTROL_JOINTS,
+    CONTROL_REACH,
+    CONTROL_SPIN,
+    CONTROL_WHIRL,
+    CONTROL_DRIFT,
+    CONTROL_THICKNESS,
+    CONTROL_TAPER,
+    CONTROL_HARDNESS,
+    CONTROL_ARM,
+    CONTROL_PLACE,
+    CONTROL_SPREAD,
+    CONTROL_PAINT,
+    CONTROLS
+};
+
+struct Rotor {
+    ControlRecord *apControl[CONTROLS];
+    ItemSelectRow aPaintRow[PAINT_MODES];
+    DrawClock clock;
+    RotorMotion motion;
+    RotorLook look; // eased
+};
+
+MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
+{
+    DescribeModule(pmd, MODULECLASS_DRAWING, MODULECAP_PAINTER | MODULECAP_INDEXED | MODULECAP_RGB, u"Rotor",
+                   u"Jointed arms that turn within each other, in symmetric copies");
+}
+
+static void AddShapeControls(Rotor *pRotor, const ControlMaker &maker)
+{
+    ControlRecord **ap = pRotor->apControl;
+    ap[CONTROL_COPIES] = AddInteger(maker, u"Shape\0Copies\0", u"How many times the arm stands around the middle",
+                                    {1, ROTOR_COPIES_MOST}, {2, 6}, 3, FromPeriodic(17000));
+    ap[CONTROL_MIRROR] =
+        AddBoolean(maker, u"Shape\0Mirror\0", u"Every copy gets its mirror image", 0.6f, false, FromRandom());
+    ap[CONTROL_JOINTS] = AddInteger(maker, u"Shape\0Joints\0", u"How many arms stand on each other's ends",
+                                    {1, ROTOR_JOINTS_MOST}, {2, 4}, 3, FromRandom());
+    ap[CONTROL_REACH] = AddFloat(maker, u"Shape\0Reach\0", u"Length of the outstretched arm, 1 for half the picture",
+                                 {0.05f, 1.5f}, {0.45f, 1}, 0.8f, FromWave(21000));
+}
+
+static void AddMotionControls(Rotor *pRotor, const ControlMaker &maker)
+{
+    ControlRecord **ap = pRotor->apControl;
+    ap[CONTROL_SPIN] = AddFloat(maker, u"Motion\0Spin\0", u"Turns of the whole figure in a minute", {-60, 60}, {-7, 7},
+                                4, FromWave(43000, WAVETYPE_TRIANGLE));
+    ap[CONTROL_WHIRL] = AddFloat(maker, u"Motion\0Whirl\0", u"Turns of the outer joints in a minute", {0, 120}, {4, 22},
+                                 10, FromSound(30));
+    ap[CONTROL_DRIFT] = AddFloat(maker, u"Motion\0Drift\0", u"How far the middle strays through the picture", {0, 1},
+                                 {0, 0.45f}, 0.2f, FromWave(59000));
+}
+
+static void AddPenControls(Rotor *pRotor, const ControlMaker &maker)
+{
+    static const char16_t *const aszPaint[PAINT_MODES] = {u"Over", u"Lighten", u"Add"};
+    ControlRecord **ap = pRotor->apControl;
+    ap[CONTROL_THICKNESS] = AddFloat(maker, u"Pen\0Thickness\0", u"Of the arm, in percent of the picture's height",
+                                     {0.1f, 20}, {1.2f, 4.5f}, 2, FromSound(6));
+    ap[CONTROL_TAPER] = AddFloat(maker, u"Pen\0Taper\0", u"1 thins the arm out towards its tip, -1 towards its root",
+                                 {-1, 1}, {-0.6f, 0.8f}, 0.3f, FromRandom());
+    ap[CONTROL_HARDNESS] = AddFloat(maker, u"Pen\0Hardness\0", u"0 glows softly, 1 has a firm edge", {0, 1},
+                                    {0.1f, 0.6f}, 0.3f, FromWave(27000));
+    ap[CONTROL_ARM] = AddFloat(maker, u"Pen\0Arm\0", u"How much of the arm shows besides its tip", {0, 1}, {0.15f, 1},
+                               0.6f, FromWave(33000));
+    ap[CONTROL_PLACE] = AddFloat(maker, u"Color\0Place\0", u"Where in the palette the root of the arm lies", {0, 1},
+                                 {0.35f, 1}, 0.7f, FromWave(13000));
+    ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How far the color moves on towards the tip", {0, 2},
+                                  {0.1f, 0.7f}, 0.3f, FromPeriodic(7000));
+    ap[CONTROL_PAINT] = AddItemSelect(maker, u"Color\0Paint\0", u"How the pen meets what is there", pRotor->aPaintRow,
+                                      aszPaint, PAINT_OVER, FromFixed());
+}
+
+MODULE_EXPORT void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn pfnAllocControl,
+                                               int32_t *pnControls)
+{
+    Rotor *pRotor = new (std::nothrow) Rotor();
+    *ppvContext = pRotor;
+    if (!pRotor)
+        return;
+    const ControlMaker maker = {pfnAllocControl, pnControls};
+    AddShapeControls(pRotor, maker);
+    AddMotionControls(pRotor, maker);
+    AddPenControls(pRotor, maker);
+}
+
+static RotorLook ReadLook(const Rotor *pRotor)
+{
+    const auto Float = [&](int32_t iControl) { return ReadFloat(pRotor->apControl[iControl]); };
+    RotorLook look = {};
+    look.fCopies = (float)ReadInteger(pRotor->apControl[CONTROL_COPIES]);
+    look.fJoints = (float)ReadInteger(pRotor->apControl[CONTROL_JOINTS]);
+    look.fMirror = ReadBoolean(pRotor->apControl[CONTROL_MIRROR]) ? 1.0f : 0.0f;
+    look.fReach = Float(CONTROL_REACH);
+    look.fSpin = Float(CONTROL_SPIN) / 60;
+    look.fWhirl = Float(CONTROL_WHIRL) / 60;
+    look.fDrift = Float(CONTROL_DRIFT);
+    look.fThickness = Float(CONTROL_THICKNESS) * 0.01f;
+    look.fTaper = Float(CONTROL_TAPER);
+    look.fHardness = 1 + 7 * Float(CONTROL_HARDNESS) * Float(CONTROL_HARDNESS);
+    look.fArm = Float(CONTROL_ARM);
+    look.fPlace = Float(CONTROL_PLACE);
+    look.fSpread = Float(CONTROL_SPREAD);
+    return look;
+}
+
+MODULE_EXPORT void ModulePreInitialize(void *, PlaneInfo *)
+{
+}
+
+MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
+{
+    Rotor *pRotor = (Rotor *)pvContext;
+    if (!pRotor)
+        return;
+    StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
+    SeedRotor(&pRotor->motion, &random);
+    pRotor->clock = {};
+    pRotor->look = ReadLook(pRotor);
+}
+
+MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
+{
+    Rotor *pRotor = (Rotor *)pvContext;
+    Canvas canvas;
+    if (!pRotor || !OpenCanvas(&canvas, ppi))
+        return 0;
+    const float fSeconds = StepSeconds(&pRotor->clock, ppi);
+    EaseLook(&pRotor->look, ReadLook(pRotor), fSeconds);
+    const Paint paint = {ReadItem(pRotor->apControl[CONTROL_PAINT]), 1};
+    DrawRotor(canvas, paint, pRotor->look, &pRotor->motion, fSeconds);
+    return 0;
+}
+
+MODULE_EXPORT void ModuleResolveIndexedPlane(void *, PlaneInfo *, HostBitmap *)
+{
+}
+
+MODULE_EXPORT void ModuleCleanUp(void *)
+{
+}
+
+MODULE_EXPORT void ModuleDestroyControlStructure(void *pvContext)
+{
+    delete (Rotor *)pvContext;
+}
