@@ -1,0 +1,72 @@
+// PictureFiles.cpp -- writes bitmaps to picture files
+#include "output/PictureFiles.h"
+
+#include "output/PictureWriters.h"
+#include "platform/Files.h"
+#include "platform/Text.h"
+
+#include <cstdio>
+#include <filesystem>
+
+namespace {
+
+struct FormatName {
+    const char16_t *pszText;
+    PictureFormat eFormat;
+};
+
+// Searched for in this order.
+constexpr FormatName asName[] = {
+    {u".jpg", PictureFormat::Jpeg},    {u".jpeg", PictureFormat::Jpeg},   {u".png", PictureFormat::Png},
+    {u".gif", PictureFormat::Gif},     {u".tif", PictureFormat::Tiff},    {u".tiff", PictureFormat::Tiff},
+    {u".fst", PictureFormat::Refused}, {u".ful", PictureFormat::Refused}, {u".ext", PictureFormat::Refused},
+    {u".ppm", PictureFormat::Ppm},     {u".bmp", PictureFormat::Bmp},     {u".dib", PictureFormat::Bmp},
+    {u".rle", PictureFormat::Bmp},
+};
+
+struct FormatWriter {
+    PictureFormat eFormat;
+    PictureWriterFn pfnWrite;
+    bool bRemoveHalf; // an encoder's half-written file is removed; a PPM stays
+};
+
+constexpr FormatWriter asWriter[] = {
+    {PictureFormat::Png, WritePng, true},
+    {PictureFormat::Ppm, WritePpm, false},
+};
+
+const FormatWriter *FindWriter(PictureFormat eFormat)
+{
+    for (const FormatWriter &writer : asWriter)
+        if (writer.eFormat == eFormat)
+            return &writer;
+    return nullptr;
+}
+
+} // namespace
+
+PictureFormat PictureFormatOf(const char16_t *pszPath)
+{
+    for (const FormatName &name : asName)
+        if (ContainsNoCase(pszPath, name.pszText))
+            return name.eFormat;
+    return PictureFormat::Refused;
+}
+
+u32 SavePicture(const HostBitmap *hbm, const char16_t *pszPath, u32 nQuality)
+{
+    if (!hbm || !pszPath || !*pszPath)
+        return 0;
+    const FormatWriter *pWriter = FindWriter(PictureFormatOf(pszPath));
+    FILE *pFile = pWriter ? OpenFile(pszPath, "wb") : nullptr;
+    if (!pFile)
+        return 0;
+    const bool bWritten = pWriter->pfnWrite(hbm, pFile, nQuality);
+    const bool bClosed = std::fclose(pFile) == 0;
+    if (bWritten && bClosed)
+        return 1;
+    std::error_code ignored;
+    if (pWriter->bRemoveHalf)
+        std::filesystem::remove(NativePath(pszPath), ignored);
+    return 0;
+}

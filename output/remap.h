@@ -1,0 +1,79 @@
+// remap.h -- the mix kernels: runs prepared steps of pixel arithmetic over whole images
+#pragma once
+
+#include "platform/BaseTypes.h"
+
+constexpr u32 MIX_STEPS_MAX = 32;
+
+// What a step computes. The four that stand beside their twins are how both paths of the mixer get their results
+// from one engine: Tile planes is a Copy in one pass, and Intensity Scale has another measure there.
+enum class MixKernel : u8 {
+    Copy,
+    Blend,
+    OverwriteBackground,
+    OnlyWriteForeground,
+    BlendXor,
+    BlendMax,
+    BlendAlpha,
+    BlendBoolean,
+    InvertX,
+    InvertY,
+    InvertXY,
+    GunShift1,
+    GunShift2,
+    Negative,
+    IntensityScale,
+    IntensityScaleOnePass,
+    IntensityScaleRgb,
+    Displace,
+    Count
+};
+
+// Where a step reads: an image, the result of an earlier step, or zeros.
+struct MixOperand {
+    const u32 *pImage; // width x height pixels; null: not an image
+    i32 iStep;         // with pImage null: the earlier step; below 0: zeros
+};
+
+constexpr MixOperand MIX_OPERAND_ZERO = {nullptr, -1};
+
+struct MixStep {
+    MixKernel eKernel;
+    u32 nWeight;          // Blend only, 0 to 255
+    MixOperand asFrom[3]; // source #1, source #2, mask; those that the kernel does not use are not looked at
+    u32 *pTo;             // image that receives the result; null: only later steps read it
+};
+
+// Steps that run together, pixel by pixel in their order: a step sees what earlier steps made at its pixel, and in
+// images what stood there before the program ran. Images are all of one size, rows without gaps, aligned to 64
+// bytes. The mirrors and Displace read elsewhere than at their pixel, so their source #1 has to be an image, and
+// one that no step of the program writes.
+struct MixProgram {
+    i32 nWidth;
+    i32 nHeight;
+    u32 nSteps;
+    MixStep asStep[MIX_STEPS_MAX];
+};
+
+// True for the mirrors and Displace.
+bool KernelIsSpatial(MixKernel eKernel);
+
+// Runs the program over all pixels, on all cores; returns when it is done. [main-thread]
+void RunMixProgram(const MixProgram &prog);
+
+// Mirrors a coordinate into 0 to n - 1: the low edge without repeating its pixel, the high edge with it.
+i32 ReflectCoordinate(i32 v, i32 n);
+
+// Number of values of MixSum, and what Displace makes of them: how far (a twelfth of the sum, in pixels) and in
+// which direction (sum x 6.28 / 768 radians).
+constexpr u32 DISPLACE_LEVELS = 766;
+
+// Sine and cosine of the directions. Made from the double functions and rounded to single: no sine or cosine of
+// these angles lies so close to the middle between two single numbers that two sound math libraries could round it
+// differently, so the pictures are the same everywhere; those of single precision do differ.
+struct DisplaceTables {
+    f32 afSin[DISPLACE_LEVELS];
+    f32 afCos[DISPLACE_LEVELS];
+    f32 afMagnitude[DISPLACE_LEVELS];
+};
+const DisplaceTables &GetDisplaceTables();

@@ -1,0 +1,261 @@
+// PlaneMixer_test.cpp -- rule lists through both paths of the mixer, the rules' own list, the tiling
+#include "controls/ControlManager.h"
+#include "tests/MixerPreset.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+using Random = std::mt19937;
+
+i32 Between(Random &random, i32 nLow, i32 nHigh)
+{
+    return nLow + static_cast<i32>(random() % static_cast<u32>(nHigh - nLow + 1));
+}
+
+// Mostly sources that exist, early and late ones, now and then nonsense.
+i32 RandomSource(Random &random, i32 nSources)
+{
+    constexpr i32 anHostile[] = {-1, 31, 32, 33, INT32_MAX, INT32_MIN};
+    return random() % 16 ? Between(random, 0, nSources) : anHostile[random() % std::size(anHostile)];
+}
+
+std::vector<OracleRule> RandomRules(Random &random, i32 nPlanes, i32 nRules, bool bTile)
+{
+    std::vector<OracleRule> rules;
+    for (i32 r = 0; r < nRules; r++) {
+        const i32 nSources = nPlanes + nRules - 1;
+        OracleRule rule = {RandomSource(random, nSources), RandomSource(random, nSources),
+                           RandomSource(random, nSources), Between(random, 1, 17), Between(random, -20, 275)};
+        if (bTile && random() % 6 == 0)
+            rule.MixOp = MIXOP_TILE_PLANES;
+        rules.push_back(rule);
+    }
+    return rules;
+}
+
+void ExpectSameAsOracle(OraclePreset ps, u32 bOnePass, u32 nFrames)
+{
+    MixerPreset preset(ps);
+    for (u32 i = 0; i < nFrames; i++) {
+        bOnePass ? OracleOnePass(ps) : OraclePerRule(ps);
+        EXPECT_EQ(MixPlanes(&preset.state, bOnePass), 1u);
+        EXPECT_EQ(preset.state.phbmOutput, &preset.state.hbmFinal);
+        ASSERT_TRUE(SameAsOracle(preset, ps)) << "one pass " << bOnePass << ", frame " << i;
+    }
+}
+
+OraclePreset Solid(i32 nWidth, i32 nHeight, std::vector<u32> planes, std::vector<OracleRule> rules)
+{
+    const size_t nPixels = static_cast<size_t>(nWidth) * static_cast<size_t>(nHeight);
+    OraclePreset ps;
+    for (u32 n : planes)
+        ps.planes.push_back({nWidth, nHeight, std::vector<u32>(nPixels, n)});
+    for (size_t i = 0; i < rules.size(); i++)
+        ps.metas.push_back({nWidth, nHeight, std::vector<u32>(nPixels)});
+    ps.final = {nWidth, nHeight, std::vector<u32>(nPixels, 0x99999999u)};
+    ps.rules = std::move(rules);
+    return ps;
+}
+
+} // namespace
+
+TEST(PlaneMixer, RandomRuleListsMakeWhatTheOracleMakesOnBothPaths)
+{
+    Random random(7);
+    for (u32 i = 0; i < 150; i++) {
+        const i32 nPlanes = Between(random, 1, 4), nRules = Between(random, 1, i % 10 == 0 ? 28 : 8);
+        const i32 nWidth = Between(random, 1, 150), nHeight = Between(random, 1, 70);
+        const OraclePreset ps = RandomOraclePreset(random, static_cast<u32>(nPlanes),
+                                                   RandomRules(random, nPlanes, nRules, i % 3 == 0), nWidth, nHeight);
+        for (u32 bOnePass : {0u, 1u}) {
+            SCOPED_TRACE(testing::Message() << "list " << i);
+            ExpectSameAsOracle(ps, bOnePass, 3);
+            if (HasFatalFailure())
+                return;
+        }
+    }
+}
+
+TEST(PlaneMixer, ASpatialRuleSeesTheWholeResultOfTheRuleBefore)
+{
+    Random random(3);
+    const std::vector<OracleRule> rules = {{0, 1, 0, MIXOP_BLEND_XOR, 0},
+                                           {2, 0, 0, MIXOP_INVERT_XY, 0},
+                                           {3, 2, 0, MIXOP_DISPLACE, 0},
+                                           {2, 4, 0, MIXOP_BLEND, 77},
+                                           {5, 5, 0, MIXOP_INVERT_Y, 0}};
+    ExpectSameAsOracle(RandomOraclePreset(random, 2, rules, 201, 97), 0, 2);
+}
+
+// Its own picture of the frame before, mirrored or displaced into itself, and that of a rule that comes later.
+TEST(PlaneMixer, OwnAndLaterMetaPlanesShowTheFrameBefore)
+{
+    Random random(4);
+    for (i32 nMixOp : {8, 9, 10, 16, 4}) {
+        const std::vector<OracleRule> rules = {{2, 3, 0, nMixOp, 0}, {3, 2, 0, nMixOp, 0}, {2, 3, 0, MIXOP_BLEND, 99}};
+        SCOPED_TRACE(nMixOp);
+        ExpectSameAsOracle(RandomOraclePreset(random, 2, rules, 140, 90), 0, 4);
+    }
+    OraclePreset later = Solid(
+        4, 4, {0x11u}, {{2, 0, 0, MIXOP_BLEND_XOR, 0}, {0, 0, 0, MIXOP_NEGATIVE, 0}, {1, 1, 0, MIXOP_GUN_SHIFT_1, 0}});
+    MixerPreset preset(later);
+    MixPlanes(&preset.state, 0);
+    EXPECT_EQ(BitmapPixels(preset.state.asMixRule[0].hbmRule)[0], 0x11u);
+    MixPlanes(&preset.state, 0);
+    EXPECT_EQ(BitmapPixels(preset.state.asMixRule[0].hbmRule)[0], 0x11u ^ 0x00FFFFEEu);
+}
+
+TEST(PlaneMixer, TheLastRulesMetaPlaneIsWrittenOnceARuleStandsBehindIt)
+{
+    const OraclePreset ps = Solid(8, 8, {0x123456u}, {{0, 0, 0, MIXOP_NEGATIVE, 0}});
+    MixerPreset preset(ps);
+    MixPlanes(&preset.state, 0);
+    EXPECT_EQ(BitmapPixels(preset.state.asMixRule[0].hbmRule)[0], 0u);
+    EXPECT_EQ(BitmapPixels(preset.state.hbmFinal)[0], 0xEDCBA9u);
+    MixerPreset::SetRule(AddMixRule(&preset.state), {1, 0, 0, MIXOP_NEGATIVE, 0});
+    MixPlanes(&preset.state, 0);
+    EXPECT_EQ(BitmapPixels(preset.state.asMixRule[0].hbmRule)[0], 0xEDCBA9u);
+    EXPECT_EQ(BitmapPixels(preset.state.hbmFinal)[0], 0x123456u);
+}
+
+TEST(PlaneMixer, ASourceThatDoesNotExistKeepsThePictureOrReadsAsZero)
+{
+    for (const OracleRule &rule :
+         {OracleRule{0, -1, 0, MIXOP_BLEND_XOR, 0}, OracleRule{0, 0, 99, MIXOP_BLEND_BOOLEAN, 0},
+          OracleRule{INT32_MIN, 0, 0, MIXOP_INVERT_X, 0}, OracleRule{7, 0, 0, MIXOP_DISPLACE, 0}}) {
+        const OraclePreset ps = Solid(5, 3, {0x00ABCDEFu}, {rule});
+        MixerPreset preset(ps);
+        MixPlanes(&preset.state, 0);
+        EXPECT_EQ(BitmapPixels(preset.state.hbmFinal)[0], 0x99999999u) << rule.MixOp;
+        MixPlanes(&preset.state, 1);
+        const u32 nExpected = rule.MixOp == MIXOP_BLEND_XOR || rule.MixOp == MIXOP_BLEND_BOOLEAN ? 0x00ABCDEFu : 0;
+        EXPECT_EQ(BitmapPixels(preset.state.hbmFinal)[0], nExpected) << rule.MixOp;
+    }
+}
+
+TEST(PlaneMixer, APictureThatIsMissingOrOfAnotherSizeCountsAsNoSource)
+{
+    MixerPreset preset(Solid(64, 32, {0x1u, 0x2u}, {{0, 1, 0, MIXOP_BLEND_XOR, 0}}));
+    HostBitmap *hbmWhole = preset.planes[1].Info.hbmResolved;
+    HostBitmap *hbmSmall = CreateBitmap(2, 2);
+    for (HostBitmap *hbm : {static_cast<HostBitmap *>(nullptr), hbmSmall}) {
+        preset.planes[1].Info.hbmResolved = hbm;
+        BitmapPixels(preset.state.hbmFinal)[0] = 0x77u;
+        MixPlanes(&preset.state, 0);
+        EXPECT_EQ(BitmapPixels(preset.state.hbmFinal)[0], 0x77u);
+        MixPlanes(&preset.state, 1);
+        EXPECT_EQ(BitmapPixels(preset.state.hbmFinal)[0], 0x1u);
+    }
+    preset.planes[1].Info.hbmResolved = hbmWhole;
+    DeleteBitmap(hbmSmall);
+}
+
+TEST(PlaneMixer, TilePlanesShowsThePlanesInColumnsAndLeavesTheRest)
+{
+    OraclePreset ps = Solid(101, 4, {0x111111u, 0x222222u}, {{0, 1, 0, MIXOP_TILE_PLANES, 0}});
+    ps.planes[0].pixels[2] = 0xFF00FF00u; // taken by column 1 of 50, since trunc(1 * 101 / 50) = 2
+    MixerPreset preset(ps);
+    MixPlanes(&preset.state, 0);
+    const u32 *p = BitmapPixels(preset.state.hbmFinal);
+    EXPECT_EQ(p[0], 0x111111u);
+    EXPECT_EQ(p[1], 0xFF00FF00u);
+    EXPECT_EQ(p[49], 0x111111u);
+    EXPECT_EQ(p[50], 0x222222u);
+    EXPECT_EQ(p[99], 0x222222u);
+    EXPECT_EQ(p[100], 0x99999999u);
+    MixPlanes(&preset.state, 1); // no tiling here: source #1 like any other rule
+    EXPECT_EQ(p[1], 0x111111u);
+    EXPECT_EQ(p[60], 0x111111u);
+}
+
+TEST(PlaneMixer, WithoutRulesTheFirstPlaneIsThePicture)
+{
+    MixerPreset preset(Solid(4, 4, {0x5u, 0x6u}, {}));
+    for (u32 bOnePass : {0u, 1u}) {
+        EXPECT_EQ(MixPlanes(&preset.state, bOnePass), 1u);
+        EXPECT_EQ(preset.state.phbmOutput, &preset.planes[0].Info.hbmResolved);
+        EXPECT_EQ(BitmapPixels(preset.state.hbmFinal)[0], 0x99999999u);
+    }
+    EXPECT_EQ(MixPlanes(nullptr, 0), 0u);
+}
+
+TEST(PlaneMixer, RulesEndAtThirtyOneAndAtThirtyTwoSources)
+{
+    for (i32 nPlanes = 1; nPlanes <= 4; nPlanes++) {
+        MixerPreset preset(Solid(2, 2, std::vector<u32>(static_cast<size_t>(nPlanes)), {}));
+        u32 nRules = 0;
+        while (AddMixRule(&preset.state))
+            nRules++;
+        EXPECT_EQ(nRules, std::min(31u, 32u - static_cast<u32>(nPlanes)));
+        EXPECT_EQ(preset.state.nMixRules, nRules);
+        EXPECT_EQ(AddMixRule(&preset.state), nullptr);
+        for (u32 bOnePass : {0u, 1u})
+            EXPECT_EQ(MixPlanes(&preset.state, bOnePass), 1u);
+    }
+    EXPECT_EQ(AddMixRule(nullptr), nullptr);
+}
+
+TEST(PlaneMixer, ANewRuleHasZeroFieldsABlackPictureAndAWeightOf128)
+{
+    MixerPreset preset(Solid(6, 5, {0u}, {}));
+    const MixRule *pRule = AddMixRule(&preset.state);
+    ASSERT_NE(pRule, nullptr);
+    EXPECT_EQ(pRule->SrcIdx1 | pRule->SrcIdx2 | pRule->AplhaIdx | pRule->MixOp, 0);
+    EXPECT_EQ(pRule->hbmRule->nWidth, 6);
+    EXPECT_EQ(pRule->hbmRule->nHeight, 5);
+    EXPECT_EQ(BitmapPixels(pRule->hbmRule)[29], 0u);
+    const ControlRecord &weight = pRule->BlendWeight;
+    EXPECT_EQ(weight.Base.dwType, static_cast<u32>(CONTROLTYPE_INTEGER));
+    EXPECT_EQ(std::u16string_view(weight.Base.szName), u"Mixer - Blend Weighting");
+    EXPECT_EQ(weight.Base.dwSourceMask, 31u);
+    EXPECT_EQ(weight.Base.dwSource, static_cast<u32>(FLUIDSOURCE_FIXED));
+    const ControlInteger &value = weight.Integer;
+    EXPECT_EQ(value.nAbsMin | value.nDefaultMin | value.nMin, 0);
+    EXPECT_EQ(value.nAbsMax & value.nDefaultMax & value.nMax, 255);
+    EXPECT_EQ(value.nValue, 128);
+    EXPECT_EQ(value.nDefaultValue, 128);
+}
+
+TEST(PlaneMixer, RemovingARuleMovesTheLaterOnesDownWithTheirPictures)
+{
+    MixerPreset preset(Solid(2, 2, {0u}, {{0, 0, 0, 1, 10}, {0, 0, 0, 2, 20}, {0, 0, 0, 3, 30}}));
+    PresetState &state = preset.state;
+    HostBitmap *hbmThird = state.asMixRule[2].hbmRule;
+    EXPECT_EQ(RemoveMixRule(&state, 3), 0u);
+    EXPECT_EQ(RemoveMixRule(nullptr, 0), 0u);
+    EXPECT_EQ(RemoveMixRule(&state, 1), 1u);
+    EXPECT_EQ(state.nMixRules, 2u);
+    EXPECT_EQ(state.asMixRule[0].MixOp, 1);
+    EXPECT_EQ(state.asMixRule[1].MixOp, 3);
+    EXPECT_EQ(state.asMixRule[1].BlendWeight.Integer.nValue, 30);
+    EXPECT_EQ(state.asMixRule[1].hbmRule, hbmThird);
+    EXPECT_EQ(state.asMixRule[2].hbmRule, nullptr);
+    state.nMixRules = 0; // as when a plane goes: the pictures are still there, and the next rules replace them
+    EXPECT_NE(AddMixRule(&state), nullptr);
+    EXPECT_EQ(state.asMixRule[0].MixOp, 0);
+    RemoveAllMixRules(&state);
+    EXPECT_EQ(state.nMixRules, 0u);
+    EXPECT_EQ(state.asMixRule[1].hbmRule, nullptr);
+}
+
+TEST(PlaneMixer, TheOperatorTableSaysWhichSourcesAreRead)
+{
+    for (i32 nMixOp = 0; nMixOp < MIXOP_COUNT; nMixOp++) {
+        const MixOperatorInfo *pInfo = GetMixOperatorInfo(nMixOp);
+        ASSERT_NE(pInfo, nullptr);
+        EXPECT_EQ(pInfo->bSource2, oracle::ReadsSource2(nMixOp)) << nMixOp;
+        EXPECT_EQ(pInfo->bMask, oracle::ReadsMask(nMixOp)) << nMixOp;
+        EXPECT_EQ(pInfo->bWeight, nMixOp == MIXOP_BLEND) << nMixOp;
+    }
+    EXPECT_EQ(GetMixOperatorInfo(-1), nullptr);
+    EXPECT_EQ(GetMixOperatorInfo(MIXOP_COUNT), nullptr);
+}
+
+TEST(PlaneMixer, WithoutAGraphicsCardTheProcessorMixesAndSaysSo)
+{
+    SetupMixAccelerator();
+    EXPECT_EQ(bAccelEmulated != 0, szGpuDescription[0] == 0);
+    ExpectSameAsOracle(Solid(3, 3, {0x10u, 0x20u}, {{0, 1, 0, MIXOP_BLEND, 128}}), 1, 1);
+}
