@@ -17,6 +17,7 @@ std::atomic<uint32_t> nDraws;
 void ModuleGetDescription(ModuleDescription *pmd)
 {
     pmd->dwClass = MODULECLASS_DRAWING;
+    pmd->bUnavailable = 0xFFFFFFFF;
     pmd->dwCapabilities = 0xFFFFFFFF;
     std::fill(std::begin(pmd->adwReserved), std::end(pmd->adwReserved), 0xFFFFFFFF);
     std::fill(std::begin(pmd->szName), std::end(pmd->szName), u'N');
