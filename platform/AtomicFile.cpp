@@ -1,0 +1,137 @@
+// AtomicFile.cpp -- writes a file so that a failure leaves the old one whole
+#include "platform/AtomicFile.h"
+
+#include "platform/Files.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr mode_t NEW_FILE_MODE = 0666;
+constexpr mode_t PERMISSION_BITS = 0777;
+
+std::string sSaveFolder; // native path; empty: none. Set once at start
+
+std::string FolderPart(const std::string &sPath)
+{
+    const size_t iSlash = sPath.rfind('/');
+    return iSlash == std::string::npos ? "." : iSlash == 0 ? "/" : sPath.substr(0, iSlash);
+}
+
+std::string FollowLinks(const std::string &sPath)
+{
+    char *pszReal = realpath(sPath.c_str(), nullptr);
+    const std::string s = pszReal ? pszReal : sPath;
+    std::free(pszReal);
+    return s;
+}
+
+int WriteAll(int fd, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t cb = write(fd, bytes.data(), bytes.size());
+        if (cb < 0 && errno != EINTR)
+            return errno;
+        if (cb > 0)
+            bytes.remove_prefix(static_cast<size_t>(cb));
+    }
+    return 0;
+}
+
+// Some file systems cannot flush a folder; that is no failure of the save.
+int FlushFolder(const std::string &sFolder)
+{
+    const int fd = open(sFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return 0;
+    const int nError = fsync(fd) != 0 && errno == EIO ? EIO : 0;
+    close(fd);
+    return nError;
+}
+
+// A new file under a name that nobody else has; -1 with errno set on failure.
+int CreateTemporary(const std::string &sFolder, std::string *psName)
+{
+    static std::atomic<u32> nNext{0};
+    for (u32 nTry = 0; nTry < 1000; nTry++) {
+        *psName = sFolder + "/" + std::to_string(getpid()) + "-" + std::to_string(nNext++) + ".tmp";
+        const int fd = open(psName->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, NEW_FILE_MODE);
+        if (fd >= 0 || errno != EEXIST)
+            return fd;
+    }
+    return -1;
+}
+
+int WriteAndFlush(int fd, std::string_view bytes, mode_t nMode)
+{
+    if (nMode && fchmod(fd, nMode) != 0)
+        return errno;
+    const int nError = WriteAll(fd, bytes);
+    return nError ? nError : fsync(fd) == 0 ? 0 : errno;
+}
+
+// Writes the bytes in the folder and renames them over the target. Returns 0 or the error; EXDEV when the folder
+// cannot serve this target.
+int SaveThrough(const std::string &sFolder, const std::string &sTarget, std::string_view bytes, mode_t nMode)
+{
+    std::string sName;
+    const int fd = CreateTemporary(sFolder, &sName);
+    if (fd < 0)
+        return EXDEV;
+    int nError = WriteAndFlush(fd, bytes, nMode);
+    if (close(fd) != 0 && nError == 0)
+        nError = errno;
+    if (nError == 0 && rename(sName.c_str(), sTarget.c_str()) != 0)
+        nError = errno;
+    if (nError == 0)
+        return FlushFolder(FolderPart(sTarget));
+    unlink(sName.c_str());
+    return nError;
+}
+
+int SaveBeside(const std::string &sTarget, std::string_view bytes, mode_t nMode)
+{
+    std::string sFolder = FolderPart(sTarget) + "/.saving-XXXXXX";
+    if (!mkdtemp(sFolder.data()))
+        return errno;
+    const int nError = SaveThrough(sFolder, sTarget, bytes, nMode);
+    rmdir(sFolder.c_str());
+    return nError;
+}
+
+int Save(const std::string &sTarget, std::string_view bytes)
+{
+    struct stat st;
+    const bool bExists = stat(sTarget.c_str(), &st) == 0;
+    if (bExists && !S_ISREG(st.st_mode))
+        return S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
+    if (bExists && access(sTarget.c_str(), W_OK) != 0)
+        return errno;
+    const mode_t nMode = bExists ? st.st_mode & PERMISSION_BITS : 0;
+    int nError = EXDEV;
+    if (!sSaveFolder.empty() && (mkdir(sSaveFolder.c_str(), 0700) == 0 || errno == EEXIST))
+        nError = SaveThrough(sSaveFolder, sTarget, bytes, nMode);
+    return nError == EXDEV ? SaveBeside(sTarget, bytes, nMode) : nError;
+}
+
+} // namespace
+
+void SetSaveFolder(std::u16string_view folder)
+{
+    sSaveFolder = NativePath(folder);
+}
+
+u32 SaveFileAtomically(std::u16string_view path, std::string_view bytes, std::string *psWhy)
+{
+    const std::string sPath = NativePath(path);
+    const int nError = sPath.empty() ? ENOENT : Save(FollowLinks(sPath), bytes);
+    if (nError && psWhy)
+        *psWhy = "Cannot save " + sPath + ": " + std::strerror(nError) + ". The file is as it was before.";
+    return nError == 0;
+}

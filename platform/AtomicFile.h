@@ -1,0 +1,17 @@
+// AtomicFile.h -- writes a file so that a failure leaves the old one whole
+#pragma once
+
+#include "platform/BaseTypes.h"
+
+#include <string>
+#include <string_view>
+
+// The folder in which new contents are written before they are renamed over the old file: a hidden folder of the data
+// folder, made on first need. It keeps half-written files out of the folders that are watched or listed. Without one,
+// or for a target on another file system, a hidden folder beside the target serves and is removed again. [main-thread]
+void SetSaveFolder(std::u16string_view folder);
+
+// Replaces or creates the file. Non-zero only if all bytes have reached the disk under that name; otherwise the old
+// file stands as it was and *psWhy (may be null) says why in words for the user. A link is followed, the permissions of
+// the old file are kept, and a file without permission to write is left alone. [any-thread]
+u32 SaveFileAtomically(std::u16string_view path, std::string_view bytes, std::string *psWhy = nullptr);

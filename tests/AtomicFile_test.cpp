@@ -1,0 +1,167 @@
+// AtomicFile_test.cpp -- tests AtomicFile.cpp and WholeFile.cpp
+#include "platform/AtomicFile.h"
+
+#include "platform/Text.h"
+#include "platform/WholeFile.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class AtomicFile : public ::testing::TestWithParam<bool> {
+  protected:
+    fs::path folder;
+    std::string sWhy;
+
+    // With and without a folder for what is being written.
+    void SetUp() override
+    {
+        std::string s = (fs::temp_directory_path() / "vd-save-XXXXXX").string();
+        ASSERT_TRUE(mkdtemp(s.data()));
+        folder = s;
+        fs::create_directory(folder / "Presets");
+        SetSaveFolder(GetParam() ? FromUtf8(s + "/.saving") : u"");
+    }
+    void TearDown() override
+    {
+        SetSaveFolder(u"");
+        fs::remove_all(folder);
+    }
+    u32 Save(const fs::path &path, std::string_view bytes)
+    {
+        return SaveFileAtomically(FromUtf8(path.string()), bytes, &sWhy);
+    }
+    std::string Read(const fs::path &path)
+    {
+        std::string s;
+        EXPECT_TRUE(ReadWholeFile(FromUtf8(path.string()), 1u << 30, &s));
+        return s;
+    }
+    // Nothing half-written lies anywhere.
+    void ExpectOnly(std::vector<std::string> asName)
+    {
+        std::vector<std::string> asFound;
+        for (const auto &entry : fs::recursive_directory_iterator(folder))
+            if (!entry.is_directory())
+                asFound.push_back(entry.path().filename().string());
+        std::sort(asFound.begin(), asFound.end());
+        EXPECT_EQ(asFound, asName);
+        EXPECT_EQ(std::distance(fs::directory_iterator(folder / "Presets"), fs::directory_iterator()),
+                  static_cast<ptrdiff_t>(asName.size()));
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(WithAndWithoutAFolder, AtomicFile, ::testing::Bool());
+
+} // namespace
+
+TEST_P(AtomicFile, CreatesAndReplacesAndKeepsThePermissions)
+{
+    const fs::path path = folder / "Presets" / "A.VD";
+    ASSERT_TRUE(Save(path, "first, the longer one"));
+    EXPECT_EQ(fs::status(path).permissions() & fs::perms::owner_write, fs::perms::owner_write);
+    fs::permissions(path, fs::perms(0640));
+    ASSERT_TRUE(Save(path, std::string("second\0", 7)));
+    EXPECT_EQ(Read(path), std::string("second\0", 7));
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
+    ASSERT_TRUE(Save(path, ""));
+    EXPECT_EQ(Read(path), "");
+    ExpectOnly({"A.VD"});
+}
+
+TEST_P(AtomicFile, AFullDiskLeavesTheOldFileWholeAndIsReported)
+{
+    const fs::path path = folder / "Presets" / "A.VD";
+    ASSERT_TRUE(Save(path, "old"));
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small = {4096, before.rlim_max};
+    const auto pfnBefore = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    const u32 bSaved = Save(path, std::string(100000, 'x'));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, pfnBefore);
+    EXPECT_FALSE(bSaved);
+    EXPECT_NE(sWhy.find("A.VD"), std::string::npos);
+    EXPECT_EQ(Read(path), "old");
+    ExpectOnly({"A.VD"});
+}
+
+TEST_P(AtomicFile, WhatCannotBeWrittenStaysAsItIs)
+{
+    EXPECT_FALSE(Save(folder / "missing" / "A.VD", "x"));
+    EXPECT_FALSE(Save(folder / "Presets", "x"));
+    EXPECT_FALSE(SaveFileAtomically(u"", "x", &sWhy));
+    const fs::path pipe = folder / "Presets" / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(Save(pipe, "x"));
+    std::string s;
+    EXPECT_FALSE(ReadWholeFile(FromUtf8(pipe.string()), 100, &s, &sWhy));
+    EXPECT_TRUE(fs::is_fifo(pipe));
+    ExpectOnly({"pipe"});
+    if (geteuid() == 0)
+        return; // nothing is read-only for root
+    const fs::path locked = folder / "Presets" / "locked";
+    std::ofstream(locked) << "mine";
+    fs::permissions(locked, fs::perms(0444));
+    EXPECT_FALSE(Save(locked, "x"));
+    EXPECT_EQ(Read(locked), "mine");
+}
+
+TEST_P(AtomicFile, ALinkStaysALink)
+{
+    const fs::path path = folder / "Presets" / "A.VD";
+    std::ofstream(folder / "Real.VD") << "old";
+    fs::create_symlink(folder / "Real.VD", path);
+    ASSERT_TRUE(Save(path, "new"));
+    EXPECT_TRUE(fs::is_symlink(path));
+    EXPECT_EQ(Read(folder / "Real.VD"), "new");
+}
+
+TEST_P(AtomicFile, AReaderSeesOneOfTheTwoContentsAtEveryMoment)
+{
+    const fs::path path = folder / "Presets" / "A.VD";
+    const std::string as[2] = {std::string(50000, 'a'), std::string(70000, 'b')};
+    ASSERT_TRUE(Save(path, as[0]));
+    std::atomic<bool> bDone{false};
+    std::thread reader([&] {
+        while (!bDone) {
+            const std::string s = Read(path);
+            EXPECT_TRUE(s == as[0] || s == as[1]) << s.size();
+        }
+    });
+    for (int i = 0; i < 50; i++)
+        EXPECT_TRUE(Save(path, as[i % 2]));
+    bDone = true;
+    reader.join();
+    ExpectOnly({"A.VD"});
+}
+
+TEST(WholeFile, RefusesMoreThanItsCallerCanTake)
+{
+    std::string s = (fs::temp_directory_path() / "vd-whole-XXXXXX").string();
+    const int fd = mkstemp(s.data());
+    ASSERT_EQ(write(fd, "12345678", 8), 8);
+    close(fd);
+    std::string bytes, sWhy;
+    EXPECT_TRUE(ReadWholeFile(FromUtf8(s), 8, &bytes, &sWhy));
+    EXPECT_EQ(bytes, "12345678");
+    EXPECT_FALSE(ReadWholeFile(FromUtf8(s), 7, &bytes, &sWhy));
+    EXPECT_NE(sWhy, "");
+    EXPECT_EQ(bytes, "");
+    fs::remove(s);
+    sWhy.clear();
+    EXPECT_FALSE(ReadWholeFile(FromUtf8(s), 7, &bytes, &sWhy));
+    EXPECT_EQ(sWhy, "");
+}
