@@ -53,6 +53,11 @@ PictureFormat PictureFormatOf(const char16_t *pszPath)
     return PictureFormat::Refused;
 }
 
+bool CanWritePicture(PictureFormat eFormat)
+{
+    return FindWriter(eFormat) != nullptr;
+}
+
 u32 SavePicture(const HostBitmap *hbm, const char16_t *pszPath, u32 nQuality)
 {
     if (!hbm || !pszPath || !*pszPath)

@@ -1,6 +1,7 @@
 // Clock.cpp -- the millisecond tick and the performance counter, both replaceable
 #include "platform/Clock.h"
 
+#include <algorithm>
 #include <atomic>
 #include <ctime>
 
@@ -43,7 +44,8 @@ i64 PerfFrequency()
 void UseFixedClock(u64 qwTick)
 {
     qwFixedTick = qwTick;
-    nFixedCounter = 2 * NS_PER_SECOND;
+    // Never behind a counter that somebody has read before, fixed or real.
+    nFixedCounter = std::max<i64>(nFixedCounter, RealNanoseconds()) + 2 * NS_PER_SECOND;
     bFixed = true;
 }
 
