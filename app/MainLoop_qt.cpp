@@ -3,6 +3,7 @@
 
 #include "app/FramePacer.h"
 #include "app/MainLoop.h"
+#include "platform/Signals.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -10,22 +11,9 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
-#include <csignal>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 namespace {
-
-// A descriptor on which SIGINT and SIGTERM arrive as data.
-int OpenTerminationSignals()
-{
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &set, nullptr);
-    return signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
-}
 
 QHash<void *, QTimer *> &FrameTimers()
 {

@@ -8,6 +8,7 @@
 #include "modules/SoundMonitor.h"
 #include "output/VisualsWindow_qt.h"
 #include "platform/Display.h"
+#include "platform/Signals.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -62,6 +63,7 @@ int ListSound(const StartOptions &options)
 
 int RunDesktop(int argc, char **argv, const StartOptions &options)
 {
+    BlockTerminationSignals();
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     InstallFrameTimers();

@@ -11,6 +11,8 @@
 #include <QPainter>
 #include <QScreen>
 
+#include <xcb/xcb.h>
+
 namespace {
 
 constexpr int SETTLE_MS = 200; // a size must rest for so long before the buffer follows it
@@ -156,4 +158,16 @@ bool VisualsWindow::event(QEvent *pEvent)
         break;
     }
     return bHandled;
+}
+
+// A window that somebody else destroys (a window manager, a tool) is a closed one; the toolkit does not say so.
+bool VisualsWindow::nativeEvent(const QByteArray &type, void *pMessage, qintptr *)
+{
+    if (type == "xcb_generic_event_t") {
+        const auto *pDestroy = static_cast<const xcb_destroy_notify_event_t *>(pMessage);
+        const bool bDestroyed = (pDestroy->response_type & 0x7F) == XCB_DESTROY_NOTIFY;
+        if (bDestroyed && pDestroy->window == static_cast<xcb_window_t>(internalWinId()))
+            bCloseRequested = true;
+    }
+    return false;
 }

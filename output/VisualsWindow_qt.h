@@ -29,6 +29,7 @@ protected:
     void mousePressEvent(QMouseEvent *pEvent) override;
     void mouseReleaseEvent(QMouseEvent *pEvent) override;
     bool event(QEvent *pEvent) override;
+    bool nativeEvent(const QByteArray &type, void *pMessage, qintptr *pResult) override;
 
 private:
     void PaintNotices(QPainter *pPainter);
