@@ -226,6 +226,7 @@ TEST(ControlManager, EndOfBuildingTakesBackWhatAModuleMayNotLeave)
     const ControlRecord *pctlWild = slot->apControl[3];
     EXPECT_EQ(pctlWild->Base.pDependsOn, nullptr);
     EXPECT_EQ(pctlWild->Base.szDescription[CONTROL_TEXT - 1], 0);
+    EXPECT_EQ(pctlWild->Base.szName[CONTROL_TEXT - 1], 0);
     NameText szName;
     ControlDottedName(pctlWild, szName);
     EXPECT_EQ(TextLength(szName, NAME_CHARS), 259u);

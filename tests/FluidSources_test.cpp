@@ -300,6 +300,10 @@ TEST_F(FluidSources, ItemSelectsDrawAmongTheirRowsAndSurviveHavingNone)
     pctl->ItemSelect.nItems = 3;
     EvaluateControl(pctl, false);
     EXPECT_EQ(pctl->ItemSelect.nCurrentItemValue, 42u);
+    pctl->Base.dwSource = FLUIDSOURCE_FIXED;
+    EvaluateControl(pctl, true);
+    EXPECT_EQ(pctl->ItemSelect.nCurrentItemValue, 42u);
+    pctl->Base.dwSource = FLUIDSOURCE_RANDOM;
     std::set<u32> seen;
     for (int i = 0; i < 100; i++) {
         EvaluateControl(pctl, true);
@@ -308,7 +312,6 @@ TEST_F(FluidSources, ItemSelectsDrawAmongTheirRowsAndSurviveHavingNone)
     EXPECT_EQ(seen, (std::set<u32>{0, 1, 2}));
 }
 
-// Milliseconds of the first 40000 at which the value jumps, evaluated every millisecond.
 TEST_F(FluidSources, PeriodicValuesJumpWhenTheirPeriodTimesTheTimeScaleHasPassed)
 {
     for (const u32 nPeriod : {0u, 1u, 180u, 181u, 182u, 1500u})
