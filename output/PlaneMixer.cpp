@@ -1,7 +1,7 @@
 // PlaneMixer.cpp -- turns a preset's rules into programs of the mix kernels and runs them
 #include "output/PlaneMixer.h"
 
-#include "output/StretchedCopy.h"
+#include "output/Stretch.h"
 #include "output/remap.h"
 #include "platform/Assert.h"
 #include "platform/Bitmap.h"
@@ -204,12 +204,10 @@ void TilePlanes(const PresetState *lppsi, const SourceTable &table)
     if (nColumns < 1)
         return;
     const i32 nColumnWidth = hbmFinal->nWidth / nColumns;
-    const size_t nStride = static_cast<size_t>(hbmFinal->nWidth);
-    for (i32 i = 0; i < nColumns; i++) {
-        const HostBitmap *hbm = SourceAt(table, i);
-        if (hbm)
-            CopyStretched({BitmapPixels(hbmFinal) + i * nColumnWidth, nStride, nColumnWidth, hbmFinal->nHeight},
-                          {BitmapPixels(hbm), nStride, hbm->nWidth, hbm->nHeight});
+    for (i32 i = 0; i < nColumns && nColumnWidth > 0; i++) {
+        u32 *pdwColumn = BitmapPixels(hbmFinal) + i * nColumnWidth;
+        if (const HostBitmap *hbm = SourceAt(table, i))
+            StretchPicture({pdwColumn, nColumnWidth, hbmFinal->nHeight, hbmFinal->cbRow}, hbm, false);
     }
 }
 

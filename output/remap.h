@@ -3,6 +3,8 @@
 
 #include "platform/BaseTypes.h"
 
+#include <bit>
+
 constexpr u32 MIX_STEPS_MAX = 32;
 
 // What a step computes. The four that stand beside their twins are how both paths of the mixer get their results
@@ -64,16 +66,18 @@ void RunMixProgram(const MixProgram &prog);
 // Mirrors a coordinate into 0 to n - 1: the low edge without repeating its pixel, the high edge with it.
 i32 ReflectCoordinate(i32 v, i32 n);
 
-// Number of values of MixSum, and what Displace makes of them: how far (a twelfth of the sum, in pixels) and in
-// which direction (sum x 6.28 / 768 radians).
+// What Displace makes of a sum of colour bytes, 0 to 765: how far (a twelfth of it, in pixels), and in which direction
+// (in radians).
 constexpr u32 DISPLACE_LEVELS = 766;
+constexpr f32 DISPLACE_MAGNITUDE_UNIT = std::bit_cast<f32>(0x3DAAAAABu); // 1 / 12
+constexpr f32 DISPLACE_ANGLE_UNIT = std::bit_cast<f32>(0x3C05F92Du);     // 6.28 / 768
+constexpr i32 DISPLACE_WAY_MAX = 63;
 
 // Sine and cosine of the directions. Made from the double functions and rounded to single: no sine or cosine of
 // these angles lies so close to the middle between two single numbers that two sound math libraries could round it
-// differently, so the pictures are the same everywhere; those of single precision do differ.
+// differently, so the pictures are the same everywhere. Those of single precision do differ.
 struct DisplaceTables {
     f32 afSin[DISPLACE_LEVELS];
     f32 afCos[DISPLACE_LEVELS];
-    f32 afMagnitude[DISPLACE_LEVELS];
 };
 const DisplaceTables &GetDisplaceTables();

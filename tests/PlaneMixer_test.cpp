@@ -1,5 +1,6 @@
 // PlaneMixer_test.cpp -- rule lists through both paths of the mixer, the rules' own list, the tiling
 #include "controls/ControlManager.h"
+#include "tests/InstructionSets.h"
 #include "tests/MixerPreset.h"
 
 #include <algorithm>
@@ -59,9 +60,12 @@ OraclePreset Solid(i32 nWidth, i32 nHeight, std::vector<u32> planes, std::vector
     return ps;
 }
 
+class PlaneMixerOfEverySet : public InstructionSet {};
+FOR_EVERY_INSTRUCTION_SET(PlaneMixerOfEverySet);
+
 } // namespace
 
-TEST(PlaneMixer, RandomRuleListsMakeWhatTheOracleMakesOnBothPaths)
+TEST_P(PlaneMixerOfEverySet, RandomRuleListsMakeWhatTheOracleMakesOnBothPaths)
 {
     Random random(7);
     for (u32 i = 0; i < 150; i++) {
@@ -76,6 +80,19 @@ TEST(PlaneMixer, RandomRuleListsMakeWhatTheOracleMakesOnBothPaths)
                 return;
         }
     }
+}
+
+TEST(PlaneMixer, ALargeOddPictureComesOutOfAllCoresWhole)
+{
+    Random random(11);
+    const std::vector<OracleRule> rules = {{0, 1, 0, MIXOP_BLEND, 33},
+                                           {1, 0, 0, MIXOP_INVERT_X, 0},
+                                           {1, 0, 0, MIXOP_DISPLACE, 0},
+                                           {2, 3, 4, MIXOP_BLEND_ALPHA, 0},
+                                           {5, 4, 0, MIXOP_OVERWRITE_BACKGROUND, 0}};
+    const OraclePreset ps = RandomOraclePreset(random, 2, rules, 1921, 1081);
+    for (u32 bOnePass : {0u, 1u})
+        ExpectSameAsOracle(ps, bOnePass, 1);
 }
 
 TEST(PlaneMixer, ASpatialRuleSeesTheWholeResultOfTheRuleBefore)
