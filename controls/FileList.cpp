@@ -63,16 +63,17 @@ void SetFileList(ControlRecord *pctl, char16_t *pszList)
     }
 }
 
-void RefreshLineIndex(ControlFileSelect *pfs)
+u32 RefreshLineIndex(ControlFileSelect *pfs)
 {
     if (pfs->nLines != ALL_ONES)
-        return;
+        return 0;
     std::free(pfs->pLineOffsets);
     pfs->pLineOffsets = nullptr;
     pfs->nLines = 0;
     if (pfs->pszFileList)
         BuildLineIndex(pfs);
     bPresetChanged = 1;
+    return 1;
 }
 
 void TakeNextFile(ControlFileSelect *pfs)
@@ -80,6 +81,13 @@ void TakeNextFile(ControlFileSelect *pfs)
     if (pfs->nLines == 0 || !pfs->pszFileList || !pfs->pLineOffsets)
         return;
     pfs->nCurrentLine = (pfs->bShuffle ? RandomWord() : pfs->nCurrentLine + 1) % pfs->nLines;
+    TakeCurrentFile(pfs);
+}
+
+void TakeCurrentFile(ControlFileSelect *pfs)
+{
+    if (pfs->nCurrentLine >= pfs->nLines || !pfs->pszFileList || !pfs->pLineOffsets)
+        return;
     const std::u16string_view rest(pfs->pszFileList + pfs->pLineOffsets[pfs->nCurrentLine]);
     CopyText(pfs->szCurrentFile, rest.substr(0, rest.find_first_of(LINE_BREAKS)));
     FindDataFile(pfs->szCurrentFile);

@@ -9,9 +9,12 @@ void FreeFileList(ControlFileSelect *pfs);
 
 // Counts the lines again if nLines is all ones, and marks the preset changed when it did. Runs of CR and LF count as
 // one break; breaks before the first line count as none, so that every entry of the index names a line with text.
-// Allocates. [plane-thread, main-thread]
-void RefreshLineIndex(ControlFileSelect *pfs);
+// Allocates. Non-zero if it did. [plane-thread, main-thread]
+u32 RefreshLineIndex(ControlFileSelect *pfs);
 
-// Moves to the next line, or to a random one under shuffle, and puts its file into szCurrentFile: the full path where
-// the data folders have it, else the text of the line. Without a list nothing changes. [plane-thread, main-thread]
+// Moves to the next line, or to a random one under shuffle, and takes its file. Without a list nothing changes.
+// [plane-thread, main-thread]
 void TakeNextFile(ControlFileSelect *pfs);
+// Puts the file of the current line into szCurrentFile: the full path where the data folders have it, else the text
+// of the line. Needed only when the line or the list has changed: the search goes to the disk.
+void TakeCurrentFile(ControlFileSelect *pfs);

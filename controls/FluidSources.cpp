@@ -203,9 +203,11 @@ void EvaluateItemSelect(ControlRecord *pctl, const Evaluation &now)
 
 void EvaluateFileSelect(ControlRecord *pctl, const Evaluation &now)
 {
-    RefreshLineIndex(&pctl->FileSelect);
+    const u32 bNewList = RefreshLineIndex(&pctl->FileSelect);
     if (now.bReset)
         TakeNextFile(&pctl->FileSelect);
+    else if (bNewList)
+        TakeCurrentFile(&pctl->FileSelect);
 }
 
 void EvaluateNothing(ControlRecord *, const Evaluation &)

@@ -443,7 +443,8 @@ TEST_F(FluidSources, FileListsAreWalkedLineByLineHoweverTheyAreBroken)
         const std::vector<std::u16string> lines = LinesOracle(text);
         EvaluateControl(pctl, false);
         EXPECT_EQ(pctl->FileSelect.nLines, lines.size());
-        EXPECT_EQ(pctl->FileSelect.szCurrentFile[0], 0);
+        EXPECT_EQ(std::u16string(pctl->FileSelect.szCurrentFile), lines.empty() ? u"" : lines[0])
+            << "a new list shows its first file before any reset";
         for (size_t i = 1; i < 2 * lines.size() + 1; i++) {
             EvaluateControl(pctl, true);
             ASSERT_EQ(std::u16string(pctl->FileSelect.szCurrentFile), lines[i % lines.size()]);
