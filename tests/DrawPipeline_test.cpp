@@ -4,7 +4,7 @@
 namespace {
 
 class DrawPipeline : public EngineTest {
-protected:
+  protected:
     // The calls of the last frames as they came, as instance numbers of what was drawn or resolved.
     static std::vector<void *> DrawOrder(const std::vector<RecorderEntry> &log)
     {

@@ -26,7 +26,7 @@
 #include <vector>
 
 class EngineTest : public testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         UseFixedClock(1000);
@@ -61,7 +61,10 @@ protected:
     {
         return FindEntryPointAs<Fn>(FindModuleRecord(pszDll)->mf.pLibrary, pszName);
     }
-    static RecorderTakeFn Take(const char16_t *pszDll) { return Export<RecorderTakeFn>(pszDll, u"RecorderTake"); }
+    static RecorderTakeFn Take(const char16_t *pszDll)
+    {
+        return Export<RecorderTakeFn>(pszDll, u"RecorderTake");
+    }
     static RecorderShareOrderFn Share(const char16_t *pszDll)
     {
         return Export<RecorderShareOrderFn>(pszDll, u"RecorderShareOrder");
@@ -69,8 +72,8 @@ protected:
     // For one instance, or for all those of Recorder.dll that are built from now on.
     static void Behave(ModuleSlot *pms, const RecorderBehaviour &rb)
     {
-        Export<RecorderSetBehaviourFn>(pms ? pms->pszDll : u"Recorder.dll", u"RecorderSetBehaviour")(
-            pms ? pms->pvContext : nullptr, &rb);
+        Export<RecorderSetBehaviourFn>(pms ? pms->pszDll : u"Recorder.dll",
+                                       u"RecorderSetBehaviour")(pms ? pms->pvContext : nullptr, &rb);
     }
 
     // Everything that happened to the recorders since the last call, in order.

@@ -10,7 +10,7 @@
 namespace {
 
 class FrameStep : public EngineTest {
-protected:
+  protected:
     // A monitor that gives what the test says.
     static inline f32 fTestLevel = 0;
     static inline u32 bTestHasLevel = 1;
@@ -160,8 +160,9 @@ TEST_F(FrameStep, ASeededRunIsTheSameInBothThreadModes)
             TakeLog();
             Step();
             std::vector<RecorderEntry> log = TakeLog();
-            std::sort(log.begin(), log.end(),
-                      [](auto &a, auto &b) { return std::pair(a.nInstance, a.qwOrder) < std::pair(b.nInstance, b.qwOrder); });
+            std::sort(log.begin(), log.end(), [](auto &a, auto &b) {
+                return std::pair(a.nInstance, a.qwOrder) < std::pair(b.nInstance, b.qwOrder);
+            });
             for (const RecorderEntry &entry : log)
                 aqw.push_back(entry.qwSeed);
         }

@@ -25,7 +25,8 @@ std::string Formatted(const char *pszField, u32 n)
 
 TEST(NumberPattern, HonoursOneIntegerFieldTheWayTheCLibraryDoes)
 {
-    for (const char *pszField : {"%d", "%i", "%u", "%04d", "%4d", "%-4d", "%+d", "% d", "%+05d", "%-05d", "%12u", "%00d"})
+    for (const char *pszField :
+         {"%d", "%i", "%u", "%04d", "%4d", "%-4d", "%+d", "% d", "%+05d", "%-05d", "%12u", "%00d"})
         for (u32 n : {0u, 7u, 12345u, 2147483647u}) {
             NumberPattern np;
             const std::u16string text = u"a" + FromUtf8(pszField) + u"z.png";
@@ -54,7 +55,8 @@ TEST(Stretch, TakesTheNearestPixelBeforeAtAnySizeAndTurnsThePicture)
     HostBitmap *hbm = CreateBitmap(37, 23);
     for (u32 i = 0; i < 37 * 23; i++)
         BitmapPixels(hbm)[i] = i * 2654435761u;
-    for (const auto &[nWidth, nHeight] : std::vector<std::pair<i32, i32>>{{37, 23}, {1, 1}, {36, 24}, {111, 46}, {500, 7}})
+    for (const auto &[nWidth, nHeight] :
+         std::vector<std::pair<i32, i32>>{{37, 23}, {1, 1}, {36, 24}, {111, 46}, {500, 7}})
         for (bool bFlip : {false, true}) {
             const u64 cbRow = static_cast<u64>(nWidth) * 4 + 12;
             std::vector<u8> bits(cbRow * static_cast<u64>(nHeight), 0xEE);

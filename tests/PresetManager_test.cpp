@@ -140,7 +140,7 @@ TEST_F(PresetManager, OnlySlotsOfOneOwnerChangePlaces)
 
 // The window asks for another size; the preset follows.
 class PresetResize : public EngineTest {
-protected:
+  protected:
     void ResizeTo(i32 nWidth, i32 nHeight)
     {
         GlobalSettings.bVisualsWindow = 1;
@@ -221,7 +221,7 @@ BufferSize SlowFit(i64 nW, i64 nH, i64 nScale, i64 nCap)
 }
 
 class BufferSizes : public EngineTest {
-protected:
+  protected:
     void SetWindow(i32 nWidth, i32 nHeight)
     {
         GlobalSettings.bVisualsWindow = 1;

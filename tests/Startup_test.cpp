@@ -19,7 +19,7 @@ namespace {
 
 // A runtime folder of its own keeps the lock file of the test apart; the block's name stays the user's.
 class SharedStatus : public testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         char szFolder[] = "/tmp/vd-startup-XXXXXX";
@@ -27,9 +27,15 @@ protected:
         sFolder = szFolder;
         setenv("XDG_RUNTIME_DIR", szFolder, 1);
     }
-    void TearDown() override { rmdir(sFolder.c_str()); }
+    void TearDown() override
+    {
+        rmdir(sFolder.c_str());
+    }
 
-    static const u8 *Bytes() { return static_cast<const u8 *>(GlobalSettings.pSharedStatus); }
+    static const u8 *Bytes()
+    {
+        return static_cast<const u8 *>(GlobalSettings.pSharedStatus);
+    }
     static u32 Word(size_t cbOffset)
     {
         u32 dw;
@@ -53,7 +59,8 @@ TEST_F(SharedStatus, ANewBlockHoldsItsSizeVersionAndMarkAndZeroOtherwise)
 {
     ASSERT_NE(0u, OpenSharedStatus());
     std::set<size_t> used;
-    for (const auto &[cbOffset, dwValue] : std::vector<std::pair<size_t, u32>>{{0, 5922}, {4, 14}, {28, 1}, {640, 0x4F07D0}}) {
+    for (const auto &[cbOffset, dwValue] :
+         std::vector<std::pair<size_t, u32>>{{0, 5922}, {4, 14}, {28, 1}, {640, 0x4F07D0}}) {
         EXPECT_EQ(dwValue, Word(cbOffset));
         for (size_t i = 0; i < 4; i++)
             used.insert(cbOffset + i);
@@ -98,7 +105,7 @@ void *Window(u64 n)
 }
 
 class DialogFrames : public testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         GlobalSettings = {};
@@ -147,7 +154,8 @@ TEST_F(DialogFrames, AMenuOrASizeLoopKeepsFramesRunningWhileItLasts)
 
 TEST_F(DialogFrames, ThePeriodFollowsTheTargetWithinTenToAHundredMilliseconds)
 {
-    for (const auto &[nTarget, nPeriod] : std::vector<std::pair<i32, u32>>{{20, 50}, {60, 16}, {480, 10}, {5, 100}, {0, 100}}) {
+    for (const auto &[nTarget, nPeriod] :
+         std::vector<std::pair<i32, u32>>{{20, 50}, {60, 16}, {480, 10}, {5, 100}, {0, 100}}) {
         GlobalSettings.FPSTarget = nTarget;
         EXPECT_EQ(nPeriod, FrameTimerPeriodMs()) << nTarget;
     }
@@ -168,9 +176,21 @@ TEST(Startup, StepsRunInOrderUpToTheFirstThatFails)
     static std::string sRun;
     sRun.clear();
     constexpr Step asStep[] = {
-        {"one", [] { sRun += "1"; return 1u; }},
-        {"two", [] { sRun += "2"; return 0u; }},
-        {"three", [] { sRun += "3"; return 1u; }},
+        {"one",
+         [] {
+             sRun += "1";
+             return 1u;
+         }},
+        {"two",
+         [] {
+             sRun += "2";
+             return 0u;
+         }},
+        {"three",
+         [] {
+             sRun += "3";
+             return 1u;
+         }},
     };
     EXPECT_STREQ("two", RunSteps(asStep));
     EXPECT_EQ("12", sRun);

@@ -1,0 +1,207 @@
+// Render_test.cpp -- runs vorticade-render the way a user does
+#include "platform/BaseTypes.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct RunResult {
+    int nExit;
+    std::string sOut; // standard output
+    std::string sErr;
+};
+
+std::string ReadAll(const fs::path &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::stringstream s;
+    s << file.rdbuf();
+    return s.str();
+}
+
+class Render : public testing::Test {
+  protected:
+    void SetUp() override
+    {
+        char szFolder[] = "/tmp/vd-render-XXXXXX";
+        ASSERT_NE(nullptr, mkdtemp(szFolder));
+        folder = szFolder;
+    }
+    void TearDown() override
+    {
+        fs::remove_all(folder);
+    }
+
+    // Runs the program with the stock data and modules.
+    RunResult Run(const std::string &sArguments) const
+    {
+        return RunBare("--data " SOURCE_FOLDER "/data --modules " STOCK_MODULE_FOLDER " " + sArguments);
+    }
+    RunResult RunBare(const std::string &sArguments, const char *pszOutput = nullptr) const
+    {
+        const fs::path out = folder / "stdout", err = folder / "stderr";
+        const std::string sCommand = "cd " + folder.string() + " && " PROGRAM_FOLDER "/vorticade-render " + sArguments +
+                                     " >" + (pszOutput ? pszOutput : out.string()) + " 2>" + err.string() +
+                                     " </dev/null";
+        const int nStatus = std::system(sCommand.c_str());
+        RunResult result = {WEXITSTATUS(nStatus), ReadAll(out), ReadAll(err)};
+        fs::remove(out);
+        fs::remove(err);
+        return result;
+    }
+    std::vector<std::string> Files() const
+    {
+        std::vector<std::string> names;
+        for (const auto &entry : fs::recursive_directory_iterator(folder))
+            names.push_back(fs::relative(entry.path(), folder).string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+    static long Lines(const std::string &s)
+    {
+        return std::count(s.begin(), s.end(), '\n');
+    }
+
+    fs::path folder;
+};
+
+TEST_F(Render, TheSameCallGivesTheSameBytesInBothThreadModesAndBothMixers)
+{
+    const std::string sCommon = "default --frames 12 --warmup 3 --size 333x217 --out - ";
+    const RunResult first = Run(sCommon);
+    ASSERT_EQ(0, first.nExit) << first.sErr;
+    ASSERT_EQ(12u * 333 * 217 * 4, first.sOut.size());
+    EXPECT_EQ("", first.sErr);
+    for (const char *pszVariant : {"", "--threads 0", "--mix onepass", "--seed 1"})
+        EXPECT_TRUE(first.sOut == Run(sCommon + pszVariant).sOut) << pszVariant;
+    EXPECT_FALSE(first.sOut == Run(sCommon + "--seed 2").sOut);
+    EXPECT_FALSE(first.sOut == Run(sCommon + "--fps 30").sOut);
+}
+
+TEST_F(Render, FilesAreNumberedFromOneAndHoldTheRawFrames)
+{
+    const RunResult raw = Run("default --frames 2 --warmup 30 --size 200x150 --out -");
+    const RunResult files = Run("default --frames 2 --warmup 30 --size 200x150 --out f-%03d.ppm");
+    ASSERT_EQ(0, files.nExit) << files.sErr;
+    EXPECT_EQ((std::vector<std::string>{"f-001.ppm", "f-002.ppm"}), Files());
+    const std::string sPpm = ReadAll(folder / "f-002.ppm");
+    const std::string sHead = "P6\n200 150\n255\n";
+    ASSERT_EQ(sHead.size() + 200 * 150 * 3, sPpm.size());
+    EXPECT_EQ(sHead, sPpm.substr(0, sHead.size()));
+    // The raw frame has its top row first, the PPM its bottom row.
+    for (size_t y = 0; y < 150; y++)
+        for (size_t x = 0; x < 200; x++)
+            for (size_t c = 0; c < 3; c++)
+                ASSERT_EQ(raw.sOut[200 * 150 * 4 + ((149 - y) * 200 + x) * 4 + 2 - c],
+                          sPpm[sHead.size() + (y * 200 + x) * 3 + c]);
+}
+
+TEST_F(Render, ThePictureMovesAndIsNotBlack)
+{
+    const RunResult result = Run("default --frames 60 --warmup 60 --size 320x180 --out -");
+    ASSERT_EQ(0, result.nExit) << result.sErr;
+    const size_t cbFrame = 320 * 180 * 4;
+    size_t nLit = 0, nMoved = 0;
+    for (size_t i = 0; i < cbFrame; i += 4) {
+        nLit += (static_cast<u8>(result.sOut[i]) | static_cast<u8>(result.sOut[i + 1]) |
+                 static_cast<u8>(result.sOut[i + 2])) > 32;
+        nMoved += result.sOut.compare(i, 3, result.sOut, 59 * cbFrame + i, 3) != 0;
+    }
+    EXPECT_GT(nLit, 320u * 180 / 50);
+    EXPECT_GT(nMoved, 320u * 180 / 50);
+}
+
+TEST_F(Render, AWrongCommandLineEndsWithTwoAndOneLine)
+{
+    for (const char *pszArguments : {"--bogus",
+                                     "default --frames 0",
+                                     "default --frames 1x",
+                                     "default --frames",
+                                     "default --size 127x128",
+                                     "default --size 128x8193",
+                                     "default --size 640",
+                                     "default --fps 0",
+                                     "default --fps nan",
+                                     "default --mix both",
+                                     "default --threads 2",
+                                     "default --seed -1",
+                                     "default --out f.png",
+                                     "default --out f-%d-%d.png",
+                                     "default --out f-%s.png",
+                                     "default --out f-%d",
+                                     "default --out f-%d.xyz",
+                                     "default --stats=1",
+                                     "default extra",
+                                     "",
+                                     "--data /no/such/folder default",
+                                     "--modules /dev/null default"}) {
+        const RunResult result = RunBare(pszArguments);
+        EXPECT_EQ(2, result.nExit) << pszArguments;
+        EXPECT_EQ(1, Lines(result.sErr)) << pszArguments << "\n" << result.sErr;
+        EXPECT_EQ("", result.sOut) << pszArguments;
+    }
+    EXPECT_TRUE(Files().empty());
+}
+
+TEST_F(Render, WhatCannotBeDoneEndsWithOneAndOneLineAndLeavesNothing)
+{
+    fs::create_directory(folder / "taken-1.png");
+    for (const char *pszArguments : {"default --frames 2 --size 128x128 --out none/f-%d.png",
+                                     "default --frames 1 --size 128x128 --out taken-%d.png", "NoSuch.VD --frames 1"}) {
+        const RunResult result = Run(pszArguments);
+        EXPECT_EQ(1, result.nExit) << pszArguments;
+        EXPECT_EQ(1, Lines(result.sErr)) << pszArguments << "\n" << result.sErr;
+    }
+    EXPECT_EQ(std::vector<std::string>{"taken-1.png"}, Files());
+    const RunResult full =
+        RunBare("--modules " STOCK_MODULE_FOLDER " default --frames 1 --size 128x128 --out -", "/dev/full");
+    EXPECT_EQ(1, full.nExit);
+    EXPECT_EQ(1, Lines(full.sErr)) << full.sErr;
+}
+
+TEST_F(Render, AnEmptyModuleFolderIsToldAndGivesBlackFrames)
+{
+    fs::create_directory(folder / "empty");
+    const RunResult result =
+        RunBare("--data " SOURCE_FOLDER "/data --modules empty default --frames 1 --size 128x128 --out -");
+    EXPECT_EQ(0, result.nExit);
+    EXPECT_NE(std::string::npos, result.sErr.find("no module")) << result.sErr;
+    EXPECT_EQ(std::string(128 * 128 * 4, '\0'), result.sOut);
+}
+
+TEST_F(Render, HelpAndVersionGoToStandardOutput)
+{
+    const RunResult help = RunBare("--help");
+    EXPECT_EQ(0, help.nExit);
+    for (const char *pszOption : {"--frames", "--size", "--fps", "--out", "--warmup", "--seed", "--sound", "--mix",
+                                  "--threads", "--data", "--modules", "--save", "--list", "--json", "--stats"})
+        EXPECT_NE(std::string::npos, help.sOut.find(pszOption)) << pszOption;
+    EXPECT_EQ(0, RunBare("--version").nExit);
+    const RunResult stats = Run("default --frames 3 --size 128x128 --out - --stats");
+    for (const char *pszStage : {"draw", "mix", "post", "write"})
+        EXPECT_NE(std::string::npos, stats.sErr.find(pszStage)) << pszStage;
+}
+
+TEST_F(Render, ListsThePresetsOfAFolderByName)
+{
+    fs::create_directory(folder / "p");
+    for (const char *pszName : {"b.VD", "a \"q\".vd", "c.txt"})
+        std::ofstream(folder / "p" / pszName) << "x";
+    const RunResult plain = RunBare("--list p");
+    EXPECT_EQ("a \"q\".vd\nb.VD\n", plain.sOut);
+    EXPECT_EQ("[\n  {\"name\": \"a \\\"q\\\".vd\"},\n  {\"name\": \"b.VD\"}\n]\n", RunBare("--list p --json").sOut);
+    EXPECT_EQ(1, RunBare("--list nowhere").nExit);
+}
+
+} // namespace
