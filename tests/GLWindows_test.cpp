@@ -322,6 +322,8 @@ TEST(OpenGLTest, AMachineWithoutADriverIsSilentlyWithoutOpenGL)
 TEST(OpenGLTest, ADriverThatCannotOpenADisplayIsSilentlyPassedOver)
 {
     const Variable drivers("LIBGL_DRIVERS_PATH", "/nonexistent");
+    const Variable software("LIBGL_ALWAYS_SOFTWARE", "true");
+    const Variable renderer("GALLIUM_DRIVER", "none");
     const Variable display("DISPLAY", "");
     const Variable wayland("WAYLAND_DISPLAY", "");
     const Variable vendors("__EGL_VENDOR_LIBRARY_FILENAMES", "/usr/share/glvnd/egl_vendor.d/50_mesa.json");
