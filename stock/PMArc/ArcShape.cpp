@@ -87,7 +87,7 @@ static StrokePoint PointOfRing(const RingFrame &frame, const ArcLook &look, floa
     point.x = frame.xMiddle + frame.fRadius * fNear * (c * frame.afX[0] + s * frame.afY[0]);
     point.y = frame.yMiddle + frame.fRadius * fNear * (c * frame.afX[1] + s * frame.afY[1]);
     point.fRadius = fThickness * fNear;
-    point.fPlace = 0.3f + 0.7f * FoldUnit(0.5f * frame.fPlace + 0.2f * look.fSpread * fDepth);
+    point.fPlace = 0.28f + 0.66f * FoldUnit(0.5f * frame.fPlace + 0.2f * look.fSpread * fDepth);
     point.fWeight = frame.fWeight * (0.72f + 0.28f * fDepth);
     return point;
 }
@@ -142,8 +142,9 @@ static int32_t StepsOfFrame(const ArcLook &look, float fSeconds)
 void DrawArcs(const Canvas &canvas, const Paint &paint, const ArcLook &look, ArcMotion *pMotion, float fSeconds)
 {
     const int32_t nSteps = StepsOfFrame(look, fSeconds);
+    const Paint layer = {paint.dwMode, paint.fLayers / (float)nSteps};
     for (int32_t i = 0; i < nSteps; i++) {
         MoveArcs(pMotion, look, fSeconds / (float)nSteps);
-        DrawRings(canvas, paint, look, *pMotion);
+        DrawRings(canvas, layer, look, *pMotion);
     }
 }

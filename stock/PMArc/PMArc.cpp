@@ -132,7 +132,7 @@ MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
         return 0;
     const float fSeconds = StepSeconds(&pArcs->clock, ppi);
     EaseLook(&pArcs->look, ReadLook(pArcs), fSeconds);
-    const Paint paint = {ReadItem(pArcs->apControl[CONTROL_PAINT]), 1};
+    const Paint paint = MakePaint(ppi, ReadItem(pArcs->apControl[CONTROL_PAINT]), fSeconds);
     DrawArcs(canvas, paint, pArcs->look, &pArcs->motion, fSeconds);
     return 0;
 }

@@ -76,11 +76,22 @@ template <typename Pixel> static inline void StoreCell(Pixel *pTo, const Pixel *
         memcpy(pTo, pFrom, (size_t)nLeft * sizeof(Pixel));
 }
 
+// The rounding pattern is the sequence of the plastic number in two dimensions, in 1/256; its steps:
+#define PATTERN_X 193
+#define PATTERN_Y 146
+#define PATTERN_FRAME 159
+
 // ---- Indexed planes
 
 static int32_t FractionBits(const Canvas &canvas)
 {
     return canvas.nColors <= 256 ? 8 : 5;
+}
+
+// What a fraction is rounded by: a fine pattern, not the nearest, so that slopes show no steps.
+static inline uint32_t PatternAt(int32_t x, int32_t y, int32_t nBits)
+{
+    return (uint8_t)(x * PATTERN_X + y * PATTERN_Y) >> (8 - nBits);
 }
 
 // Takes over what the modules before have drawn. A pixel that shows what the last carry left keeps its fraction.
@@ -93,7 +104,8 @@ static void TakeIndices(const Canvas &canvas, const CarryBuffers &buffers, int32
         uint16_t *pOld = pRow + buffers.nMargin;
         for (int32_t x = 0; x < canvas.nWidth; x++) {
             const uint32_t dwNew = pdwPlane[x] < dwTop ? pdwPlane[x] : dwTop;
-            pOld[x] = (uint16_t)(pOld[x] >> nBits == (int32_t)dwNew ? pOld[x] : dwNew << nBits);
+            const uint32_t dwShown = (pOld[x] + PatternAt(x, y, nBits)) >> nBits;
+            pOld[x] = (uint16_t)(dwShown == dwNew ? pOld[x] : dwNew << nBits);
         }
         FillRowEnds(pRow, canvas.nWidth, buffers.nMargin, dwEdges);
     }
@@ -136,11 +148,12 @@ static inline void MixIndices(const IndexCell &cell, float fKeep, float fLess, u
     }
 }
 
-static inline void SplitIndices(const uint32_t *pdwMixed, int32_t nBits, uint16_t *pwKept, uint32_t *pdwShown)
+static inline void SplitIndices(const uint32_t *pdwMixed, int32_t x, int32_t y, int32_t nBits, uint16_t *pwKept,
+                                uint32_t *pdwShown)
 {
     for (int32_t i = 0; i < WIND_CELL; i++) {
         pwKept[i] = (uint16_t)pdwMixed[i];
-        pdwShown[i] = pdwMixed[i] >> nBits;
+        pdwShown[i] = (pdwMixed[i] + PatternAt(x + i, y, nBits)) >> nBits;
     }
 }
 
@@ -164,7 +177,7 @@ void CarryIndices(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade 
             LoadIndices(pBuffers->pIndices[0], pBuffers->nStride, PathOfCell(row, x >> WIND_CELL_BITS, y, nMargin),
                         &cell);
             MixIndices(cell, fade.fKeep, fLess, adwMixed);
-            SplitIndices(adwMixed, nBits, awKept, adwShown);
+            SplitIndices(adwMixed, x, y, nBits, awKept, adwShown);
             StoreCell(pKept + x, awKept, canvas.nWidth - x);
             StoreCell(pdwPlane + x, adwShown, canvas.nWidth - x);
         }
@@ -255,11 +268,6 @@ static void TakeColors(const Canvas &canvas, const CarryBuffers &buffers, uint32
     }
     FillMarginRows(buffers.pColors, buffers, dwEdges);
 }
-
-// The rounding pattern is the sequence of the plastic number in two dimensions, in 1/256; its steps:
-#define PATTERN_X 193
-#define PATTERN_Y 146
-#define PATTERN_FRAME 159
 
 void CarryColors(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade &fade, uint32_t dwEdges, uint32_t nFrame)
 {

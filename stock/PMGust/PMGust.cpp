@@ -46,7 +46,7 @@ static void AddControls(Gust *pGust, const ControlMaker &maker)
     ap[CONTROL_SWIRL] = AddFloat(maker, u"Vortex\0Swirl\0", u"Rotation around the middle; below 0 clockwise", {-1, 1},
                                  {-0.4f, 0.4f}, 0.2f, FromWave(41000));
     ap[CONTROL_OUTFLOW] = AddFloat(maker, u"Vortex\0Outflow\0", u"Flow away from the middle; below 0 towards it",
-                                   {-1, 1}, {-0.1f, 0.5f}, 0.25f, FromWave(29000));
+                                   {-1, 1}, {0.02f, 0.5f}, 0.25f, FromWave(29000));
     ap[CONTROL_WANDER] = AddFloat(maker, u"Vortex\0Wander\0", u"How far the middle strays from that of the picture",
                                   {0, 1}, {0, 0.4f}, 0.2f, FromRandom());
     ap[CONTROL_EDDIES] =

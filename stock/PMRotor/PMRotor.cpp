@@ -45,7 +45,7 @@ static void AddShapeControls(Rotor *pRotor, const ControlMaker &maker)
     ap[CONTROL_JOINTS] = AddInteger(maker, u"Shape\0Joints\0", u"How many arms stand on each other's ends",
                                     {1, ROTOR_JOINTS_MOST}, {2, 4}, 3, FromRandom());
     ap[CONTROL_REACH] = AddFloat(maker, u"Shape\0Reach\0", u"Length of the outstretched arm, 1 for half the picture",
-                                 {0.05f, 1.5f}, {0.45f, 1}, 0.8f, FromWave(21000));
+                                 {0.05f, 2}, {0.6f, 1.3f}, 0.9f, FromWave(21000));
 }
 
 static void AddMotionControls(Rotor *pRotor, const ControlMaker &maker)
@@ -135,7 +135,7 @@ MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
         return 0;
     const float fSeconds = StepSeconds(&pRotor->clock, ppi);
     EaseLook(&pRotor->look, ReadLook(pRotor), fSeconds);
-    const Paint paint = {ReadItem(pRotor->apControl[CONTROL_PAINT]), 1};
+    const Paint paint = MakePaint(ppi, ReadItem(pRotor->apControl[CONTROL_PAINT]), fSeconds);
     DrawRotor(canvas, paint, pRotor->look, &pRotor->motion, fSeconds);
     return 0;
 }

@@ -2,7 +2,8 @@
 #include "RotorShape.h"
 
 #define ROTOR_ARM_POINTS 25 // along one arm, a curve through its joints
-#define ROTOR_STEPS_MOST 6  // drawings in one frame
+#define ROTOR_STEPS_MOST 5  // drawings in one frame
+#define ROTOR_TRACE 5       // poses from one drawing to the next, through which the tip leaves its trace
 
 void SeedRotor(RotorMotion *pMotion, StockRandom *pRandom)
 {
@@ -61,12 +62,18 @@ static void PlaceJoints(const RotorMotion &motion, const RotorLook &look, Joint 
         afLength[i] = motion.afLength[i] * std::clamp(look.fJoints - (float)i, 0.0f, 1.0f);
         fSum += afLength[i];
     }
+    float fExtent = 0;
     pJoint[0] = {0, 0};
     for (int32_t i = 0; i < ROTOR_JOINTS_MOST; i++) {
         const float fLength = afLength[i] / std::max(fSum, 0.001f);
         pJoint[i + 1] = {pJoint[i].x + fLength * CosineTurn(motion.afPhase[i]),
                          pJoint[i].y + fLength * SineTurn(motion.afPhase[i])};
+        fExtent = std::max(fExtent, std::hypot(pJoint[i + 1].x, pJoint[i + 1].y));
     }
+    // A folded arm would leave nothing but a knot in the middle: it grows as it folds.
+    const float fGrow = 1 / (0.35f + 0.65f * fExtent);
+    for (int32_t i = 1; i <= ROTOR_JOINTS_MOST; i++)
+        pJoint[i] = {pJoint[i].x * fGrow, pJoint[i].y * fGrow};
 }
 
 // The arm as a quadratic spline: starts at the root, ends at the tip, and leans towards the joints between.
@@ -82,65 +89,81 @@ static Joint PointOfArm(const Joint *pJoint, float fAlong)
     return {Spline(a.x, b.x, c.x), Spline(a.y, b.y, c.y)};
 }
 
-struct Placement {
-    float x, y;         // pixels
-    float xTurn, yTurn; // cosine and sine, times the reach in pixels
-    float fFlip;        // -1 for a mirror image
+// The figure at one moment.
+struct Pose {
+    Joint aJoint[ROTOR_JOINTS_MOST + 1];
+    float fSpin;        // turns
+    float xMiddle, yMiddle; // pixels
+};
+
+static Pose TakePose(const Canvas &canvas, const RotorLook &look, const RotorMotion &motion)
+{
+    Pose pose = {};
+    PlaceJoints(motion, look, pose.aJoint);
+    pose.fSpin = motion.fSpinPhase;
+    const float xDrift = 0.7f * SineTurn(motion.afDrift[0]) + 0.3f * SineTurn(motion.afDrift[1]);
+    const float yDrift = 0.7f * SineTurn(motion.afDrift[2]) + 0.3f * SineTurn(motion.afDrift[3]);
+    pose.xMiddle = 0.5f * (float)canvas.nWidth * (1 + look.fDrift * xDrift);
+    pose.yMiddle = 0.5f * (float)canvas.nHeight * (1 + look.fDrift * yDrift);
+    return pose;
+}
+
+// One of the symmetric copies.
+struct Copy {
+    float fTurn;   // against the first one
+    float fFlip;   // -1 for a mirror image
     float fWeight;
     float fPlaceShift;
 };
 
-static StrokePoint PlacePoint(const Placement &place, const Joint &joint)
+// A joint of the pose as a point of the copy, with the pen at this place along the arm (0 root, 1 tip).
+static StrokePoint PenAt(const Canvas &canvas, const RotorLook &look, const Pose &pose, const Copy &copy,
+                         const Joint &joint, float fAlong)
 {
-    const float y = joint.y * place.fFlip;
+    const float fSide = (float)std::min(canvas.nWidth, canvas.nHeight), fReach = 0.5f * fSide * look.fReach;
+    const float c = fReach * CosineTurn(pose.fSpin + copy.fTurn), s = fReach * SineTurn(pose.fSpin + copy.fTurn);
+    const float y = joint.y * copy.fFlip;
     StrokePoint point = {};
-    point.x = place.x + joint.x * place.xTurn - y * place.yTurn;
-    point.y = place.y + joint.x * place.yTurn + y * place.xTurn;
+    point.x = pose.xMiddle + joint.x * c - y * s;
+    point.y = pose.yMiddle + joint.x * s + y * c;
+    point.fRadius = look.fThickness * fSide * (1 - look.fTaper * (fAlong - 0.5f) * 1.6f);
+    point.fPlace = 0.28f + 0.66f * FoldUnit(0.5f * (look.fPlace + look.fSpread * fAlong) + copy.fPlaceShift);
+    point.fWeight = copy.fWeight;
     return point;
 }
 
-static void DrawArm(const Canvas &canvas, const Paint &paint, const RotorLook &look, const Joint *pJoint,
-                    const Placement &place)
+static void DrawArm(const Canvas &canvas, const Paint &paint, const RotorLook &look, const Pose &pose,
+                    const Copy &copy)
 {
     StrokePoint aPoint[ROTOR_ARM_POINTS];
-    const float fThickness = look.fThickness * (float)std::min(canvas.nWidth, canvas.nHeight);
     for (int32_t i = 0; i < ROTOR_ARM_POINTS; i++) {
         const float fAlong = (float)i / (ROTOR_ARM_POINTS - 1);
-        StrokePoint &point = aPoint[i];
-        point = PlacePoint(place, PointOfArm(pJoint, fAlong));
-        point.fRadius = fThickness * (1 - look.fTaper * (fAlong - 0.5f) * 1.6f);
-        point.fPlace = 0.3f + 0.7f * FoldUnit(0.5f * (look.fPlace + look.fSpread * fAlong) + place.fPlaceShift);
-        // Past the root the arm shows as far as it may; the tip always does.
-        const float fTip = std::max(1 - (1 - fAlong) * 8, 0.0f);
-        point.fWeight = place.fWeight * std::max(look.fArm * std::min(fAlong * 6, 1.0f), fTip);
+        aPoint[i] = PenAt(canvas, look, pose, copy, PointOfArm(pose.aJoint, fAlong), fAlong);
+        aPoint[i].fWeight *= look.fArm * std::min(fAlong * 6, 1.0f); // soft where all the roots meet
     }
     PaintCurve(canvas, paint, aPoint, ROTOR_ARM_POINTS, look.fHardness, false);
 }
 
-static void DrawCopies(const Canvas &canvas, const Paint &paint, const RotorLook &look, const RotorMotion &motion)
+static void DrawTrace(const Canvas &canvas, const Paint &paint, const RotorLook &look, const Pose *pPoses,
+                      const Copy &copy)
 {
-    Joint aJoint[ROTOR_JOINTS_MOST + 1];
-    PlaceJoints(motion, look, aJoint);
-    const float fHalf = 0.5f * (float)std::min(canvas.nWidth, canvas.nHeight);
-    const float xDrift = 0.7f * SineTurn(motion.afDrift[0]) + 0.3f * SineTurn(motion.afDrift[1]);
-    const float yDrift = 0.7f * SineTurn(motion.afDrift[2]) + 0.3f * SineTurn(motion.afDrift[3]);
-    Placement place = {};
-    place.x = 0.5f * (float)canvas.nWidth * (1 + look.fDrift * xDrift);
-    place.y = 0.5f * (float)canvas.nHeight * (1 + look.fDrift * yDrift);
+    StrokePoint aPoint[ROTOR_TRACE];
+    for (int32_t i = 0; i < ROTOR_TRACE; i++)
+        aPoint[i] = PenAt(canvas, look, pPoses[i], copy, pPoses[i].aJoint[ROTOR_JOINTS_MOST], 1);
+    PaintCurve(canvas, paint, aPoint, ROTOR_TRACE, look.fHardness, false);
+}
+
+static void DrawCopies(const Canvas &canvas, const Paint &paint, const RotorLook &look, const Pose *pPoses)
+{
     for (int32_t i = 0; i < ROTOR_COPIES_MOST && (float)i < look.fCopies; i++) {
         // Between whole numbers the fan opens or closes, and its last arm comes or goes.
-        const float fTurn = motion.fSpinPhase + (float)i / std::max(look.fCopies, 1.0f);
-        place.xTurn = fHalf * look.fReach * CosineTurn(fTurn);
-        place.yTurn = fHalf * look.fReach * SineTurn(fTurn);
-        place.fFlip = 1;
-        place.fWeight = std::min(look.fCopies - (float)i, 1.0f);
-        place.fPlaceShift = 0;
-        DrawArm(canvas, paint, look, aJoint, place);
-        place.fFlip = -1;
-        place.fWeight *= look.fMirror;
-        place.fPlaceShift = 0.12f;
-        if (place.fWeight > 0.01f)
-            DrawArm(canvas, paint, look, aJoint, place);
+        Copy copy = {(float)i / std::max(look.fCopies, 1.0f), 1, std::min(look.fCopies - (float)i, 1.0f), 0};
+        for (; copy.fWeight > 0.01f && copy.fFlip > -2; copy.fFlip -= 2) {
+            DrawArm(canvas, paint, look, pPoses[ROTOR_TRACE - 1], copy);
+            DrawTrace(canvas, paint, look, pPoses, copy);
+            copy.fWeight *= look.fMirror;
+            copy.fPlaceShift = 0.12f;
+        }
     }
 }
 
@@ -157,8 +180,14 @@ static int32_t StepsOfFrame(const RotorLook &look, const RotorMotion &motion, fl
 void DrawRotor(const Canvas &canvas, const Paint &paint, const RotorLook &look, RotorMotion *pMotion, float fSeconds)
 {
     const int32_t nSteps = StepsOfFrame(look, *pMotion, fSeconds);
-    for (int32_t i = 0; i < nSteps; i++) {
-        MoveRotor(pMotion, look, fSeconds / (float)nSteps);
-        DrawCopies(canvas, paint, look, *pMotion);
+    const Paint layer = {paint.dwMode, paint.fLayers / (float)nSteps};
+    Pose aPose[ROTOR_TRACE];
+    for (int32_t iStep = 0; iStep < nSteps; iStep++) {
+        aPose[0] = TakePose(canvas, look, *pMotion);
+        for (int32_t i = 1; i < ROTOR_TRACE; i++) {
+            MoveRotor(pMotion, look, fSeconds / (float)(nSteps * (ROTOR_TRACE - 1)));
+            aPose[i] = TakePose(canvas, look, *pMotion);
+        }
+        DrawCopies(canvas, layer, look, aPose);
     }
 }

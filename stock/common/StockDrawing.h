@@ -106,8 +106,22 @@ enum { PAINT_OVER, PAINT_LIGHTEN, PAINT_ADD, PAINT_MODES };
 
 struct Paint {
     uint32_t dwMode;
-    float fOpacity; // 0 to 1
+    float fLayers; // weights are meant for 60 layers a second; this drawing stands for so many of them
 };
+
+// Overlays start on a fresh picture every frame: there one layer is all.
+inline Paint MakePaint(const PlaneInfo *ppi, uint32_t dwMode, float fSeconds)
+{
+    return {dwMode, ppi->hbmDraw == ppi->hbmResolved ? 1 : fSeconds * 60};
+}
+
+// What one drawing has to cover so that thin layers add up alike at every frame rate.
+inline float LayerWeight(const Paint &paint, float fWeight)
+{
+    if (paint.dwMode == PAINT_OVER)
+        return 1 - std::pow(1 - fWeight, paint.fLayers);
+    return paint.dwMode == PAINT_ADD ? std::min(fWeight * paint.fLayers, 1.0f) : fWeight;
+}
 
 // A colour wheel that rises out of black, for a plane whose colour modules have not spoken yet.
 inline uint32_t SpareColor(float fPlace)
@@ -138,7 +152,7 @@ inline void PaintIndices(const Canvas &canvas, const Paint &paint, uint32_t *pPi
     for (int32_t i = 0; i < nPixels; i++) {
         const float fOld = std::min((float)(int32_t)(pPixel[i] & (PALETTE_COLORS_MAX - 1)), fTop);
         const float fInk = ink.afPlace[i] * fTop;
-        const float fCoverage = ink.afCoverage[i] * paint.fOpacity;
+        const float fCoverage = ink.afCoverage[i];
         const float fOver = fOld + (fInk - fOld) * fCoverage;
         const float fAdded = std::min(fOld + fInk * fCoverage, fTop);
         const float fLight = std::max(fOld, fInk * fCoverage);
@@ -161,7 +175,7 @@ inline uint32_t MixChannel(uint32_t dwOld, uint32_t dwInk, float fCoverage, uint
 inline void PaintColors(const Canvas &canvas, const Paint &paint, uint32_t *pPixel, int32_t nPixels, const InkSpan &ink)
 {
     for (int32_t i = 0; i < nPixels; i++) {
-        const float fCoverage = ink.afCoverage[i] * paint.fOpacity;
+        const float fCoverage = ink.afCoverage[i];
         if (fCoverage <= 0)
             continue;
         const uint32_t dwInk = ColorAt(canvas, ink.afPlace[i]);
@@ -290,7 +304,9 @@ inline void PaintCurve(const Canvas &canvas, const Paint &paint, StrokePoint *pP
                        bool bClosed)
 {
     for (int32_t i = 0; i < nPoints; i++)
-        if (!LimitPoint(&pPoints[i]))
+        if (LimitPoint(&pPoints[i]))
+            pPoints[i].fWeight = LayerWeight(paint, pPoints[i].fWeight);
+        else
             return;
     for (int32_t i = 0; i + 1 < nPoints; i++) {
         StrokeSegment seg = {pPoints[i], pPoints[i + 1], 0, 0, 0, 0, fHardness};
