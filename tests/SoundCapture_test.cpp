@@ -136,6 +136,15 @@ void ExpectSimulatedLevelOnly(const Monitor &monitor)
         << "the simulated level stands still";
 }
 
+// The humming source hands out its sound every two seconds only.
+void ExpectNothingHeardForAWhile(const Monitor &monitor)
+{
+    for (int i = 0; i < 200; i++) {
+        ASSERT_TRUE(monitor.HearsNothing());
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+
 class SoundCapture : public testing::Test {
   protected:
     void SetUp() override
@@ -234,7 +243,8 @@ TEST_F(SoundCapture, TheMonitorComesBackWithTheServer)
     EXPECT_TRUE(Eventually([&] { return monitor.ListensTo("a.monitor"); })) << monitor.Source();
 }
 
-// The microphone here is a source that hums; it is the default source, and it is all that is left when the outputs go.
+// The microphone here is a source that hums. It is the default source, somebody tries to move the stream to it, and it
+// is all that is left when the outputs go.
 TEST_F(SoundCapture, AMicrophoneIsNeverListenedTo)
 {
     ASSERT_TRUE(server.StartServer());
@@ -243,12 +253,13 @@ TEST_F(SoundCapture, AMicrophoneIsNeverListenedTo)
     Library lib;
     Monitor monitor(lib);
     ASSERT_TRUE(Eventually([&] { return monitor.ListensTo("a.monitor"); })) << monitor.Source();
+    ASSERT_TRUE(server.Shell("pactl list short source-outputs | grep -q ."));
+    server.Shell("pactl move-source-output $(pactl list short source-outputs | cut -f1) microphone");
+    ExpectNothingHeardForAWhile(monitor);
+    EXPECT_TRUE(monitor.ListensTo("a.monitor")) << monitor.Source();
     ASSERT_TRUE(server.Control({"unload-module", "module-null-sink"}));
     ASSERT_TRUE(Eventually([&] { return monitor.ListensTo("no output"); })) << monitor.Source();
-    for (int i = 0; i < 100; i++) {
-        ASSERT_TRUE(monitor.HearsNothing());
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
+    ExpectNothingHeardForAWhile(monitor);
     ASSERT_TRUE(server.Control({"load-module", "module-null-sink", "sink_name=late"}));
     EXPECT_TRUE(Eventually([&] { return monitor.ListensTo("late.monitor"); })) << monitor.Source();
 }

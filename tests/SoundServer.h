@@ -134,11 +134,17 @@ class SoundServer {
         server.End();
     }
 
-    // pactl with these arguments.
+    // pactl with these arguments. True if it succeeded.
     bool Control(std::vector<std::string> asArgument)
     {
         asArgument.insert(asArgument.begin(), {"timeout", "10", "pactl"});
         return Quietly(asArgument) == 0;
+    }
+
+    // A command line of the shell.
+    bool Shell(const std::string &sCommand)
+    {
+        return Quietly({"timeout", "10", "sh", "-c", sCommand}) == 0;
     }
 
     // A minute of a tone at the output, until StopTone.

@@ -47,6 +47,7 @@ void CloseStream(PulseCapture *pCapture)
     if (!pCapture->pStream)
         return;
     pa_stream_set_state_callback(pCapture->pStream, nullptr, nullptr);
+    pa_stream_set_moved_callback(pCapture->pStream, nullptr, nullptr);
     pa_stream_set_read_callback(pCapture->pStream, nullptr, nullptr);
     pa_stream_disconnect(pCapture->pStream);
     pa_stream_unref(pCapture->pStream);
@@ -80,23 +81,29 @@ void OnSamples(pa_stream *pStream, size_t, void *pUser)
     }
 }
 
-void OnStreamState(pa_stream *pStream, void *pUser)
+void GiveUpStream(PulseCapture *pCapture, u32 nRetryMs)
+{
+    CloseStream(pCapture);
+    pCapture->eState = CaptureState::NoOutput;
+    SetTimer(pCapture, nRetryMs);
+}
+
+// A server that gave another source than the one asked for, or moved the stream, may have given the microphone.
+void CheckSource(pa_stream *pStream, void *pUser)
 {
     PulseCapture *pCapture = static_cast<PulseCapture *>(pUser);
+    const char *pszDevice = pa_stream_get_device_name(pStream);
+    if (!pszDevice || pCapture->sMonitor != pszDevice)
+        GiveUpStream(pCapture, RETRY_MS);
+}
+
+void OnStreamState(pa_stream *pStream, void *pUser)
+{
     const pa_stream_state_t eState = pa_stream_get_state(pStream);
-    if (eState == PA_STREAM_READY) {
-        // A server that gave another source than the one asked for may have given the microphone.
-        const char *pszDevice = pa_stream_get_device_name(pStream);
-        if (pszDevice && pCapture->sMonitor == pszDevice)
-            return;
-        CloseStream(pCapture);
-        pCapture->eState = CaptureState::NoOutput;
-        SetTimer(pCapture, RETRY_MS);
-    } else if (!PA_STREAM_IS_GOOD(eState)) {
-        CloseStream(pCapture);
-        pCapture->eState = CaptureState::NoOutput;
-        SetTimer(pCapture, REOPEN_MS);
-    }
+    if (eState == PA_STREAM_READY)
+        CheckSource(pStream, pUser);
+    else if (!PA_STREAM_IS_GOOD(eState))
+        GiveUpStream(static_cast<PulseCapture *>(pUser), REOPEN_MS);
 }
 
 pa_buffer_attr CaptureBuffer(const pa_sample_spec *pSpec)
@@ -132,12 +139,10 @@ void OpenStream(PulseCapture *pCapture, const char *pszMonitor, const char *pszO
     pCapture->sOutput = pszOutput;
     pCapture->eState = CaptureState::Listening;
     pa_stream_set_state_callback(pCapture->pStream, OnStreamState, pCapture);
+    pa_stream_set_moved_callback(pCapture->pStream, CheckSource, pCapture);
     pa_stream_set_read_callback(pCapture->pStream, OnSamples, pCapture);
-    if (!ConnectStream(pCapture, &spec)) {
-        CloseStream(pCapture);
-        pCapture->eState = CaptureState::NoOutput;
-        SetTimer(pCapture, RETRY_MS);
-    }
+    if (!ConnectStream(pCapture, &spec))
+        GiveUpStream(pCapture, RETRY_MS);
 }
 
 void OnDefaultOutput(pa_context *, const pa_sink_info *pInfo, int nEnd, void *pUser)
