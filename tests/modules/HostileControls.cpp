@@ -8,8 +8,8 @@
 #include <iterator>
 #include <limits>
 
-MODULE_EXPORT uint32_t HostileMode;
-uint32_t HostileMode = HostileSetting("HOSTILE_MODE", 0);
+MODULE_EXPORT std::atomic<uint32_t> HostileMode;
+std::atomic<uint32_t> HostileMode = HostileSetting("HOSTILE_MODE", 0);
 
 namespace {
 

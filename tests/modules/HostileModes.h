@@ -1,6 +1,7 @@
 // HostileModes.h -- how a test chooses what the Hostile*.dll modules do
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 
@@ -17,12 +18,13 @@ enum HostileControlsMode : uint32_t {
     HOSTILE_POINTERS = 256 // garbage in the pointers and counts that are the host's to fill
 };
 
-// HostileSlow.dll exports HostileSleepMs: how long each draw sleeps.
+// HostileSlow.dll exports HostileSleepMs: how long each draw sleeps; looked at while it sleeps, too.
 constexpr uint32_t HOSTILE_SLEEP_MS = 5000;
 
 // HostileWriter.dll exports HostileReach: how many pixels beyond the end of its bitmap it writes.
 
-// The start value of an exported variable: from the environment, for programs that a test starts as a child.
+// The start value of an exported variable, a std::atomic<uint32_t>: from the environment, for programs that a test
+// starts as a child.
 inline uint32_t HostileSetting(const char *pszVariable, uint32_t dwDefault)
 {
     const char *psz = std::getenv(pszVariable);

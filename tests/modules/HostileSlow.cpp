@@ -5,8 +5,8 @@
 #include <chrono>
 #include <thread>
 
-MODULE_EXPORT uint32_t HostileSleepMs;
-uint32_t HostileSleepMs = HostileSetting("HOSTILE_SLEEP_MS", HOSTILE_SLEEP_MS);
+MODULE_EXPORT std::atomic<uint32_t> HostileSleepMs;
+std::atomic<uint32_t> HostileSleepMs = HostileSetting("HOSTILE_SLEEP_MS", HOSTILE_SLEEP_MS);
 
 void ModuleGetDescription(ModuleDescription *pmd)
 {
@@ -23,7 +23,8 @@ void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn,
 // Touches its bitmap after the sleep, as a late module does: the bitmap must still be there.
 uint32_t ModuleDrawFrame(void *, PlaneInfo *ppi)
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(HostileSleepMs));
+    for (uint32_t nSlept = 0; nSlept < HostileSleepMs; nSlept += 10)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
     *static_cast<uint32_t *>(ppi->hbmDraw->pBits) = 1;
     return 0;
 }

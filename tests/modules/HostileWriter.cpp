@@ -2,8 +2,8 @@
 #include "EmptyEntryPoints.h"
 #include "HostileModes.h"
 
-MODULE_EXPORT uint32_t HostileReach;
-uint32_t HostileReach = HostileSetting("HOSTILE_REACH", 0);
+MODULE_EXPORT std::atomic<uint32_t> HostileReach;
+std::atomic<uint32_t> HostileReach = HostileSetting("HOSTILE_REACH", 0);
 
 void ModuleGetDescription(ModuleDescription *pmd)
 {
