@@ -1,31 +1,14 @@
 // GlobalSettings.cpp -- the one record of settings and run-time handles
 #include "app/GlobalSettings.h"
 
-#include "app/Folders.h"
-#include "platform/Text.h"
+#include "app/SettingsTable.h"
 
 GlobalSettingsRecord GlobalSettings;
 
 void SetDefaultSettings()
 {
     GlobalSettings = {};
-    GlobalSettings.PresetBView = 3;
-    GlobalSettings.DetailScale = 100;
-    GlobalSettings.BufferCap = BUFFER_PIXELS_MAX;
-    GlobalSettings.FPSTarget = 60;
-    GlobalSettings.ThreadedPlanes = 1;
-    GlobalSettings.AutoAdjustBuffer = 1;
-    GlobalSettings.VolumeType = VOLUMETYPE_DYNAMIC_SIMULATED;
-    GlobalSettings.TimeScale = 1;
-    CopyText(GlobalSettings.Preset, u"Tempname.VD");
-    CopyText(GlobalSettings.FrameRecordFormat, u"Untitled-%04d.png");
-    CopyText(GlobalSettings.FrameRecordFolder, FolderPath(PATH_SCREENSHOTS));
-    GlobalSettings.FrameRecordWidth = 640;
-    GlobalSettings.FrameRecordHeight = 480;
-    GlobalSettings.FrameRecordDelay = 500;
-    GlobalSettings.ShowMP = 1;
-    GlobalSettings.ShowPrg = 1;
-    GlobalSettings.ShowOneRow = 1;
+    DefaultSettings(&GlobalSettings);
     GlobalSettings.nBufferWidth = 1280;
     GlobalSettings.nBufferHeight = 1024;
     GlobalSettings.nMessageSeconds = 5;

@@ -269,7 +269,10 @@ u32 XmlReadString(XmlContext *pxc, std::u16string_view tag, char16_t *pszValue, 
     if (!FindValue(pxc, tag, &value))
         return 0;
     value = value.substr(0, cch);
-    CopyText(pszValue, cch, value.substr(0, value.find(u'\0')));
+    value = value.substr(0, value.find(u'\0'));
+    if (value.size() == cch && cch > 1 && (value[cch - 2] & 0xFC00) == 0xD800)
+        value.remove_suffix(2); // the cut would leave half a character
+    CopyText(pszValue, cch, value);
     return 1;
 }
 

@@ -155,6 +155,9 @@ TEST(XmlReader, CutsAStringToTheBufferOfItsCaller)
     EXPECT_TRUE(XmlReadString(pxc.get(), u"V", s.sz));
     EXPECT_EQ(std::u16string(s.sz), u"xxxxxxx");
     EXPECT_EQ(s.chGuard, u'#');
+    Context pxcPair = Open("<V>\xF0\x9F\x98\x80\xF0\x9F\x98\x80\xF0\x9F\x98\x80\xF0\x9F\x98\x80</V>");
+    EXPECT_TRUE(XmlReadString(pxcPair.get(), u"V", s.sz));
+    EXPECT_EQ(std::u16string(s.sz), u"\U0001F600\U0001F600\U0001F600");
 }
 
 TEST(XmlReader, SurvivesEverySortOfEmptiness)

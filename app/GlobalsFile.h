@@ -1,0 +1,16 @@
+// GlobalsFile.h -- the settings file
+#pragma once
+
+#include "app/GlobalSettings.h"
+
+#include <string>
+#include <string_view>
+
+// Overlays the settings, which hold the defaults, with those of the settings file. A command line argument that names
+// an existing file takes the place of the stored preset, also when there is no settings file. Returns 0 if the file is
+// absent or unreadable; the defaults then stay. [main-thread]
+u32 ReadGlobals(GlobalSettingsRecord *pgs, std::u16string_view argument = {});
+// The same from a document's bytes.
+u32 ReadGlobalsText(GlobalSettingsRecord *pgs, std::string_view bytes);
+// Writes all settings to the settings file. 0: the old file stands as it was, and *psWhy (may be null) says why.
+u32 WriteGlobals(const GlobalSettingsRecord *pgs, std::string *psWhy = nullptr);
