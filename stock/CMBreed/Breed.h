@@ -15,7 +15,8 @@ struct BreedControls {
     ControlRecord *pVividness;
     ControlRecord *pContrast;
     ControlRecord *pGlow;
-    ControlRecord *pWarmth;
+    ControlRecord *pHue; // degrees
+    ControlRecord *pAttraction;
     ControlRecord *pMutation;
     ControlRecord *pLifetime; // seconds
     ItemSelectRow aHarmonyRows[HARMONY_COUNT];
@@ -33,8 +34,9 @@ struct Stable {
 // What the next palette is to be like.
 struct BreedWish {
     GrowthWish growth;
-    float fMutation; // 0 to 1
-    float fWarmth;   // -1 cold to 1 warm
+    float fMutation;   // 0 to 1
+    float fHue;        // turns
+    float fAttraction; // of that hue, 0 to 1
 };
 
 // The generator on its own: no interpolator of the protocol paces it.

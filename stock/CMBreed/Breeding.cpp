@@ -24,10 +24,11 @@ float MudOf(const Lab &c)
     return fMiddle * SmoothStep((0.09f - ChromaOf(c)) * 20);
 }
 
-// 1 for the color of embers, -1 for its opposite.
-float WarmthOf(const Lab &c)
+// Yellow and orange of full strength. They are fine as sparks; as a field they turn brown where planes are blended.
+float BrownOf(const Lab &c)
 {
-    return (c.a * 0.64f + c.b * 0.77f) * 5;
+    const float fNear = SmoothStep(1.6f * (1 - std::fabs(HueDifference(0.26f, HueOf(c))) / 0.13f));
+    return fNear * SmoothStep(ChromaOf(c) * 12) * SmoothStep((0.93f - c.L) * 6);
 }
 
 float NoveltyOfHue(const Stable *pStable, float fHue)
@@ -38,8 +39,8 @@ float NoveltyOfHue(const Stable *pStable, float fHue)
     return fNearest * 2;
 }
 
-// Rich in light and color, clean, unlike what was shown last, and leaning as wished.
-void JudgePalette(Verdict *pVerdict, const Stable *pStable, const GrownPalette &palette, float fWarmth)
+// Rich in light and color, clean, unlike what was shown last, and near the wished hue.
+void JudgePalette(Verdict *pVerdict, const Stable *pStable, const GrownPalette &palette, const BreedWish &wish)
 {
     const float fShare = 1.0f / JUDGED_COLORS;
     float fMud = 0, fChange = 0;
@@ -49,12 +50,14 @@ void JudgePalette(Verdict *pVerdict, const Stable *pStable, const GrownPalette &
         const Lab c = pVerdict->aColor[i] = ColorAt(palette, (float)i * fShare);
         mean = {mean.L + c.L * fShare, mean.a + c.a * fShare, mean.b + c.b * fShare};
         fChroma += ChromaOf(c) * fShare;
-        fMud += MudOf(c) * fShare;
+        fMud += (MudOf(c) + 0.4f * BrownOf(c)) * fShare;
         fChange += std::fmin(DistanceOf(c, pStable->aShown[i]), 0.3f) * fShare;
     }
     pVerdict->fHue = HueOf(mean);
-    pVerdict->fScore = 2 * fChroma - 3 * fMud - 2 * std::fabs(mean.L - 0.5f) + 2 * fChange +
-                       NoveltyOfHue(pStable, pVerdict->fHue) + fWarmth * WarmthOf(mean);
+    const float fUnited = ChromaOf(mean) / std::fmax(fChroma, 0.01f); // 1: a single hue
+    const float fLean = wish.fAttraction * fUnited * CosineOfTurns(pVerdict->fHue - wish.fHue);
+    pVerdict->fScore = 2 * fChroma - 3 * fMud - 2 * std::fabs(mean.L - 0.56f) + 2 * fChange +
+                       NoveltyOfHue(pStable, pVerdict->fHue) + 1.5f * fLean;
 }
 
 Genome MakeChild(Stable *pStable, StockRandom *pRandom, float fMutation)
@@ -85,7 +88,7 @@ GrownPalette BreedPalette(Stable *pStable, StockRandom *pRandom, const BreedWish
     for (uint32_t i = 0; i < nChildren; i++) {
         const Genome child = MakeChild(pStable, pRandom, wish.fMutation);
         const GrownPalette palette = GrowPalette(child, wish.growth);
-        JudgePalette(&verdict, pStable, palette, wish.fWarmth);
+        JudgePalette(&verdict, pStable, palette, wish);
         if (i && !(verdict.fScore > best.fScore))
             continue;
         best = verdict;

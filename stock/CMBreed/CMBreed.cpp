@@ -24,14 +24,19 @@ void AddPaletteControls(BreedControls *pctl, const ControlMaker &maker)
     pctl->pContrast = AddFloat(maker, u"Palette\0Contrast\0", u"How dark the valleys between bright bands are.", {0, 1},
                                {0.35f, 1}, 0.7f, FromWave(61000));
     pctl->pGlow = AddFloat(maker, u"Palette\0Glow\0", u"How near to white the brightest colors get.", {0, 1},
-                           {0.25f, 0.9f}, 0.5f, FromSound(20));
+                           {0.15f, 0.7f}, 0.4f, FromSound(20));
 }
 
 void AddBreedingControls(BreedControls *pctl, const ControlMaker &maker)
 {
-    pctl->pWarmth = AddFloat(maker, u"Breeding\0Warmth\0",
-                             u"Which palettes are chosen: below 0 the cold ones, above 0 the warm ones.", {-1, 1},
-                             {-0.6f, 0.6f}, 0, FromWave(120000));
+    // In step on all planes, so that their palettes go together. From coral over violet and blue to green and
+    // back; gold comes in by harmonies and sparks, for as a field it turns brown where planes are blended.
+    pctl->pHue =
+        AddFloat(maker, u"Breeding\0Hue\0", u"The hue to which new palettes lean, in degrees round the circle.",
+                 {-360, 360}, {-210, 40}, -90, FromWave(120000, WAVETYPE_TRIANGLE));
+    SetWaveInStep(pctl->pHue);
+    pctl->pAttraction = AddFloat(maker, u"Breeding\0Attraction\0", u"How much new palettes lean to that hue.", {0, 1},
+                                 {0.2f, 0.7f}, 0.5f, FromWave(37000));
     pctl->pMutation = AddFloat(maker, u"Breeding\0Mutation\0", u"How far a new palette strays from its parents.",
                                {0, 1}, {0.1f, 0.6f}, 0.25f, FromSound(30));
     pctl->pLifetime = AddFloat(maker, u"Breeding\0Lifetime\0",
@@ -44,7 +49,8 @@ BreedWish ReadWish(const BreedControls &ctl)
     return {{ReadItem(ctl.pHarmony), ReadInteger(ctl.pBands), ReadFloat(ctl.pVividness), ReadFloat(ctl.pContrast),
              ReadFloat(ctl.pGlow)},
             ReadFloat(ctl.pMutation),
-            ReadFloat(ctl.pWarmth)};
+            ReadFloat(ctl.pHue) / 360,
+            ReadFloat(ctl.pAttraction)};
 }
 
 // A beat that moved since the last look; its absence is believed after a while.

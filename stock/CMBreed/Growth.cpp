@@ -75,7 +75,7 @@ void PlaceWaves(GrownPalette *pPalette, const Genome &genome)
 void GrowWave(GrownWave *pWave, const Crest &crest, float fHue, const GrowthWish &wish)
 {
     pWave->fHue = fHue;
-    pWave->fLight = Mix(LightOfStrongest(fHue), 0.72f, 0.4f) + 0.07f * crest.fPeak;
+    pWave->fLight = Mix(LightOfStrongest(fHue), 0.78f, 0.45f) + 0.06f * crest.fPeak;
     pWave->fSkew = crest.fSkew;
     pWave->fGlint = (0.97f - pWave->fLight) * Limit(crest.fShine * 2 * wish.fGlow, 0, 1);
     pWave->fGlintTurn = TurnToLight(fHue);

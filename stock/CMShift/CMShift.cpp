@@ -36,11 +36,11 @@ void AddCycleControls(ShiftControls *pctl, const ControlMaker &maker)
 void AddLightControls(ShiftControls *pctl, const ControlMaker &maker)
 {
     pctl->pBrightness = AddFloat(maker, u"Light\0Brightness\0", u"Makes all colors lighter or darker.", {0, 2},
-                                 {0.95f, 1.3f}, 1, FromSound(8));
+                                 {1, 1.4f}, 1.1f, FromSound(8));
     pctl->pContrast = AddFloat(maker, u"Light\0Contrast\0", u"Drives light and dark colors apart, below 1 together.",
                                {0, 2}, {0.9f, 1.25f}, 1, FromWave(41000));
     pctl->pSaturation = AddFloat(maker, u"Light\0Saturation\0", u"How colorful the colors are; 0 makes them gray.",
-                                 {0, 2}, {0.9f, 1.25f}, 1, FromWave(29000));
+                                 {0, 2}, {0.95f, 1.3f}, 1, FromWave(29000));
     pctl->pSoften = AddFloat(maker, u"Light\0Soften\0", u"Melts each color into its neighbors in the palette.", {0, 1},
                              {0, 0.35f}, 0, FromWave(53000, WAVETYPE_TRIANGLE));
 }

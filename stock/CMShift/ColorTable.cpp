@@ -160,7 +160,7 @@ void WriteTable(Shift *pShift, uint32_t *pTable, int32_t nColors)
     for (int32_t i = 0; i < nColors; i++) {
         const Lab &c = pShift->aColor[i];
         const float fFloor = FloorOfIndex(i, nColors), L = LightenL(c.L, fBrightness, fContrast) * fFloor;
-        const float fGain = (c.L > 0.001f ? std::fmin(L / c.L, 1.0f) : 0) * fSaturation;
+        const float fGain = (c.L > 0.001f ? std::fmin(L / c.L, 1.4f) : 0) * fSaturation;
         pTable[i] = PixelOfLab(&pShift->codes, {L, c.a * fGain, c.b * fGain});
     }
 }

@@ -169,6 +169,13 @@ inline void SetDependsOn(ControlRecord *pctl, ControlRecord *pOn, uint32_t dwDep
     pctl->Base.nDependValue = (int32_t)fComparand;
 }
 
+// The wave starts at no random phase: it is in step with every other wave of this period, on all planes.
+inline void SetWaveInStep(ControlRecord *pctl)
+{
+    if (pctl)
+        pctl->Base.bDefaultRandomPhase = pctl->Base.bRandomPhase = 0;
+}
+
 // ---- Reading controls: always inside the absolute range, whatever a sound level or a file put there
 
 inline float ReadFloat(const ControlRecord *pctl)

@@ -237,6 +237,18 @@ inline void ShadeSegment(const StrokeSegment &seg, float x, float y, int32_t nPi
     }
 }
 
+// Narrows a span to one side of a line through a point, with a pixel to spare.
+inline void ClipSpan(float *pxLow, float *pxHigh, float x, float y, float xNormal, float yNormal)
+{
+    if (std::fabs(xNormal) < 0.01f * std::fabs(yNormal) || xNormal == 0)
+        return;
+    const float xCut = x + y * yNormal / xNormal;
+    if (xNormal > 0)
+        *pxLow = std::max(*pxLow, xCut - 1);
+    else
+        *pxHigh = std::min(*pxHigh, xCut + 1);
+}
+
 // The pixels of row y that the segment can reach; false if none.
 inline bool SegmentSpan(const StrokeSegment &seg, const Canvas &canvas, float y, int32_t *pxFirst, int32_t *pxEnd)
 {
@@ -248,6 +260,8 @@ inline bool SegmentSpan(const StrokeSegment &seg, const Canvas &canvas, float y,
         xLow = std::max(xLow, xMiddle - fHalf);
         xHigh = std::min(xHigh, xMiddle + fHalf);
     }
+    ClipSpan(&xLow, &xHigh, seg.a.x, seg.a.y - y, seg.xFrontNormal, seg.yFrontNormal);
+    ClipSpan(&xLow, &xHigh, seg.b.x, seg.b.y - y, -seg.xBackNormal, -seg.yBackNormal);
     if (!(xHigh >= 0 && xLow <= (float)(canvas.nWidth - 1) && xLow <= xHigh))
         return false;
     *pxFirst = (int32_t)std::max(xLow, 0.0f);
