@@ -74,5 +74,6 @@ struct GlobalSettingsRecord {
 
 extern GlobalSettingsRecord GlobalSettings;
 
-// Zeroes the record and sets the defaults of every setting. Needs the path table. [main-thread]
+// Zeroes the record and sets the defaults of every setting, from the table of settings. Needs the path table.
+// [main-thread]
 void SetDefaultSettings();

@@ -266,10 +266,16 @@ void WriteWindowLayout(XmlContext *pxc)
 
 } // namespace
 
-void DefaultSettings(GlobalSettingsRecord *pgs)
+void SetDefaultSettings()
 {
+    GlobalSettings = {};
     for (const SettingRow &row : asRow)
-        DefaultRow(row, pgs);
+        DefaultRow(row, &GlobalSettings);
+    GlobalSettings.nBufferWidth = 1280;
+    GlobalSettings.nBufferHeight = 1024;
+    GlobalSettings.nMessageSeconds = 5;
+    GlobalSettings.dwPlaneWaitMs = 4000;
+    GlobalSettings.hwndVisuals.cbSize = sizeof(HostWindow);
 }
 
 void ReadSettings(XmlContext *pxc, GlobalSettingsRecord *pgs)

@@ -12,9 +12,8 @@ struct SettingsHooks {
 };
 extern SettingsHooks SettingsHook;
 
-// Every stored setting, and what is stored beside the record, to its default. [main-thread]
-void DefaultSettings(GlobalSettingsRecord *pgs);
 // Reads and writes all rows in the order of the file, at the level of Globals. A setting that is absent, or that its
-// row ignores, stays as it is; every other one comes out inside its limits. [main-thread]
+// row ignores, stays as it is; every other one comes out inside its limits. SetDefaultSettings sets the defaults of the
+// same rows. [main-thread]
 void ReadSettings(XmlContext *pxc, GlobalSettingsRecord *pgs);
 void WriteSettings(XmlContext *pxc, const GlobalSettingsRecord *pgs);

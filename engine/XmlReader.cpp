@@ -20,6 +20,7 @@
 namespace {
 
 constexpr u64 FILE_BYTES_MAX = 3 * XML_TEXT_MAX + 1; // a document in UTF-8 with its zero byte
+constexpr size_t TEXT_READINGS = 8;                  // times the length of a document
 constexpr u32 NAME_MAX_CHARS = XML_TAG_CHARS;        // a name of 63 characters and the "/" of its closing tag
 
 using Text = std::u16string_view;
@@ -159,12 +160,11 @@ i32 ParseInt(Text value)
 }
 
 // Independent of the locale of the process, in which the decimal point may be a comma.
-f32 ParseFloat(Text value)
+f32 ParseFloat(const char *pszValue)
 {
     static const locale_t loc = newlocale(LC_NUMERIC_MASK, "C", nullptr);
     constexpr double dMax = std::numeric_limits<f32>::max();
-    const auto az = NumberText(value);
-    const double d = strtod_l(az.data(), nullptr, loc);
+    const double d = strtod_l(pszValue, nullptr, loc);
     return std::isnan(d) ? 0.0f : static_cast<f32>(std::clamp(d, -dMax, dMax));
 }
 
@@ -178,6 +178,7 @@ XmlContext *XmlOpenText(std::u16string text)
     if (!pxc)
         return nullptr;
     pxc->sText = std::move(text);
+    pxc->cchTextLeft = TEXT_READINGS * pxc->sText.size();
     CopyText(pxc->aszTag[0], u"BASE");
     pxc->apStart[0] = pxc->sText.data() + SkipHeader(pxc->sText);
     pxc->apEnd[0] = pxc->sText.data() + pxc->sText.size();
@@ -250,15 +251,16 @@ u32 XmlReadFloat(XmlContext *pxc, std::u16string_view tag, f32 *pfValue)
     Text value;
     if (!FindValue(pxc, tag, &value))
         return 0;
-    *pfValue = ParseFloat(value);
+    *pfValue = ParseFloat(NumberText(value).data());
     return 1;
 }
 
 u32 XmlReadText(XmlContext *pxc, std::u16string_view tag, std::u16string_view *pValue)
 {
     Text value;
-    if (!FindValue(pxc, tag, &value))
+    if (!FindValue(pxc, tag, &value) || value.size() > pxc->cchTextLeft)
         return 0;
+    pxc->cchTextLeft -= value.size();
     *pValue = value.substr(0, value.find(u'\0'));
     return 1;
 }
@@ -274,6 +276,14 @@ u32 XmlReadString(XmlContext *pxc, std::u16string_view tag, char16_t *pszValue, 
         value.remove_suffix(2); // the cut would leave half a character
     CopyText(pszValue, cch, value);
     return 1;
+}
+
+f32 XmlStoredFloat(f32 fValue)
+{
+    char sz[XML_NUMBER_CHARS];
+    const u32 cch = XmlFloatText(fValue, sz);
+    sz[cch] = 0;
+    return ParseFloat(sz);
 }
 
 void XmlClose(XmlContext *pxc)

@@ -31,6 +31,7 @@ struct XmlContext {
     const char16_t *apEnd[XML_LEVELS];          // reading: its closing tag; never below apStart
     std::u16string sText;
     std::vector<XmlTagPlace> places; // reading: sorted by hash, name and place
+    size_t cchTextLeft;              // reading: what XmlReadText still hands out
     u32 bBroken;                     // writing: something did not fit; the document will not be saved
 };
 
@@ -71,11 +72,17 @@ template <u32 N> u32 XmlReadString(XmlContext *pxc, std::u16string_view tag, cha
 {
     return XmlReadString(pxc, tag, szValue, N);
 }
-// The value as it stands in the document, up to a 0 character; valid until XmlClose.
+// The value as it stands in the document, up to a 0 character; valid until XmlClose. For values without a limit of
+// their own: in all, a context hands out a few times the length of its document, more than anyone needs who reads each
+// value once. In a hostile document, in which one long value lies inside everything, it counts as absent from then on.
 u32 XmlReadText(XmlContext *pxc, std::u16string_view tag, std::u16string_view *pValue);
 
 // Frees a context of either kind; null is fine.
 void XmlClose(XmlContext *pxc);
+
+// The text of a float in a document, at sz without a 0; returns its length. And what reading it gives back.
+u32 XmlFloatText(f32 fValue, char (&sz)[XML_NUMBER_CHARS]);
+f32 XmlStoredFloat(f32 fValue);
 
 // A tag with a number behind it, such as Plane0. nNumber in decimal.
 std::u16string NumberedTag(std::u16string_view word, u32 nNumber);

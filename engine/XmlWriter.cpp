@@ -95,8 +95,13 @@ u32 XmlWriteInt(XmlContext *pxc, std::u16string_view tag, u32 dwValue)
 u32 XmlWriteFloat(XmlContext *pxc, std::u16string_view tag, f32 fValue)
 {
     char sz[XML_NUMBER_CHARS];
+    return WriteAscii(pxc, tag, {sz, XmlFloatText(fValue, sz)});
+}
+
+u32 XmlFloatText(f32 fValue, char (&sz)[XML_NUMBER_CHARS])
+{
     const auto end = std::to_chars(sz, sz + sizeof sz, ToFinite(fValue), std::chars_format::fixed, 6);
-    return WriteAscii(pxc, tag, {sz, end.ptr});
+    return static_cast<u32>(end.ptr - sz);
 }
 
 u32 XmlWriteString(XmlContext *pxc, std::u16string_view tag, std::u16string_view text)

@@ -39,6 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *pData, size_t cb)
     const std::string bytes = provider.ConsumeRemainingBytesAsString();
 
     XmlContext *pxc = XmlOpenBytes(bytes);
+    pxc->cchTextLeft = SIZE_MAX;
     XmlOracle oracle(pxc->sText);
     for (u32 i = 0; i < nSteps; i++) {
         const std::u16string &tag = asTag[abStep[i] % std::size(asTag)];

@@ -160,6 +160,19 @@ TEST(XmlReader, CutsAStringToTheBufferOfItsCaller)
     EXPECT_EQ(std::u16string(s.sz), u"\U0001F600\U0001F600\U0001F600");
 }
 
+TEST(XmlReader, ALongValueIsNotHandedOutForEver)
+{
+    Context pxc = Open("<V>" + std::string(100000, 'x') + "</V><W>1</W>");
+    std::u16string_view value;
+    u32 nTimes = 0;
+    while (nTimes < 1000 && XmlReadText(pxc.get(), u"V", &value))
+        nTimes++;
+    EXPECT_GE(nTimes, 2u);
+    EXPECT_LT(nTimes, 10u);
+    i32 n = 0;
+    EXPECT_TRUE(XmlReadInt(pxc.get(), u"W", &n) && XmlReadInt(pxc.get(), u"V", &n));
+}
+
 TEST(XmlReader, SurvivesEverySortOfEmptiness)
 {
     using namespace std::string_literals;
@@ -231,6 +244,7 @@ TEST(XmlReader, AnswersLikeATextSearchOnTextThatNobodyWrote)
         for (u32 i = Random(rng, 60); i > 0; i--)
             text += asPiece[Random(rng, static_cast<u32>(std::size(asPiece)))];
         Context pxc(XmlOpenText(text));
+        pxc->cchTextLeft = SIZE_MAX;
         XmlOracle oracle(text);
         for (int nStep = 0; nStep < 30; nStep++) {
             const std::u16string &tag = asTag[Random(rng, static_cast<u32>(std::size(asTag)))];
