@@ -3,7 +3,6 @@
 
 #include "app/Folders.h"
 #include "app/GlobalSettings.h"
-#include "app/Notices.h"
 #include "app/SharedStatus.h"
 #include "app/Steps.h"
 #include "engine/BufferSize.h"
@@ -17,6 +16,7 @@
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/GLWindow.h"
+#include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
 

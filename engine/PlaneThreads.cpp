@@ -4,11 +4,12 @@
 #include "engine/DrawPipeline.h"
 #include "platform/Clock.h"
 #include "platform/GLWindow.h"
+#include "platform/Notices.h"
 #include "platform/Threads.h"
 
 #include <atomic>
-#include <cstdio>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace {
@@ -144,7 +145,7 @@ void StopPlaneThreads()
         if (pParms->evEnded.Wait(RemainingMs(nStart, STOP_WAIT_MS))) {
             pParms->thread.join();
         } else {
-            std::fprintf(stderr, "vorticade: plane %u is stuck in a module; it is left alone\n", pParms->iPlane + 1);
+            AddNotice("plane " + std::to_string(pParms->iPlane + 1) + " is stuck in a module; it is left alone");
             apAbandoned.push_back(std::move(pParms));
         }
         pParms.reset();

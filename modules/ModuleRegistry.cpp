@@ -3,10 +3,10 @@
 
 #include "app/Folders.h"
 #include "platform/Files.h"
+#include "platform/Notices.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -64,8 +64,7 @@ SharedLibrary *LoadFromPathOrFolder(std::u16string_view path)
     if (!pLibrary)
         pLibrary = LoadSharedLibrary(JoinPath(FolderPath(PATH_MODULES), NameAndExtension(path)), nullptr);
     if (!pLibrary)
-        std::fprintf(stderr, "vorticade: %s cannot be loaded; no module after it was loaded either (%s)\n",
-                     ToUtf8(path).c_str(), sError.c_str());
+        AddNotice(ToUtf8(path) + " cannot be loaded; no module after it was loaded either (" + sError + ")");
     return pLibrary;
 }
 
@@ -108,8 +107,8 @@ u32 LoadModule(std::u16string_view path)
     const char16_t *pszMissing = FindEntryPoints(pLibrary, &record.mf);
     if (pszMissing || name.size() >= MODULE_FILE_CHARS) {
         if (record.mf.pfnGetDescription)
-            std::fprintf(stderr, "vorticade: %s is no usable module: %s\n", ToUtf8(path).c_str(),
-                         pszMissing ? ("it lacks " + ToUtf8(pszMissing)).c_str() : "its name is too long");
+            AddNotice(ToUtf8(path) + " is no usable module: " +
+                      (pszMissing ? "it lacks " + ToUtf8(pszMissing) : "its name is too long"));
         UnloadSharedLibrary(pLibrary);
         return 1;
     }

@@ -4,9 +4,9 @@
 #include "app/Folders.h"
 #include "platform/Assert.h"
 #include "platform/Files.h"
+#include "platform/Notices.h"
 #include "platform/Text.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -20,7 +20,7 @@ constexpr u32 SHADER_CAPABILITIES = MODULECAP_FULL | MODULECAP_INDEXED | MODULEC
 void AddShader(std::u16string_view path)
 {
     if (path.size() >= NAME_CHARS) {
-        std::fprintf(stderr, "vorticade: %s: the path is too long, the shader is left out\n", ToUtf8(path).c_str());
+        AddNotice(ToUtf8(path) + ": the path is too long, the shader is left out");
         return;
     }
     ShaderEntry *pse = &pList->asEntry[pList->nCount++];

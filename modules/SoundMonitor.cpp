@@ -4,11 +4,11 @@
 #include "app/Folders.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/Notices.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
 
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <thread>
 
@@ -31,12 +31,12 @@ void ShowMissingFile(const char16_t *pszPath)
     if (pfnShowError)
         pfnShowError(MISSING_TITLE, pszPath);
     else
-        std::fprintf(stderr, "vorticade: %s %s\n", ToUtf8(MISSING_TITLE).c_str(), ToUtf8(pszPath).c_str());
+        AddNotice(ToUtf8(MISSING_TITLE) + " " + ToUtf8(pszPath));
 }
 
 void ReportNoSound(const char16_t *pszPath, const std::string &sCause)
 {
-    std::fprintf(stderr, "vorticade: no sound: %s: %s\n", ToUtf8(pszPath).c_str(), sCause.c_str());
+    AddNotice("no sound: " + ToUtf8(pszPath) + ": " + sCause);
 }
 
 // The name of the first entry point that is missing and must not be; null: none.

@@ -2,9 +2,9 @@
 #include "output/VisualsWindow_qt.h"
 
 #include "app/GlobalSettings.h"
-#include "app/Notices.h"
 #include "output/Presenters.h"
 #include "output/Stretch.h"
+#include "platform/Notices.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>

@@ -1,6 +1,7 @@
 // Notices.cpp -- what the program has to tell its user in plain words
-#include "app/Notices.h"
+#include "platform/Notices.h"
 
+#include <cerrno>
 #include <cstdio>
 
 namespace {
@@ -12,7 +13,7 @@ std::string sNotices;
 void AddNotice(std::string_view text)
 {
     const std::string sLine = std::string(text) + "\n";
-    std::fprintf(stderr, "vorticade: %s", sLine.c_str());
+    std::fprintf(stderr, "%s: %s", program_invocation_short_name, sLine.c_str());
     if (sNotices.find(sLine) == std::string::npos)
         sNotices += sLine;
 }
