@@ -24,7 +24,8 @@ void BindSoundMonitor(SoundMonitorBinding *pBinding);
 // Takes the 10 ms that the library's threads are given to end. [main-thread]
 void UnbindSoundMonitor(SoundMonitorBinding *pBinding);
 
-// Non-zero when no level comes, or none that counts for more than a second of calls. [main-thread]
+// Non-zero when no level can be had, or when the dynamic level has been too low for more than a second, counted from
+// the first call that found it so. [main-thread]
 u32 SoundIsQuiet();
 
 // Passes the time scale on to the simulated level of the bound monitor when it lies from 1 to 99. [main-thread]

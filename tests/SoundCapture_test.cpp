@@ -203,8 +203,8 @@ TEST_F(SoundCapture, TheLevelFollowsTheToneOfTheDefaultOutput)
     server.PlayTone("a", 0.5);
     ASSERT_TRUE(Eventually([&] { return monitor.Hears(); }));
     EXPECT_TRUE(Eventually([&] { return std::fabs(monitor.Level(VOLUMETYPE_RAW) - 0.3536f) < 0.02f; }));
-    EXPECT_GT(monitor.Level(VOLUMETYPE_EXPANDED), monitor.Level(VOLUMETYPE_RAW));
-    EXPECT_FALSE(lib.pfnIsQuiet(monitor.hMonitor));
+    EXPECT_TRUE(Eventually([&] { return monitor.Level(VOLUMETYPE_EXPANDED) > 1.2f * monitor.Level(VOLUMETYPE_RAW); }));
+    EXPECT_TRUE(Eventually([&] { return !lib.pfnIsQuiet(monitor.hMonitor); }));
     EXPECT_TRUE(Eventually([&] {
         return std::fabs(monitor.Level(VOLUMETYPE_DYNAMIC_SIMULATED) - monitor.Level(VOLUMETYPE_DYNAMIC)) < 0.001f;
     }));

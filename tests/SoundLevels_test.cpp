@@ -1,5 +1,6 @@
 // SoundLevels_test.cpp -- the arithmetic of the sound levels and the simulated level
 #include "stock/SoundLevelDLL/LevelMeter.h"
+#include "stock/SoundLevelDLL/Snapshot.h"
 
 #include <gtest/gtest.h>
 
@@ -7,6 +8,8 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <memory>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -423,4 +426,30 @@ TEST(SimulatedLevel, AChangeOfTheScaleDoesNotJump)
     for (u32 nScale : {0u, 100u, 0xFFFFFFFFu})
         EXPECT_FALSE(SetSimulatedScale(&tempo, nScale, fMs + 5));
     EXPECT_EQ(std::memcmp(&tempo, &before, sizeof tempo), 0);
+}
+
+TEST(Snapshot, NobodySeesAHalfWrittenRecord)
+{
+    struct Record {
+        u64 aqw[9];
+    };
+    constexpr u64 LAST = 100000;
+    const auto snapshot = std::make_unique<Snapshot<Record>>();
+    const auto read = [&] {
+        for (u64 qwBefore = 0; qwBefore < LAST;) {
+            const Record record = snapshot->Read();
+            for (u64 qw : record.aqw)
+                ASSERT_EQ(qw, record.aqw[0]);
+            ASSERT_GE(record.aqw[0], qwBefore);
+            qwBefore = record.aqw[0];
+        }
+    };
+    std::thread first(read), second(read);
+    for (u64 qw = 1; qw <= LAST; qw++) {
+        Record record;
+        std::fill(std::begin(record.aqw), std::end(record.aqw), qw);
+        snapshot->Publish(record);
+    }
+    first.join();
+    second.join();
 }

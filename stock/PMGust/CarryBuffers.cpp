@@ -8,7 +8,7 @@
 
 static int32_t MarginFor(const Canvas &canvas)
 {
-    return 8 + std::min(canvas.nWidth, canvas.nHeight) / 32;
+    return 8 + std::min(canvas.nWidth, canvas.nHeight) / 16;
 }
 
 int32_t MostCarry(const CarryBuffers &buffers)

@@ -92,7 +92,7 @@ static Joint PointOfArm(const Joint *pJoint, float fAlong)
 // The figure at one moment.
 struct Pose {
     Joint aJoint[ROTOR_JOINTS_MOST + 1];
-    float fSpin;        // turns
+    float fSpin;            // turns
     float xMiddle, yMiddle; // pixels
 };
 
@@ -110,8 +110,8 @@ static Pose TakePose(const Canvas &canvas, const RotorLook &look, const RotorMot
 
 // One of the symmetric copies.
 struct Copy {
-    float fTurn;   // against the first one
-    float fFlip;   // -1 for a mirror image
+    float fTurn; // against the first one
+    float fFlip; // -1 for a mirror image
     float fWeight;
     float fPlaceShift;
 };
@@ -132,8 +132,7 @@ static StrokePoint PenAt(const Canvas &canvas, const RotorLook &look, const Pose
     return point;
 }
 
-static void DrawArm(const Canvas &canvas, const Paint &paint, const RotorLook &look, const Pose &pose,
-                    const Copy &copy)
+static void DrawArm(const Canvas &canvas, const Paint &paint, const RotorLook &look, const Pose &pose, const Copy &copy)
 {
     StrokePoint aPoint[ROTOR_ARM_POINTS];
     for (int32_t i = 0; i < ROTOR_ARM_POINTS; i++) {

@@ -11,7 +11,7 @@ constexpr f32 DC_HZ = 8;         // below hearing: a constant offset is no sound
 constexpr f32 EXPANSION = 15;    // the companding curve of telephony, with a gentler bend
 constexpr f32 SAMPLE_MAX = 16;   // far beyond full scale; keeps broken input from overflowing
 constexpr f32 DC_FLUSH = 1e-15f; // below it the filter would go on with slow denormal numbers
-constexpr double GAP_MS = 200;   // a hole of this length in the stream empties the window
+constexpr f64 GAP_MS = 200;      // a hole of this length in the stream empties the window
 
 f32 UsableSample(f32 fSample)
 {
@@ -26,29 +26,29 @@ void EmptyWindow(LevelMeter *pMeter)
     pMeter->nInStep = 0;
 }
 
-double FrameEnergy(LevelMeter *pMeter, const f32 *pfFrame)
+f64 FrameEnergy(LevelMeter *pMeter, const f32 *pfFrame)
 {
-    double fEnergy = 0;
+    f64 fEnergy = 0;
     for (u32 i = 0; i < pMeter->nChannels; i++) {
         const f32 fIn = pfFrame ? UsableSample(pfFrame[i]) : 0;
         const f32 fOut = fIn - pMeter->afDcIn[i] + pMeter->fDcPole * pMeter->afDcOut[i];
         pMeter->afDcIn[i] = fIn;
         pMeter->afDcOut[i] = fOut;
-        fEnergy += static_cast<double>(fOut) * fOut;
+        fEnergy += static_cast<f64>(fOut) * fOut;
     }
     return fEnergy;
 }
 
 f32 WindowLevel(const LevelMeter *pMeter)
 {
-    double fSum = 0;
-    for (double fEnergy : pMeter->afEnergy)
+    f64 fSum = 0;
+    for (f64 fEnergy : pMeter->afEnergy)
         fSum += fEnergy;
-    const double fCount = static_cast<double>(METER_STEPS) * pMeter->nStepFrames * pMeter->nChannels;
+    const f64 fCount = static_cast<f64>(METER_STEPS) * pMeter->nStepFrames * pMeter->nChannels;
     return std::min(static_cast<f32>(std::sqrt(fSum / fCount)), 1.0f);
 }
 
-void UpdateReading(LevelMeter *pMeter, double fNowMs)
+void UpdateReading(LevelMeter *pMeter, f64 fNowMs)
 {
     LevelReading *pReading = &pMeter->Reading;
     const f32 fRaw = WindowLevel(pMeter);
@@ -63,7 +63,7 @@ void UpdateReading(LevelMeter *pMeter, double fNowMs)
         NoteSound(pReading, fNowMs);
 }
 
-void FinishStep(LevelMeter *pMeter, double fNowMs)
+void FinishStep(LevelMeter *pMeter, f64 fNowMs)
 {
     for (f32 &fOut : pMeter->afDcOut)
         fOut = std::fabs(fOut) < DC_FLUSH ? 0 : fOut;
@@ -93,9 +93,9 @@ void SetMeterFormat(LevelMeter *pMeter, u32 nRate, u32 nChannels)
     EmptyWindow(pMeter);
 }
 
-void FeedLevelMeter(LevelMeter *pMeter, const f32 *pfSamples, u32 nFrames, double fEndMs)
+void FeedLevelMeter(LevelMeter *pMeter, const f32 *pfSamples, u32 nFrames, f64 fEndMs)
 {
-    const double fFrameMs = 1000.0 / pMeter->nRate;
+    const f64 fFrameMs = 1000.0 / pMeter->nRate;
     if (pMeter->fFedMs != 0 && fEndMs - nFrames * fFrameMs > pMeter->fFedMs + GAP_MS)
         EmptyWindow(pMeter);
     for (u32 i = 0; i < nFrames; i++) {

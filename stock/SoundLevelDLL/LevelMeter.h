@@ -26,8 +26,8 @@ struct LevelMeter {
     f32 fDcPole;
     f32 afDcIn[METER_CHANNELS_MAX]; // the last sample before and after the constant part was taken out
     f32 afDcOut[METER_CHANNELS_MAX];
-    double afEnergy[METER_STEPS]; // sum of the squares of each step
-    double fFedMs;                // moment of the last frame; 0: none
+    f64 afEnergy[METER_STEPS]; // sum of the squares of each step
+    f64 fFedMs;                // moment of the last frame; 0: none
     LevelRange Range;
     LevelReading Reading; // the result so far; copy it to ask for a level later
 };
@@ -41,7 +41,7 @@ void SetMeterFormat(LevelMeter *pMeter, u32 nRate, u32 nChannels);
 
 // Takes nFrames frames of interleaved samples (full scale -1 to 1; null: so many frames of silence), the last of
 // which belongs to the moment fEndMs. Samples that are no finite numbers count as 0.
-void FeedLevelMeter(LevelMeter *pMeter, const f32 *pfSamples, u32 nFrames, double fEndMs);
+void FeedLevelMeter(LevelMeter *pMeter, const f32 *pfSamples, u32 nFrames, f64 fEndMs);
 
 // The expanded level of a raw level: 0 and 1 stay, and the lower half of the range takes three quarters of it.
 f32 ExpandedLevel(f32 fRaw);

@@ -7,13 +7,13 @@
 namespace {
 
 // 1 while samples come, falling to 0 when they stay away (a suspended output, a lost server).
-f32 FreshnessAt(const LevelReading *pReading, double fNowMs)
+f32 FreshnessAt(const LevelReading *pReading, f64 fNowMs)
 {
-    const double fLate = fNowMs - pReading->fTimeMs - STALE_AFTER_MS;
+    const f64 fLate = fNowMs - pReading->fTimeMs - STALE_AFTER_MS;
     return static_cast<f32>(std::clamp(1 - fLate / STALE_FALL_MS, 0.0, 1.0));
 }
 
-f32 MeasuredLevelAt(const LevelReading *pReading, i32 nVolumeType, double fNowMs)
+f32 MeasuredLevelAt(const LevelReading *pReading, i32 nVolumeType, f64 fNowMs)
 {
     if (IsQuietAt(pReading, fNowMs))
         return 0;
@@ -25,7 +25,7 @@ f32 MeasuredLevelAt(const LevelReading *pReading, i32 nVolumeType, double fNowMs
 
 } // namespace
 
-void NoteSound(LevelReading *pReading, double fNowMs)
+void NoteSound(LevelReading *pReading, f64 fNowMs)
 {
     if (IsQuietAt(pReading, fNowMs)) {
         pReading->fShareAtStart = SimulatedShareAt(pReading, fNowMs);
@@ -35,21 +35,21 @@ void NoteSound(LevelReading *pReading, double fNowMs)
     pReading->fLastSoundMs = fNowMs;
 }
 
-u32 IsQuietAt(const LevelReading *pReading, double fNowMs)
+u32 IsQuietAt(const LevelReading *pReading, f64 fNowMs)
 {
     return !pReading->bHeard || fNowMs - pReading->fLastSoundMs > QUIET_AFTER_MS;
 }
 
-f32 SimulatedShareAt(const LevelReading *pReading, double fNowMs)
+f32 SimulatedShareAt(const LevelReading *pReading, f64 fNowMs)
 {
     if (!pReading->bHeard)
         return 1;
-    const double fFading = pReading->fShareAtStart - (fNowMs - pReading->fSoundStartMs) / FADE_OUT_MS;
-    const double fRising = (fNowMs - pReading->fLastSoundMs - QUIET_AFTER_MS) / FADE_IN_MS;
+    const f64 fFading = pReading->fShareAtStart - (fNowMs - pReading->fSoundStartMs) / FADE_OUT_MS;
+    const f64 fRising = (fNowMs - pReading->fLastSoundMs - QUIET_AFTER_MS) / FADE_IN_MS;
     return static_cast<f32>(std::clamp(std::max(fFading, fRising), 0.0, 1.0));
 }
 
-f32 LevelAt(const LevelReading *pReading, const SimulatedTempo *pTempo, i32 nVolumeType, double fNowMs)
+f32 LevelAt(const LevelReading *pReading, const SimulatedTempo *pTempo, i32 nVolumeType, f64 fNowMs)
 {
     const f32 fMeasured = MeasuredLevelAt(pReading, nVolumeType, fNowMs);
     if (nVolumeType >= VOLUMETYPE_RAW && nVolumeType <= VOLUMETYPE_DYNAMIC)

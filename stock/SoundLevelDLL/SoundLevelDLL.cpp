@@ -33,11 +33,11 @@ struct SoundMonitor {
 static_assert(std::is_trivially_destructible_v<SoundMonitor>);
 
 // The clock of all moments in here.
-double NowMs()
+f64 NowMs()
 {
     timespec ts;
     clock_gettime(CLOCK_MONOTONIC, &ts);
-    return static_cast<double>(ts.tv_sec) * 1e3 + static_cast<double>(ts.tv_nsec) * 1e-6;
+    return static_cast<f64>(ts.tv_sec) * 1e3 + static_cast<f64>(ts.tv_nsec) * 1e-6;
 }
 
 void SleepMs(u32 nMs)
