@@ -3,6 +3,7 @@
 
 #include "app/Folders.h"
 #include "app/GlobalSettings.h"
+#include "app/GlobalsFile.h"
 #include "app/SharedStatus.h"
 #include "app/Steps.h"
 #include "engine/BufferSize.h"
@@ -13,6 +14,7 @@
 #include "modules/ShaderList.h"
 #include "modules/SoundMonitor.h"
 #include "output/PlaneMixer.h"
+#include "platform/AtomicFile.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/GLWindow.h"
@@ -42,11 +44,16 @@ u32 SeedRandom()
     return 1;
 }
 
-u32 ReadSettings()
+u32 SetDefaults()
 {
     SetDefaultSettings();
-    if (!pOptions->preset.empty())
-        CopyText(GlobalSettings.Preset, pOptions->preset);
+    return 1;
+}
+
+u32 ReadStoredSettings()
+{
+    SetSaveFolder(JoinPath(FolderPath(PATH_DATA), u".saving"));
+    ReadGlobals(&GlobalSettings, pOptions->preset);
     return 1;
 }
 
@@ -91,18 +98,29 @@ u32 TestOpenGL()
     return 1;
 }
 
+// clang-format off
 constexpr Step asStartCore[] = {
-    {"folders", FindFolders},           {"random numbers", SeedRandom},
-    {"settings", ReadSettings},         {"sound block", AllocateSoundFrame},
-    {"accelerators", FindAccelerators}, {"shared block", OpenSharedBlock},
-    {"sound monitor", BindSound},       {"modules", LoadModules},
+    {"folders", FindFolders},
+    {"random numbers", SeedRandom},
+    {"default settings", SetDefaults},
+    {"sound block", AllocateSoundFrame},
+    {"accelerators", FindAccelerators},
+    {"stored settings", ReadStoredSettings},
+    {"shared block", OpenSharedBlock},
+    {"sound monitor", BindSound},
+    {"modules", LoadModules},
     {"OpenGL test", TestOpenGL},
 };
 
 constexpr Step asStartHeadless[] = {
-    {"folders", FindFolders}, {"settings", ReadSettings},         {"sound block", AllocateSoundFrame},
-    {"modules", LoadModules}, {"accelerators", FindAccelerators}, {"OpenGL test", TestOpenGL},
+    {"folders", FindFolders},
+    {"default settings", SetDefaults},
+    {"sound block", AllocateSoundFrame},
+    {"accelerators", FindAccelerators},
+    {"modules", LoadModules},
+    {"OpenGL test", TestOpenGL},
 };
+// clang-format on
 
 u32 DestroyPreset()
 {
@@ -141,9 +159,13 @@ u32 CloseSharedBlock()
     return 1;
 }
 
+// clang-format off
 constexpr Step asShutDown[] = {
-    {"preset", DestroyPreset},    {"sound monitor", StopSound},       {"sound block", FreeSoundFrame},
-    {"modules", UnloadLibraries}, {"shared block", CloseSharedBlock},
+    {"preset", DestroyPreset},
+    {"sound monitor", StopSound},
+    {"sound block", FreeSoundFrame},
+    {"modules", UnloadLibraries},
+    {"shared block", CloseSharedBlock},
 };
 
 constexpr Step asShutDownHeadless[] = {
@@ -151,6 +173,7 @@ constexpr Step asShutDownHeadless[] = {
     {"sound block", FreeSoundFrame},
     {"modules", UnloadLibraries},
 };
+// clang-format on
 
 } // namespace
 
@@ -166,6 +189,13 @@ void StartPreset()
 {
     SetStartBufferSize();
     SwitchPreset(MakeDefaultPreset, nullptr);
+}
+
+void SaveSettings()
+{
+    std::string sWhy;
+    if (!WriteGlobals(&GlobalSettings, &sWhy))
+        AddNotice(sWhy);
 }
 
 void ShutDown()

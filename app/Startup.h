@@ -19,6 +19,8 @@ struct StartOptions {
 int StartCore(const StartOptions &options);
 // The part after the visuals window stands: buffer size, preset.
 void StartPreset();
+// Writes the settings file. When the program is asked to end, before anything goes down.
+void SaveSettings();
 // Everything down again, in order.
 void ShutDown();
 

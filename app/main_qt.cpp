@@ -77,6 +77,7 @@ int RunDesktop(int argc, char **argv, const StartOptions &options)
         StartPreset();
         ShowErrors(&window);
         RunMainLoop([&window] { return window.CloseRequested(); });
+        SaveSettings();
     }
     ShutDown();
     return 0;
