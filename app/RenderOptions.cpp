@@ -91,7 +91,7 @@ constexpr OptionRow asOption[] = {
      SetText<&RenderOptions::out>},
     {"--warmup", "N", "frames run before the first one written (default 0)", SetWarmup},
     {"--seed", "S", "fixes every random number of the run (default 1)", SetSeed},
-    {"--sound", "FILE", "levels from this sound file (not in this version)", SetText<&RenderOptions::sound>},
+    {"--sound", "FILE", "levels from this sound file; not in this version: refused", SetText<&RenderOptions::sound>},
     {"--mix", "PATH", "rule: rule by rule; onepass: all rules at once (default rule)", SetMix},
     {"--threads", "N", "1: each plane on a thread of its own; 0: one after the other (default 1)", SetThreads},
     {"--data", "DIR", "an existing data folder", SetData},
@@ -104,6 +104,13 @@ constexpr OptionRow asOption[] = {
     {"--help", nullptr, "this text", SwitchOn<&RenderOptions::bHelp>},
     {"--version", nullptr, "the version", SwitchOn<&RenderOptions::bVersion>},
 };
+
+bool CheckSound(const RenderOptions *pro, std::string *psError)
+{
+    if (!pro->sound.empty())
+        *psError = "--sound " + pro->sound + ": this version cannot read sound files";
+    return pro->sound.empty();
+}
 
 bool CheckOut(RenderOptions *pro, std::string *psError)
 {
@@ -147,7 +154,7 @@ bool ReadRenderOptions(int argc, char **argv, RenderOptions *pro, std::string *p
         return false;
     if (pro->bHelp || pro->bVersion)
         return true;
-    return CheckOperands(pro, asOperand, psError) && CheckOut(pro, psError);
+    return CheckOperands(pro, asOperand, psError) && CheckSound(pro, psError) && CheckOut(pro, psError);
 }
 
 std::string RenderHelp()

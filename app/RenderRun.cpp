@@ -5,6 +5,7 @@
 #include "app/RenderSound.h"
 #include "app/RenderStats.h"
 #include "engine/FrameStep.h"
+#include "engine/PresetFile.h"
 #include "engine/PresetManager.h"
 #include "output/PictureFiles.h"
 #include "output/Presenters.h"
@@ -106,16 +107,28 @@ std::string LoadPreset(const RenderOptions &ro)
         SwitchPreset(MakeDefaultPreset, nullptr);
         return {};
     }
-    return ro.preset + " cannot be read: this version knows no preset but default";
+    PresetReport report = {};
+    const std::u16string name = FromUtf8(ro.preset);
+    const PresetRequest request = {name, &report};
+    if (!SwitchPreset(MakeStoredPreset, &request))
+        return ro.preset + " cannot be read as a preset";
+    ReportPassedOver(report);
+    return {};
 }
 
-std::string RefuseWhatIsMissing(const RenderOptions &ro)
+// Saves the preset and nothing else, or runs the frames. Empty, or what went wrong.
+std::string RunJob(const RenderOptions &ro)
 {
-    if (!ro.sound.empty())
-        return "--sound is not in this version";
-    if (!ro.save.empty())
-        return "--save is not in this version";
-    return {};
+    std::string sError;
+    if (!ro.save.empty()) {
+        SavePresetFile(CurrentPreset(), FromUtf8(ro.save), &sError);
+        return sError;
+    }
+    RenderStats stats;
+    sError = RunFrames(ro, &stats);
+    if (sError.empty() && ro.bStats)
+        PrintStats(stats);
+    return sError;
 }
 
 int ListPresets(const RenderOptions &ro)
@@ -145,17 +158,11 @@ int RunRender(const RenderOptions &ro)
 {
     if (!ro.list.empty())
         return ListPresets(ro);
-    std::string sError = RefuseWhatIsMissing(ro);
-    if (sError.empty()) {
-        RenderStats stats;
-        SetUpRun(ro);
-        sError = LoadPreset(ro);
-        if (sError.empty())
-            sError = RunFrames(ro, &stats);
-        if (sError.empty() && ro.bStats)
-            PrintStats(stats);
-        ShutDownHeadless();
-    }
+    SetUpRun(ro);
+    std::string sError = LoadPreset(ro);
+    if (sError.empty())
+        sError = RunJob(ro);
+    ShutDownHeadless();
     if (!sError.empty())
         Complain(sError);
     return sError.empty() ? 0 : 1;

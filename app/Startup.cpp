@@ -8,6 +8,7 @@
 #include "app/Steps.h"
 #include "engine/BufferSize.h"
 #include "engine/PlaneThreads.h"
+#include "engine/PresetFile.h"
 #include "engine/PresetManager.h"
 #include "modules/ModuleRegistry.h"
 #include "modules/OpenGLTest.h"
@@ -23,6 +24,8 @@
 #include "platform/Text.h"
 
 #include <atomic>
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -175,7 +178,17 @@ constexpr Step asShutDownHeadless[] = {
 };
 // clang-format on
 
+constexpr const char16_t *UNTITLED_PRESET = u"Tempname.VD";
+
 } // namespace
+
+void ReportPassedOver(const PresetReport &report)
+{
+    for (const std::string &sLine : report.asLine)
+        std::fprintf(stderr, "%s: passed over: %s\n", program_invocation_short_name, sLine.c_str());
+    if (report.nMore)
+        std::fprintf(stderr, "%s: passed over: and %u more\n", program_invocation_short_name, report.nMore);
+}
 
 int StartCore(const StartOptions &options)
 {
@@ -188,7 +201,14 @@ int StartCore(const StartOptions &options)
 void StartPreset()
 {
     SetStartBufferSize();
+    PresetReport report = {};
+    const PresetRequest request = {GlobalSettings.Preset, &report};
+    if (SwitchPreset(MakeStoredPreset, &request)) {
+        ReportPassedOver(report);
+        return;
+    }
     SwitchPreset(MakeDefaultPreset, nullptr);
+    CopyText(GlobalSettings.Preset, UNTITLED_PRESET);
 }
 
 void SaveSettings()

@@ -5,6 +5,8 @@
 
 #include <string>
 
+struct PresetReport;
+
 constexpr int EXIT_MAPPING = -1; // the shared block belongs to a program of another version
 
 // What the command line of the desktop program says.
@@ -17,8 +19,11 @@ struct StartOptions {
 // The part of the start-up that needs no window: folders, settings, shared block, sound, modules, OpenGL test. 0 to go
 // on, else the exit code with which the process must leave. [main-thread]
 int StartCore(const StartOptions &options);
-// The part after the visuals window stands: buffer size, preset.
+// The part after the visuals window stands: buffer size, preset. Where the preset of the settings cannot be read, the
+// default preset takes its place, untitled.
 void StartPreset();
+// Says on standard error what the reader of a preset could not use here.
+void ReportPassedOver(const PresetReport &report);
 // Writes the settings file. When the program is asked to end, before anything goes down.
 void SaveSettings();
 // Everything down again, in order.
