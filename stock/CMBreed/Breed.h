@@ -3,6 +3,7 @@
 #define VORTICADE_CMBREED_BREED_H
 
 #include "Genome.h"
+#include "stock/common/PaletteMix.h"
 
 #define STOCK_PALETTES 8 // living palettes, the parents of the next
 #define JUDGED_COLORS 64 // samples of a palette when its beauty is judged
@@ -64,6 +65,8 @@ struct Breed {
     uint16_t nBeatSeen;
     bool bPaced; // an interpolator of the protocol is at work, last seen at the tick below
     uint64_t qwBeatTick;
+    PaletteColor aFrom[PALETTE_COLORS_MAX]; // the two palettes while the generator mixes them itself
+    PaletteColor aTo[PALETTE_COLORS_MAX];
 };
 
 // Fills the stable with founders.

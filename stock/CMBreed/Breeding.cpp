@@ -39,7 +39,7 @@ float NoveltyOfHue(const Stable *pStable, float fHue)
     return fNearest * 2;
 }
 
-// Rich in light and color, clean, unlike what was shown last, and near the wished hue.
+// Rich in light and colour, clean, unlike what was shown last, and near the wished hue.
 void JudgePalette(Verdict *pVerdict, const Stable *pStable, const GrownPalette &palette, const BreedWish &wish)
 {
     const float fShare = 1.0f / JUDGED_COLORS;

@@ -11,9 +11,9 @@ struct Gene {
 };
 
 const Gene aGenes[] = {
-    {&Crest::fFamily, 0, 0.999f},    {&Crest::fStray, -1, 1},      {&Crest::fPeak, -1, 1},
-    {&Crest::fValley, 0.03f, 0.32f}, {&Crest::fWidth, 0.6f, 1.7f}, {&Crest::fSkew, 0.26f, 0.74f},
-    {&Crest::fShade, 0, 1},          {&Crest::fDrift, -1, 1},      {&Crest::fShine, 0.1f, 1},
+    {&Crest::fFamily, 0, 0.999f},    {&Crest::fStray, -1, 1},       {&Crest::fPeak, -1, 1},
+    {&Crest::fValley, 0.03f, 0.32f}, {&Crest::fWidth, 0.75f, 1.4f}, {&Crest::fSkew, 0.33f, 0.67f},
+    {&Crest::fShade, 0, 1},          {&Crest::fDrift, -1, 1},       {&Crest::fShine, 0.1f, 1},
 };
 
 const float fRichnessLow = 0.86f, fRichnessHigh = 1;

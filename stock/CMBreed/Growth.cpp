@@ -14,6 +14,7 @@ const float aafScheme[HARMONY_COUNT][4] = {
 };
 
 const float fYellow = 0.30f, fCyan = 0.54f, fViolet = 0.79f;
+const float fLeastLight = 0.8f; // of every crest: half of it is left where two planes are blended
 const float fStrayTurns = 0.025f;
 const float fDriftTurns = 0.08f;
 
@@ -78,6 +79,7 @@ void GrowWave(GrownWave *pWave, const Crest &crest, float fHue, const GrowthWish
     pWave->fLight = Mix(LightOfStrongest(fHue), 0.78f, 0.45f) + 0.06f * crest.fPeak;
     pWave->fSkew = crest.fSkew;
     pWave->fGlint = (0.97f - pWave->fLight) * Limit(crest.fShine * 2 * wish.fGlow, 0, 1);
+    pWave->fGlint = std::fmax(pWave->fGlint, fLeastLight - pWave->fLight);
     pWave->fGlintTurn = TurnToLight(fHue);
 }
 

@@ -1,11 +1,9 @@
 // Solo.cpp -- the generator without its interpolator: it moves from palette to palette itself
 #include "Breed.h"
 
-#include "stock/common/PaletteMix.h"
-
 namespace {
 
-const int32_t nTransitionSteps = 1000;
+const int32_t nTransitionSteps = 200; // some seconds for a stranger that takes one each frame
 const double fLongestTransitionMs = 6000;
 
 void WriteStep(Solo *pSolo, PaletteInfo *pInfo, int32_t nStep, int32_t nSteps)
@@ -62,13 +60,13 @@ void Move(Solo *pSolo, PaletteInfo *pInfo, double fElapsedMs, double fLifetimeMs
     WriteStep(pSolo, pInfo, nTransitionSteps, nTransitionSteps);
 }
 
-void FillTable(const Breed *pBreed, PlaneInfo *ppi)
+void FillTable(Breed *pBreed, PlaneInfo *ppi)
 {
     const PaletteInfo *pInfo = ppi->pPaletteInfo;
     const PaletteSizes sizes = ReadSizes(pInfo);
     const int32_t nTo = sizes.nColors2, nFrom = sizes.nColors1 > 0 ? sizes.nColors1 : nTo;
     const float fShare = pBreed->solo.bMoving ? SmoothStep((float)pBreed->solo.fProgress) : 1;
-    PaletteColor aFrom[PALETTE_COLORS_MAX], aTo[PALETTE_COLORS_MAX];
+    PaletteColor *aFrom = pBreed->aFrom, *aTo = pBreed->aTo;
     for (int32_t i = 0; i < nFrom; i++)
         aFrom[i] = PaletteColorOf(LabOfCodes(&pBreed->codes, pInfo->abRed1[i], pInfo->abGreen1[i], pInfo->abBlue1[i]));
     for (int32_t i = 0; i < nTo; i++)
@@ -89,6 +87,10 @@ void RunSolo(Breed *pBreed, PlaneInfo *ppi, uint32_t nElapsedMs)
     PaletteInfo *pInfo = ppi->pPaletteInfo;
     const double fElapsedMs = (double)nElapsedMs / ReadTimeScale(ppi);
     const double fLifetimeMs = (double)ReadFloat(pBreed->ctl.pLifetime) * 1000;
+    if (ReadSizes(pInfo).nColors2 == 0) { // somebody wrote over the sizes
+        BreedSecondPalette(pBreed, pInfo);
+        KeepSecondPalette(pInfo);
+    }
     WatchForStranger(pSolo, pInfo, ppi->hdc->qwTick);
     TakeUpTransition(pSolo, pInfo);
     pSolo->fAgeMs += fElapsedMs;
