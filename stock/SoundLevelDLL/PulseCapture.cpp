@@ -129,8 +129,8 @@ u32 ConnectStream(PulseCapture *pCapture, const pa_sample_spec *pSpec)
 void OpenStream(PulseCapture *pCapture, const char *pszMonitor, const char *pszOutput)
 {
     CloseStream(pCapture);
-    const pa_sample_spec spec = {PA_SAMPLE_FLOAT32NE, CAPTURE_RATE, CAPTURE_CHANNELS};
-    pCapture->pStream = pa_stream_new(pCapture->pContext, "Sound level", &spec, nullptr);
+    const pa_sample_spec sample = {PA_SAMPLE_FLOAT32NE, CAPTURE_RATE, CAPTURE_CHANNELS};
+    pCapture->pStream = pa_stream_new(pCapture->pContext, "Sound level", &sample, nullptr);
     if (!pCapture->pStream) {
         SetTimer(pCapture, RETRY_MS);
         return;
@@ -141,7 +141,7 @@ void OpenStream(PulseCapture *pCapture, const char *pszMonitor, const char *pszO
     pa_stream_set_state_callback(pCapture->pStream, OnStreamState, pCapture);
     pa_stream_set_moved_callback(pCapture->pStream, CheckSource, pCapture);
     pa_stream_set_read_callback(pCapture->pStream, OnSamples, pCapture);
-    if (!ConnectStream(pCapture, &spec))
+    if (!ConnectStream(pCapture, &sample))
         GiveUpStream(pCapture, RETRY_MS);
 }
 
