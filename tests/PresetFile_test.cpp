@@ -125,7 +125,7 @@ void PresetFile::Randomize(ModuleSlot *pms, bool bDrawn)
 {
     pms->nDuration = Chance(2) ? 16 : 1 + Random(181);
     pms->nCallsPerFrame = Chance(2) ? 1 : static_cast<i32>(Random(65)) - 32;
-    pms->bClearOnReset = Random(2);
+    pms->bClearOnReset = static_cast<i32>(Random(2));
     for (i32 i = 0; i < pms->nControls; i++)
         if (Chance(2))
             Randomize(pms->apControl[i], bDrawn);
