@@ -261,15 +261,14 @@ ControlRecord StoredForm(const ControlRecord &Control)
     return ctl;
 }
 
-// A number in its documented range; the module's own default always counts as one, and so does "never" for a period.
+// A number in its documented range; the module's own default always counts as one.
 void ReadLimited(XmlContext *pxc, const char16_t *pszTag, i32 nMin, i32 nMax, u32 dwDefault, u32 *pdwValue)
 {
     i32 nValue = 0;
     if (!XmlReadInt(pxc, pszTag, &nValue))
         return;
     const u32 dwValue = static_cast<u32>(nValue);
-    const bool bFree = dwValue == dwDefault || dwValue == DURATION_NEVER;
-    *pdwValue = bFree ? dwValue : static_cast<u32>(std::clamp(nValue, nMin, nMax));
+    *pdwValue = dwValue == dwDefault ? dwValue : static_cast<u32>(std::clamp(nValue, nMin, nMax));
 }
 
 void ReadAnimation(XmlContext *pxc, ControlBase *pBase)
@@ -282,6 +281,8 @@ void ReadAnimation(XmlContext *pxc, ControlBase *pBase)
     if (XmlReadFloat(pxc, u"WavePhase", &pBase->fWavePhase))
         pBase->fWavePhase = std::clamp(pBase->fWavePhase, 0.0f, 1.0f);
     ReadLimited(pxc, u"WavePeriod", WAVE_PERIOD_MIN, WAVE_PERIOD_MAX, pBase->nDefaultWavePeriod, &pBase->nWavePeriod);
+    if (XmlReadInt(pxc, u"WavePeriod", &nValue) && nValue == static_cast<i32>(DURATION_NEVER))
+        pBase->nWavePeriod = DURATION_NEVER; // below the range, and stands still
     ReadLimited(pxc, u"NoisePeriod", 0, NOISE_PERIOD_MAX, pBase->nDefaultNoisePeriod, &pBase->nNoisePeriod);
 }
 

@@ -125,7 +125,7 @@ void PresetFile::Randomize(ModuleSlot *pms, bool bDrawn)
 {
     pms->nDuration = Chance(2) ? 16 : 1 + Random(181);
     pms->nCallsPerFrame = Chance(2) ? 1 : static_cast<i32>(Random(65)) - 32;
-    pms->bClearOnReset = Random(2);
+    pms->bClearOnReset = static_cast<i32>(Random(2));
     for (i32 i = 0; i < pms->nControls; i++)
         if (Chance(2))
             Randomize(pms->apControl[i], bDrawn);
@@ -385,7 +385,7 @@ TEST_F(PresetFile, HostileValuesComeInsideTheirLimits)
                        std::string(100, '0') + "</TileMask0><TileMask1>0</TileMask1>") +
         control(3, "<Source>16</Source><NoisePeriod>-5</NoisePeriod><Threshold>7</Threshold>") +
         control(4, "<Source>3</Source><Samples>99</Samples><Val>-2147483648</Val>") +
-        control(5, "<Source>8</Source><Samples>99</Samples>"));
+        control(5, "<Source>8</Source><Samples>181</Samples><WavePeriod>181</WavePeriod>"));
     const ModuleSlot *pms = Painter();
     EXPECT_EQ(pms->nCallsPerFrame, 32);
     EXPECT_EQ(pms->nDuration, 1u);
@@ -406,6 +406,7 @@ TEST_F(PresetFile, HostileValuesComeInsideTheirLimits)
     EXPECT_EQ(pms->apControl[4]->Base.dwSource, u32{FLUIDSOURCE_FIXED});
     EXPECT_EQ(pms->apControl[4]->Integer.nValue, 0);
     EXPECT_EQ(pms->apControl[5]->Base.nSamples, SOUND_HISTORY);
+    EXPECT_EQ(pms->apControl[5]->Base.nWavePeriod, DURATION_NEVER);
     EXPECT_TRUE(Step());
 }
 
