@@ -6,24 +6,28 @@
 
 #include <cmath>
 #include <fuzzer/FuzzedDataProvider.h>
+#include <optional>
 
 namespace {
 
 const std::u16string asTag[] = {u"a", u"Preset", u"NumPlanes", u"Plane0", u"Name", u"Val", u"/a", u"\u00e4"};
 
-void LookUp(XmlContext *pxc, const XmlOracle &oracle, const std::u16string &tag)
+// All kinds of value of one tag agree that it is there, and with the oracle, which may be null.
+void LookUp(XmlContext *pxc, const XmlOracle *pOracle, const std::u16string &tag)
 {
-    const auto expected = oracle.Value(tag);
     std::u16string_view text;
     i32 n = 77;
     f32 f = 77;
     char16_t sz[5] = u"????";
     const u32 bFound = XmlReadText(pxc, tag, &text);
-    VD_ASSERT((bFound != 0) == expected.has_value());
     VD_ASSERT(XmlReadInt(pxc, tag, &n) == bFound && XmlReadFloat(pxc, tag, &f) == bFound);
     VD_ASSERT(XmlReadString(pxc, tag, sz) == bFound && sz[4] == 0);
-    VD_ASSERT(bFound ? text == expected->substr(0, expected->find(u'\0')) : n == 77 && f == 77);
-    VD_ASSERT(std::isfinite(f));
+    VD_ASSERT((bFound || (n == 77 && f == 77)) && std::isfinite(f));
+    if (!pOracle)
+        return;
+    const auto expected = pOracle->Value(tag);
+    VD_ASSERT((bFound != 0) == expected.has_value());
+    VD_ASSERT(!bFound || text == expected->substr(0, expected->find(u'\0')));
 }
 
 } // namespace
@@ -40,16 +44,22 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *pData, size_t cb)
 
     XmlContext *pxc = XmlOpenBytes(bytes);
     pxc->cchTextLeft = SIZE_MAX;
-    XmlOracle oracle(pxc->sText);
+    std::optional<XmlOracle> oracle; // slow: for one input in four
+    if (cb % 4 == 0)
+        oracle.emplace(pxc->sText);
     for (u32 i = 0; i < nSteps; i++) {
         const std::u16string &tag = asTag[abStep[i] % std::size(asTag)];
         const u32 nWhat = abStep[i] / std::size(asTag) % 4;
-        if (nWhat == 0)
-            VD_ASSERT((XmlEnterTag(pxc, tag) != 0) == oracle.Enter(tag));
-        else if (nWhat == 1)
-            XmlLeaveTag(pxc), oracle.Leave();
-        else
-            LookUp(pxc, oracle, tag);
+        if (nWhat == 0) {
+            const bool bEntered = XmlEnterTag(pxc, tag) != 0;
+            VD_ASSERT(!oracle || oracle->Enter(tag) == bEntered);
+        } else if (nWhat == 1) {
+            XmlLeaveTag(pxc);
+            if (oracle)
+                oracle->Leave();
+        } else {
+            LookUp(pxc, oracle ? &*oracle : nullptr, tag);
+        }
     }
     XmlClose(pxc);
     return 0;
