@@ -13,15 +13,6 @@ namespace {
 
 u64 qwModuleTick = 0; // written between frames only
 
-// What must be fresh in the head before any call for this slot.
-void RefreshHead(PlaneInfo *ppi, const ModuleSlot *pms)
-{
-    ppi->dwTimeScale = GlobalSettings.TimeScale;
-    ppi->hwndGL = pms->hwndGL;
-    if (ppi->hdc)
-        ppi->hdc->qwTick = qwModuleTick;
-}
-
 u64 NextResetTick(const ModuleSlot *pms)
 {
     return TickCount() + static_cast<u64>(pms->nDuration) * GlobalSettings.TimeScale * 1000;
@@ -105,6 +96,16 @@ void ResolvePlane(PlaneState *pps)
 void SetModuleTick(u64 qwTick)
 {
     qwModuleTick = qwTick;
+}
+
+void RefreshHead(PlaneInfo *ppi, const ModuleSlot *pms)
+{
+    ppi->dwTimeScale = GlobalSettings.TimeScale;
+    ppi->hwndGL = pms->hwndGL;
+    if (!ppi->hdc)
+        return;
+    ppi->hdc->qwTick = qwModuleTick;
+    ppi->hdc->pSelected = nullptr; // what another module left selected may be gone after a resize
 }
 
 void RunModuleSlot(PlaneInfo *ppi, ModuleSlot *pms, u32 dwSteps)

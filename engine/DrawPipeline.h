@@ -7,6 +7,10 @@
 // modules up sets it before. [main-thread, while no plane is being drawn]
 void SetModuleTick(u64 qwTick);
 
+// Renews what must be fresh in the head before any call for this slot: time scale, tick, OpenGL window, and nothing
+// selected in the context. The steps below do it themselves.
+void RefreshHead(PlaneInfo *ppi, const ModuleSlot *pms);
+
 // Applies the step mask to one instance. ppi is what the module sees (see SlotPlaneInfo). Allocates nothing.
 // [plane-thread, main-thread]
 void RunModuleSlot(PlaneInfo *ppi, ModuleSlot *pms, u32 dwSteps);

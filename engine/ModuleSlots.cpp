@@ -77,8 +77,10 @@ void BindShader(ModuleSlot *pms, PlaneState *pps, u32 dwShader)
 // Lets the module make its instance and its controls.
 void BuildSlot(PresetState *lppsi, PlaneState *pps, ModuleSlot *pms)
 {
+    PlaneInfo *ppi = pps ? &pps->Info : &lppsi->piPostProc;
+    RefreshHead(ppi, pms);
     BeginControls(pms);
-    CallBuildControlStructure(pms, pps ? &pps->Info : &lppsi->piPostProc);
+    CallBuildControlStructure(pms, ppi);
     EndControls(pms);
     if (pps)
         pps->Info.lpszShaderPath = nullptr;

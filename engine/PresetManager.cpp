@@ -101,10 +101,17 @@ void FreePlane(PlaneState *pps)
     std::free(pps);
 }
 
+// The last picture may be a plane's own: before one is freed, nothing may name it any more.
+void ForgetPicture(PresetState *lppsi)
+{
+    lppsi->phbmOutput = nullptr;
+    lppsi->piPostProc.hbmDraw = lppsi->hbmFinal;
+}
+
 u32 RemoveAllPlanes(PresetState *lppsi)
 {
     const u32 bAny = lppsi->nPlanes > 0;
-    lppsi->phbmOutput = nullptr;
+    ForgetPicture(lppsi);
     lppsi->nPlanes = 0;
     for (PlaneState *&pps : lppsi->psPlane) {
         if (pps)
@@ -245,7 +252,7 @@ u32 RemovePlane(PresetState *lppsi, PlaneState *pps)
     PlaneState **ppFound = std::find(lppsi->psPlane, ppEnd, pps);
     if (ppFound == ppEnd)
         return 0;
-    lppsi->phbmOutput = nullptr;
+    ForgetPicture(lppsi);
     FreePlane(pps);
     std::copy(ppFound + 1, ppEnd, ppFound);
     lppsi->psPlane[--lppsi->nPlanes] = nullptr;

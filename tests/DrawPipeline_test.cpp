@@ -85,6 +85,23 @@ TEST_F(DrawPipeline, BringUpOfAnOverlayAlsoSeesTheResolvedPicture)
     EXPECT_FALSE(FindCall(log, pms->pvContext, RECORDERCALL_INITIALIZE)->bIndexed);
 }
 
+TEST_F(DrawPipeline, NoCallSeesWhatTheCallsBeforeItLeftInTheHead)
+{
+    MakePreset(1);
+    PlaneInfo *ppi = &lppsi->psPlane[0]->Info;
+    HostGLWindow gone = {};
+    ppi->hwndGL = &gone; // of a module that was removed
+    ppi->dwTimeScale = 0;
+    ppi->hdc->pfnSelectBitmap(ppi->hdc, ppi->hbmDraw);
+    AddModule(lppsi, u"Recorder.dll", 0, MODULEINDEX_DRAWPAINTER, 0, 0);
+    EXPECT_EQ(nullptr, ppi->hwndGL) << "building counts as a call";
+    EXPECT_EQ(1u, ppi->dwTimeScale);
+    EXPECT_EQ(nullptr, ppi->hdc->pSelected);
+    ppi->hdc->pfnSelectBitmap(ppi->hdc, ppi->hbmDraw);
+    Step();
+    EXPECT_EQ(nullptr, ppi->hdc->pSelected);
+}
+
 TEST_F(DrawPipeline, FractionalCallsFollowTheFramesShown)
 {
     MakePreset(1);

@@ -40,6 +40,21 @@ TEST_F(PresetManager, RemovingAPlaneMovesTheLaterOnesDownAndDropsTheMixerRules)
     EXPECT_EQ(0u, RemovePlane(lppsi, ppsSecond)) << "it is gone already";
 }
 
+TEST_F(PresetManager, PostProcessingNeverSeesThePictureOfAPlaneThatIsGone)
+{
+    MakePreset(2);
+    ModuleSlot *pms = Add(MODULEINDEX_NUMINDICIES, -1);
+    pms->bClearOnReset = 1;
+    Step(); // without rules the picture is the first plane's own
+    pms->bResetPending = 1;
+    RemovePlane(lppsi, lppsi->psPlane[0]);
+    EXPECT_EQ(lppsi->hbmFinal, lppsi->piPostProc.hbmDraw);
+    Step();
+    pms->bResetPending = 1;
+    EXPECT_NE(0u, DestroyPresetState(lppsi)) << "the reset that is due then clears a picture, too";
+    lppsi = nullptr;
+}
+
 TEST_F(PresetManager, TheDefaultPresetStandsWithoutItsModules)
 {
     lppsi = CreatePresetState(1);

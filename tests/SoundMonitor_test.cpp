@@ -11,6 +11,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -99,7 +100,7 @@ bool IsCleared(const SoundMonitorBinding &binding)
 // One line, told by its program, with the path in it.
 void ExpectOneLine(const std::string &sText, const std::string &sPath, const char *pszCause)
 {
-    EXPECT_EQ(sText.find("vorticade: "), 0u) << sText;
+    EXPECT_EQ(sText.find(std::string(program_invocation_short_name) + ": "), 0u) << sText;
     EXPECT_NE(sText.find(sPath), std::string::npos) << sText;
     EXPECT_NE(sText.find(pszCause), std::string::npos) << sText;
     EXPECT_EQ(sText.find('\n'), sText.size() - 1) << sText;
