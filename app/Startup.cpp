@@ -36,6 +36,8 @@ std::atomic<u64> dwTimerIdNext{69};
 u32 FindFolders()
 {
     InitFolders({{}, pOptions->data, pOptions->modules});
+    // Before any thread runs: the environment must not change under one that reads it.
+    SetVariable("FOLDER_SHADERINCLUDE", JoinPath(FolderPath(PATH_SHADERS), u"Include"));
     return 1;
 }
 
@@ -96,7 +98,6 @@ u32 LoadModules()
 
 u32 TestOpenGL()
 {
-    SetVariable("FOLDER_SHADERINCLUDE", JoinPath(FolderPath(PATH_SHADERS), u"Include"));
     ProbeOpenGL();
     return 1;
 }
