@@ -107,7 +107,7 @@ static void DrawRing(const Canvas &canvas, const Paint &paint, const ArcLook &lo
         aPoint[i] = PointOfRing(frame, look, ring.fStart + fAlong * fSweep, fThickness * (0.35f + 0.65f * fThin));
         aPoint[i].fWeight *= fThin;
     }
-    PaintCurve(canvas, paint, aPoint, ARC_POINTS, look.fHardness, bClosed);
+    PaintCurve(canvas, paint, aPoint, ARC_POINTS, look.fHardness, bClosed ? ENDS_CLOSED : ENDS_ROUND);
 }
 
 static void DrawRings(const Canvas &canvas, const Paint &paint, const ArcLook &look, const ArcMotion &motion)
@@ -141,6 +141,8 @@ static int32_t StepsOfFrame(const ArcLook &look, float fSeconds)
 
 void DrawArcs(const Canvas &canvas, const Paint &paint, const ArcLook &look, ArcMotion *pMotion, float fSeconds)
 {
+    if (paint.fLayers <= 0) // no time has passed: there is nothing to add
+        return;
     const int32_t nSteps = StepsOfFrame(look, fSeconds);
     const Paint layer = {paint.dwMode, paint.fLayers / (float)nSteps};
     for (int32_t i = 0; i < nSteps; i++) {

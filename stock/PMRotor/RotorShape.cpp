@@ -1,9 +1,9 @@
 // RotorShape.cpp -- joints, copies and the strokes through them
 #include "RotorShape.h"
 
-#define ROTOR_ARM_POINTS 25 // along one arm, a curve through its joints
-#define ROTOR_STEPS_MOST 5  // drawings in one frame
-#define ROTOR_TRACE 5       // poses from one drawing to the next, through which the tip leaves its trace
+#define ROTOR_ARM_POINTS 41 // along one arm, a curve through its joints
+#define ROTOR_STEPS_MOST 12 // drawings in one frame
+#define ROTOR_TRACE 4       // poses from one drawing to the next, through which the tip leaves its trace
 
 void SeedRotor(RotorMotion *pMotion, StockRandom *pRandom)
 {
@@ -49,10 +49,6 @@ static void MoveRotor(RotorMotion *pMotion, const RotorLook &look, float fSecond
         AdvancePhase(&pMotion->afDrift[i], afDriftSpeed[i], fSeconds);
 }
 
-struct Joint {
-    float x, y;
-};
-
 // Joint positions against the middle at a reach of 1, before spin and copies. The last joints of a broken number
 // fold in, which is how a joint comes and goes.
 static void PlaceJoints(const RotorMotion &motion, const RotorLook &look, Joint *pJoint)
@@ -89,45 +85,39 @@ static Joint PointOfArm(const Joint *pJoint, float fAlong)
     return {Spline(a.x, b.x, c.x), Spline(a.y, b.y, c.y)};
 }
 
-// The figure at one moment.
-struct Pose {
-    Joint aJoint[ROTOR_JOINTS_MOST + 1];
-    float fSpin;            // turns
-    float xMiddle, yMiddle; // pixels
-};
-
-static Pose TakePose(const Canvas &canvas, const RotorLook &look, const RotorMotion &motion)
+static Pose TakePose(const RotorLook &look, const RotorMotion &motion)
 {
     Pose pose = {};
     PlaceJoints(motion, look, pose.aJoint);
     pose.fSpin = motion.fSpinPhase;
-    const float xDrift = 0.7f * SineTurn(motion.afDrift[0]) + 0.3f * SineTurn(motion.afDrift[1]);
-    const float yDrift = 0.7f * SineTurn(motion.afDrift[2]) + 0.3f * SineTurn(motion.afDrift[3]);
-    pose.xMiddle = 0.5f * (float)canvas.nWidth * (1 + look.fDrift * xDrift);
-    pose.yMiddle = 0.5f * (float)canvas.nHeight * (1 + look.fDrift * yDrift);
+    pose.xMiddle = 0.7f * SineTurn(motion.afDrift[0]) + 0.3f * SineTurn(motion.afDrift[1]);
+    pose.yMiddle = 0.7f * SineTurn(motion.afDrift[2]) + 0.3f * SineTurn(motion.afDrift[3]);
+    pose.xMiddle = 0.5f * (1 + look.fDrift * pose.xMiddle);
+    pose.yMiddle = 0.5f * (1 + look.fDrift * pose.yMiddle);
+    pose.fReach = look.fReach;
+    pose.fCopies = std::max(look.fCopies, 1.0f);
     return pose;
 }
 
-// One of the symmetric copies.
+// One of the symmetric copies. All have the same colors: where two tips travel together, neither shows stripes.
 struct Copy {
-    float fTurn; // against the first one
-    float fFlip; // -1 for a mirror image
+    int32_t iCopy; // around the middle
+    float fFlip;   // -1 for a mirror image
     float fWeight;
-    float fPlaceShift;
 };
 
 // A joint of the pose as a point of the copy, with the pen at this place along the arm (0 root, 1 tip).
 static StrokePoint PenAt(const Canvas &canvas, const RotorLook &look, const Pose &pose, const Copy &copy,
                          const Joint &joint, float fAlong)
 {
-    const float fSide = (float)std::min(canvas.nWidth, canvas.nHeight), fReach = 0.5f * fSide * look.fReach;
-    const float c = fReach * CosineTurn(pose.fSpin + copy.fTurn), s = fReach * SineTurn(pose.fSpin + copy.fTurn);
-    const float y = joint.y * copy.fFlip;
+    const float fSide = (float)std::min(canvas.nWidth, canvas.nHeight), fReach = 0.5f * fSide * pose.fReach;
+    const float fTurn = pose.fSpin + (float)copy.iCopy / pose.fCopies;
+    const float c = fReach * CosineTurn(fTurn), s = fReach * SineTurn(fTurn), y = joint.y * copy.fFlip;
     StrokePoint point = {};
-    point.x = pose.xMiddle + joint.x * c - y * s;
-    point.y = pose.yMiddle + joint.x * s + y * c;
+    point.x = pose.xMiddle * (float)canvas.nWidth + joint.x * c - y * s;
+    point.y = pose.yMiddle * (float)canvas.nHeight + joint.x * s + y * c;
     point.fRadius = look.fThickness * fSide * (1 - look.fTaper * (fAlong - 0.5f) * 1.6f);
-    point.fPlace = 0.28f + 0.66f * FoldUnit(0.5f * (look.fPlace + look.fSpread * fAlong) + copy.fPlaceShift);
+    point.fPlace = 0.28f + 0.66f * FoldUnit(0.5f * (look.fPlace + look.fSpread * fAlong));
     point.fWeight = copy.fWeight;
     return point;
 }
@@ -140,53 +130,67 @@ static void DrawArm(const Canvas &canvas, const Paint &paint, const RotorLook &l
         aPoint[i] = PenAt(canvas, look, pose, copy, PointOfArm(pose.aJoint, fAlong), fAlong);
         aPoint[i].fWeight *= look.fArm * std::min(fAlong * 6, 1.0f); // soft where all the roots meet
     }
-    PaintCurve(canvas, paint, aPoint, ROTOR_ARM_POINTS, look.fHardness, false);
+    PaintCurve(canvas, paint, aPoint, ROTOR_ARM_POINTS, look.fHardness, ENDS_ROUND);
 }
 
 static void DrawTrace(const Canvas &canvas, const Paint &paint, const RotorLook &look, const Pose *pPoses,
-                      const Copy &copy)
+                      const Copy &copy, uint32_t dwEnds)
 {
-    StrokePoint aPoint[ROTOR_TRACE];
-    for (int32_t i = 0; i < ROTOR_TRACE; i++)
+    StrokePoint aPoint[ROTOR_LEAD + ROTOR_TRACE];
+    for (int32_t i = 0; i < ROTOR_LEAD + ROTOR_TRACE; i++)
         aPoint[i] = PenAt(canvas, look, pPoses[i], copy, pPoses[i].aJoint[ROTOR_JOINTS_MOST], 1);
-    PaintCurve(canvas, paint, aPoint, ROTOR_TRACE, look.fHardness, false);
+    // It passes once over a pixel, however many steps it takes: one layer.
+    const int32_t iFirst = dwEnds & ENDS_LED_START ? 0 : 1;
+    PaintCurve(canvas, {paint.dwMode, 1}, aPoint + iFirst, ROTOR_LEAD + ROTOR_TRACE - iFirst, look.fHardness, dwEnds);
 }
 
-static void DrawCopies(const Canvas &canvas, const Paint &paint, const RotorLook &look, const Pose *pPoses)
+static void DrawCopies(const Canvas &canvas, const Paint &paint, const RotorLook &look, const Pose *pPoses,
+                       uint32_t dwTraceEnds)
 {
     for (int32_t i = 0; i < ROTOR_COPIES_MOST && (float)i < look.fCopies; i++) {
         // Between whole numbers the fan opens or closes, and its last arm comes or goes.
-        Copy copy = {(float)i / std::max(look.fCopies, 1.0f), 1, std::min(look.fCopies - (float)i, 1.0f), 0};
+        Copy copy = {i, 1, std::min(look.fCopies - (float)i, 1.0f)};
         for (; copy.fWeight > 0.01f && copy.fFlip > -2; copy.fFlip -= 2) {
-            DrawArm(canvas, paint, look, pPoses[ROTOR_TRACE - 1], copy);
-            DrawTrace(canvas, paint, look, pPoses, copy);
+            DrawArm(canvas, paint, look, pPoses[ROTOR_LEAD + ROTOR_TRACE - 1], copy);
+            DrawTrace(canvas, paint, look, pPoses, copy, dwTraceEnds);
             copy.fWeight *= look.fMirror;
-            copy.fPlaceShift = 0.12f;
         }
     }
 }
 
-// Drawings that the frame needs for the tip to move by no more than about the pen's width between them.
-static int32_t StepsOfFrame(const RotorLook &look, const RotorMotion &motion, float fSeconds)
+// Drawings that the frame needs for the tip to move by no more than half the pen's width between them.
+static int32_t StepsOfFrame(const Canvas &canvas, const RotorLook &look, RotorMotion motion, float fSeconds)
 {
-    float fFastest = 0;
-    for (int32_t i = 1; i < ROTOR_JOINTS_MOST; i++)
-        fFastest = std::max(fFastest, std::fabs(motion.afRatio[i]) * look.fWhirl);
-    const float fWay = 3.1f * look.fReach * (std::fabs(look.fSpin) + 0.5f * fFastest) * fSeconds;
-    return std::clamp((int32_t)(fWay / std::max(look.fThickness, 0.002f)) + 1, 1, ROTOR_STEPS_MOST);
+    const Copy copy = {0, 1, 1};
+    const auto Tip = [&] {
+        const Pose pose = TakePose(look, motion);
+        return PenAt(canvas, look, pose, copy, pose.aJoint[ROTOR_JOINTS_MOST], 1);
+    };
+    const StrokePoint before = Tip();
+    MoveRotor(&motion, look, fSeconds);
+    const StrokePoint after = Tip();
+    const float fWay = std::hypot(after.x - before.x, after.y - before.y);
+    return (int32_t)std::min(fWay / std::max(0.6f * before.fRadius, 0.8f), ROTOR_STEPS_MOST - 1.0f) + 1;
 }
 
 void DrawRotor(const Canvas &canvas, const Paint &paint, const RotorLook &look, RotorMotion *pMotion, float fSeconds)
 {
-    const int32_t nSteps = StepsOfFrame(look, *pMotion, fSeconds);
+    if (paint.fLayers <= 0) // no time has passed: there is nothing to add
+        return;
+    const int32_t nSteps = StepsOfFrame(canvas, look, *pMotion, fSeconds);
     const Paint layer = {paint.dwMode, paint.fLayers / (float)nSteps};
-    Pose aPose[ROTOR_TRACE];
+    Pose aPose[ROTOR_LEAD + ROTOR_TRACE];
+    if (!pMotion->bTrail)
+        std::fill_n(pMotion->aTrail, ROTOR_LEAD, TakePose(look, *pMotion));
+    pMotion->bTrail = 1;
     for (int32_t iStep = 0; iStep < nSteps; iStep++) {
-        aPose[0] = TakePose(canvas, look, *pMotion);
-        for (int32_t i = 1; i < ROTOR_TRACE; i++) {
-            MoveRotor(pMotion, look, fSeconds / (float)(nSteps * (ROTOR_TRACE - 1)));
-            aPose[i] = TakePose(canvas, look, *pMotion);
+        std::copy_n(pMotion->aTrail, ROTOR_LEAD, aPose);
+        for (int32_t i = 0; i < ROTOR_TRACE; i++) {
+            MoveRotor(pMotion, look, fSeconds / (float)(nSteps * ROTOR_TRACE));
+            aPose[ROTOR_LEAD + i] = TakePose(look, *pMotion);
         }
-        DrawCopies(canvas, layer, look, aPose);
+        // Between frames a wind may have moved the trace on: there a round end bridges the gap.
+        DrawCopies(canvas, layer, look, aPose, iStep == 0 ? ENDS_LED_END : ENDS_LED);
+        std::copy_n(aPose + ROTOR_TRACE, ROTOR_LEAD, pMotion->aTrail);
     }
 }

@@ -6,6 +6,7 @@
 
 #define ROTOR_COPIES_MOST 12
 #define ROTOR_JOINTS_MOST 4
+#define ROTOR_LEAD 3 // poses that a trace shares with the one before
 
 // The controls, eased and in the units of the drawing.
 struct RotorLook {
@@ -21,6 +22,18 @@ struct RotorLook {
     float fPlace, fSpread;  // turns through the palette
 };
 
+struct Joint {
+    float x, y;
+};
+
+// The figure at one moment, in parts of the picture, so that it outlives a change of size.
+struct Pose {
+    Joint aJoint[ROTOR_JOINTS_MOST + 1]; // against the middle, at a reach of 1; the root first
+    float fSpin;                         // turns
+    float xMiddle, yMiddle;              // 0 to 1 over the picture
+    float fReach, fCopies;
+};
+
 // What turns, in turns; from the seed.
 struct RotorMotion {
     float fSpinPhase;
@@ -28,6 +41,8 @@ struct RotorMotion {
     float afRatio[ROTOR_JOINTS_MOST];  // of each joint's speed to the whirl
     float afLength[ROTOR_JOINTS_MOST]; // share of the reach
     float afDrift[4];
+    uint32_t bTrail;
+    Pose aTrail[ROTOR_LEAD]; // if bTrail: the last poses of the trace so far
 };
 
 void SeedRotor(RotorMotion *pMotion, StockRandom *pRandom);

@@ -304,30 +304,36 @@ inline bool LimitPoint(StrokePoint *pPoint)
     return true;
 }
 
+// A led end: its outermost point only tells where the curve comes from or goes to. Curves that each begin with the
+// last three points of the one before join there without a gap and without an overlap.
+enum { ENDS_ROUND = 0, ENDS_LED_START = 1, ENDS_LED_END = 2, ENDS_LED = 3, ENDS_CLOSED = 4 };
+
 // The direction in which a curve runs through point i.
-inline void CurveTangent(const StrokePoint *pPoints, int32_t nPoints, int32_t i, bool bClosed, float *px, float *py)
+inline void CurveTangent(const StrokePoint *pPoints, int32_t nPoints, int32_t i, uint32_t dwEnds, float *px, float *py)
 {
+    const bool bClosed = dwEnds == ENDS_CLOSED;
     const int32_t iBefore = i > 0 ? i - 1 : bClosed ? nPoints - 2 : 0;
     const int32_t iAfter = i < nPoints - 1 ? i + 1 : bClosed ? 1 : nPoints - 1;
     *px = pPoints[iAfter].x - pPoints[iBefore].x;
     *py = pPoints[iAfter].y - pPoints[iBefore].y;
 }
 
-// Paints a curve through the points, which it limits first. bClosed: the last point repeats the first one.
+// Paints a curve through the points, which it limits first. Closed: the last point repeats the first one.
 inline void PaintCurve(const Canvas &canvas, const Paint &paint, StrokePoint *pPoints, int32_t nPoints, float fHardness,
-                       bool bClosed)
+                       uint32_t dwEnds)
 {
     for (int32_t i = 0; i < nPoints; i++)
         if (LimitPoint(&pPoints[i]))
             pPoints[i].fWeight = LayerWeight(paint, pPoints[i].fWeight);
         else
             return;
-    for (int32_t i = 0; i + 1 < nPoints; i++) {
+    const int32_t iFirst = dwEnds & ENDS_LED_START ? 1 : 0, iEnd = nPoints - (dwEnds & ENDS_LED_END ? 2 : 1);
+    for (int32_t i = iFirst; i < iEnd; i++) {
         StrokeSegment seg = {pPoints[i], pPoints[i + 1], 0, 0, 0, 0, fHardness};
-        if (i > 0 || bClosed)
-            CurveTangent(pPoints, nPoints, i, bClosed, &seg.xFrontNormal, &seg.yFrontNormal);
-        if (i + 2 < nPoints || bClosed)
-            CurveTangent(pPoints, nPoints, i + 1, bClosed, &seg.xBackNormal, &seg.yBackNormal);
+        if (i > 0 || dwEnds == ENDS_CLOSED)
+            CurveTangent(pPoints, nPoints, i, dwEnds, &seg.xFrontNormal, &seg.yFrontNormal);
+        if (i + 2 < nPoints || dwEnds == ENDS_CLOSED)
+            CurveTangent(pPoints, nPoints, i + 1, dwEnds, &seg.xBackNormal, &seg.yBackNormal);
         PaintSegment(canvas, paint, seg);
     }
 }
