@@ -6,6 +6,9 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
