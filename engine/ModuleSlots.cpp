@@ -144,9 +144,12 @@ u32 EmptyList(PresetState *lppsi, const SlotList &list)
 ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u32 dwModuleType, u32 dwShader,
                       u32 bInitialize)
 {
+    SettlePlaneThreads();
     ModuleRecord *pmr = dll.empty() ? nullptr : FindModuleRecord(dll);
     const SlotList list = FindList(lppsi, iPlane, dwModuleType);
     if (!pmr || pmr->md.bUnavailable || !list.pnCount || *list.pnCount >= LIST_MODULES_MAX)
+        return nullptr;
+    if (list.pps && PlaneIsBusy(list.pps))
         return nullptr;
     ModuleSlot *pms = NewSlot(pmr);
     if (!pms)
@@ -164,6 +167,7 @@ ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u
 
 u32 RemoveModule(PresetState *lppsi, ModuleSlot *pms)
 {
+    SettlePlaneThreads();
     if (pms) {
         const SlotList list = ListOfSlot(lppsi, pms);
         if (!list.pnCount)
@@ -188,6 +192,7 @@ u32 SwapModuleSlots(PresetState *lppsi, ModuleSlot *pmsA, ModuleSlot *pmsB)
 {
     if (!pmsA || !pmsB || pmsA->ppsOwner != pmsB->ppsOwner)
         return 0;
+    SettlePlaneThreads();
     const SlotList listA = ListOfSlot(lppsi, pmsA);
     const SlotList listB = ListOfSlot(lppsi, pmsB);
     if (!listA.pnCount || !listB.pnCount)

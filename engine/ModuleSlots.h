@@ -7,7 +7,8 @@
 
 // Adds an instance of the library to the list of the kind in plane iPlane, or to post-processing (-1). dwShader is the
 // number of a shader plus one, 0 for none. With bInitialize it is brought up at once. Null, with the preset as it was:
-// no such library, an unavailable one, no such plane, or a list of LIST_MODULES_MAX. [main-thread]
+// no such library, an unavailable one, no such plane, one that a thread hangs in, or a list of LIST_MODULES_MAX.
+// [main-thread]
 ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u32 dwModuleType, u32 dwShader,
                       u32 bInitialize);
 

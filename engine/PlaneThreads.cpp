@@ -99,8 +99,9 @@ u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
     for (i32 i = 0; i < nPlanes; i++) {
         PlaneThreadParms *pParms = apParms[i].get();
         while (pParms->dwFrameDone != dwFrameGeneration)
-            if (!pParms->evDone.Wait(RemainingMs(nStart, nWaitMs)) && RemainingMs(nStart, nWaitMs) == 0)
-                return pParms->dwFrameDone == dwFrameGeneration;
+            if (!pParms->evDone.Wait(RemainingMs(nStart, nWaitMs)) && RemainingMs(nStart, nWaitMs) == 0 &&
+                pParms->dwFrameDone != dwFrameGeneration)
+                return 0;
     }
     return 1;
 }
@@ -150,6 +151,12 @@ void StopPlaneThreads()
         }
         pParms.reset();
     }
+}
+
+void SettlePlaneThreads()
+{
+    if (apParms[0] && !WaitForPlanes(PLANES_MAX, STOP_WAIT_MS))
+        StopPlaneThreads();
 }
 
 bool PlaneIsBusy(PlaneState *pps)

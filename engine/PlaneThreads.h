@@ -14,6 +14,11 @@ u32 DrawPlanesOnThreads(PresetState *lppsi, u32 nWaitMs);
 // may touch; it ends by itself when the module returns. No effect if none run. [main-thread]
 void StopPlaneThreads();
 
+// Call before planes or module instances are added, removed or exchanged. Nothing to do after a whole frame; after a
+// dropped one, threads may be inside a plane or about to enter it: waits for them, and gives up those that hang, so
+// that later frames do not wait for them. [main-thread]
+void SettlePlaneThreads();
+
 // A thread is inside a module of this plane: after a dropped frame. Nothing of the plane may then be freed, replaced
 // or entered by another thread. [any-thread]
 bool PlaneIsBusy(PlaneState *pps);

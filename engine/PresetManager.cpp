@@ -219,6 +219,7 @@ PlaneState *AddPlane(PresetState *lppsi, u32 bIndexed, u32 bDefaultModules)
     const i32 iPlane = lppsi->nPlanes;
     if (iPlane >= PLANES_MAX)
         return nullptr;
+    SettlePlaneThreads();
     VD_ASSERT(lppsi->psPlane[iPlane] == NULL);
     auto *pps = static_cast<PlaneState *>(std::calloc(1, sizeof(PlaneState)));
     if (!pps)
@@ -246,6 +247,7 @@ PlaneState *AddPlane(PresetState *lppsi, u32 bIndexed, u32 bDefaultModules)
 
 u32 RemovePlane(PresetState *lppsi, PlaneState *pps)
 {
+    SettlePlaneThreads();
     if (!pps)
         return RemoveAllPlanes(lppsi);
     PlaneState **ppEnd = lppsi->psPlane + lppsi->nPlanes;

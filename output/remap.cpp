@@ -10,6 +10,7 @@
 #endif
 
 #include <algorithm>
+#include <iterator>
 #include <cstdlib>
 
 namespace {

@@ -24,6 +24,18 @@ class FrameStep : public EngineTest {
         bTestHasLevel = 1;
         GlobalSettings.Monitor.pfnGetLevel = GetTestLevel;
     }
+    // What was given up is never freed by the host; here, where the thread is known to be gone, it can be.
+    static void FreeGivenUp(PlaneState *pps, ModuleSlot *pms)
+    {
+        DeleteBitmap(pps->Info.hbmDraw);
+        DeleteBitmap(pps->Info.hbmResolved);
+        DeleteContext(pps->Info.hdc);
+        std::free(pps->Info.lpColorTable);
+        std::free(pps->Info.pPaletteInfo);
+        std::free(pps);
+        pms->pmf->pfnDestroyControlStructure(pms->pvContext);
+        std::free(pms);
+    }
     u32 StepWithLevel(f32 fLevel)
     {
         fTestLevel = fLevel;
@@ -225,16 +237,29 @@ TEST_F(FrameStep, AStuckThreadIsGivenUpWithAllThatItMayTouch)
     behave(pv, &rb);
     while (AnyThreadIsStuck())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    // What was given up is never freed by the host; here, where the thread is known to be gone, it can be.
-    pps->dwBusy = 0;
-    lppsi = static_cast<PresetState *>(std::calloc(1, sizeof(PresetState)));
-    DeleteBitmap(pps->Info.hbmDraw);
-    DeleteBitmap(pps->Info.hbmResolved);
-    DeleteContext(pps->Info.hdc);
-    std::free(pps->Info.lpColorTable);
-    std::free(pps->Info.pPaletteInfo);
-    std::free(pps);
-    std::free(pms);
+    FreeGivenUp(pps, pms);
+}
+
+TEST_F(FrameStep, RemovingAPlaneThatHangsBringsTheFramesOfTheOthersBack)
+{
+    GlobalSettings.ThreadedPlanes = 1;
+    GlobalSettings.dwPlaneWaitMs = 50;
+    MakePreset(2);
+    ModuleSlot *pms = Add(MODULEINDEX_DRAWPAINTER);
+    PlaneState *pps = lppsi->psPlane[0];
+    RecorderBehaviour rb = {};
+    rb.bHold = 1;
+    Behave(pms, rb);
+    EXPECT_EQ(0u, Step());
+    EXPECT_EQ(nullptr, Add(MODULEINDEX_DRAWPAINTER)) << "nothing is built in a plane that somebody is inside of";
+    EXPECT_NE(0u, RemovePlane(lppsi, pps));
+    GlobalSettings.dwPlaneWaitMs = 20000;
+    EXPECT_EQ(1u, Step());
+    rb.bHold = 0;
+    Behave(pms, rb);
+    while (AnyThreadIsStuck())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    FreeGivenUp(pps, pms);
 }
 
 TEST_F(FrameStep, AnOldDoneEventDoesNotCountForAPlaneThatWasAdded)
