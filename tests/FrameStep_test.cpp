@@ -1,6 +1,5 @@
 // FrameStep_test.cpp -- tests FrameStep.cpp, PlaneThreads.cpp and SoundSampling.cpp
 #include "tests/EngineFixture.h"
-#include "modules/ModuleCalls.h"
 #include "tests/AllocationCounter.h"
 
 #include <chrono>
