@@ -90,9 +90,9 @@ void SetUpPlaneHead(PlaneInfo *ppi, u32 bIndexed)
 
 void FreePlane(PlaneState *pps)
 {
-    RemovePlaneModules(pps);
     if (PlaneIsBusy(pps))
-        return; // a late thread is inside: leaving the records alone is the only safe thing to do
+        return; // a thread hangs inside: leaving the records alone is the only safe thing to do
+    RemovePlaneModules(pps);
     DeleteBitmap(pps->Info.hbmDraw);
     DeleteBitmap(pps->Info.hbmResolved);
     DeleteContext(pps->Info.hdc);
