@@ -77,6 +77,12 @@ void AllocatePlaneBlocks(PlaneInfo *ppi)
     VD_ASSERT(ppi->pPaletteInfo);
 }
 
+// Modules call it without a question: there is always one, also in a program without an overlay.
+u32 ShowNoMessage(const char16_t *)
+{
+    return 0;
+}
+
 void SetUpPlaneHead(PlaneInfo *ppi, u32 bIndexed)
 {
     ppi->bIndexed = bIndexed ? 1 : 0;
@@ -84,7 +90,7 @@ void SetUpPlaneHead(PlaneInfo *ppi, u32 bIndexed)
     ppi->nHeight = GlobalSettings.nBufferHeight;
     ppi->hwndVisuals = &GlobalSettings.hwndVisuals;
     ppi->pSound = GlobalSettings.pSound;
-    ppi->pfnShowMessage = GlobalSettings.pfnShowMessage;
+    ppi->pfnShowMessage = GlobalSettings.pfnShowMessage ? GlobalSettings.pfnShowMessage : ShowNoMessage;
     ppi->dwTimeScale = GlobalSettings.TimeScale;
 }
 
