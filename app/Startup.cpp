@@ -31,6 +31,8 @@ std::atomic<u64> dwTimerIdNext{69};
 u32 FindFolders()
 {
     InitFolders({{}, pOptions->data, pOptions->modules});
+    // For shader modules; here, because the environment must not change once the sound monitor's thread may read it.
+    SetVariable("FOLDER_SHADERINCLUDE", JoinPath(FolderPath(PATH_SHADERS), u"Include"));
     return 1;
 }
 
@@ -86,7 +88,6 @@ u32 LoadModules()
 
 u32 TestOpenGL()
 {
-    SetVariable("FOLDER_SHADERINCLUDE", JoinPath(FolderPath(PATH_SHADERS), u"Include"));
     ProbeOpenGL();
     return 1;
 }
