@@ -59,7 +59,7 @@ struct GlobalSettingsRecord {
 
     // Run-time members, not stored.
     SoundFrame *pSound;                 // allocated at start, freed at shutdown
-    ShowModuleMessageFn pfnShowMessage; // callback for modules; set before the first preset
+    ShowModuleMessageFn pfnShowMessage; // callback for modules; set before the first preset; null: no overlay
     void *pSharedStatus;                // the SharedStatusBlock view; null in programs without one
     i32 nBufferWidth;                   // size of every bitmap of the preset
     i32 nBufferHeight;

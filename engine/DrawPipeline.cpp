@@ -9,9 +9,12 @@
 #include "platform/Clock.h"
 #include "platform/Random.h"
 
+#include <atomic>
+
 namespace {
 
-u64 qwModuleTick = 0; // written between frames only
+// Written between frames. Atomic because a plane that missed its frame's time limit may still be reading.
+std::atomic<u64> qwModuleTick{0};
 
 u64 NextResetTick(const ModuleSlot *pms)
 {
@@ -95,7 +98,7 @@ void ResolvePlane(PlaneState *pps)
 
 void SetModuleTick(u64 qwTick)
 {
-    qwModuleTick = qwTick;
+    qwModuleTick.store(qwTick, std::memory_order_relaxed);
 }
 
 void RefreshHead(PlaneInfo *ppi, const ModuleSlot *pms)
@@ -104,7 +107,7 @@ void RefreshHead(PlaneInfo *ppi, const ModuleSlot *pms)
     ppi->hwndGL = pms->hwndGL;
     if (!ppi->hdc)
         return;
-    ppi->hdc->qwTick = qwModuleTick;
+    ppi->hdc->qwTick = qwModuleTick.load(std::memory_order_relaxed);
     ppi->hdc->pSelected = nullptr; // what another module left selected may be gone after a resize
 }
 

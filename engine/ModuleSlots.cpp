@@ -122,13 +122,10 @@ void FreeSlot(ModuleSlot *pms)
 void RemoveFromList(PresetState *lppsi, const SlotList &list, i32 iSlot)
 {
     ModuleSlot *pms = list.apSlot[iSlot];
-    const bool bBusy = list.pps && PlaneIsBusy(list.pps);
-    if (!bBusy)
-        RunSlotInPlace(lppsi, list.pps, list.dwModuleType, pms, MODSTEPS_TAKEDOWN);
+    RunSlotInPlace(lppsi, list.pps, list.dwModuleType, pms, MODSTEPS_TAKEDOWN);
     std::copy(list.apSlot + iSlot + 1, list.apSlot + *list.pnCount, list.apSlot + iSlot);
     list.apSlot[--*list.pnCount] = nullptr;
-    if (!bBusy)
-        FreeSlot(pms);
+    FreeSlot(pms);
 }
 
 u32 EmptyList(PresetState *lppsi, const SlotList &list)
@@ -170,14 +167,14 @@ u32 RemoveModule(PresetState *lppsi, ModuleSlot *pms)
     SettlePlaneThreads();
     if (pms) {
         const SlotList list = ListOfSlot(lppsi, pms);
-        if (!list.pnCount)
+        if (!list.pnCount || (list.pps && PlaneIsBusy(list.pps)))
             return 0;
         RemoveFromList(lppsi, list, FindInList(list, pms));
         return 1;
     }
     u32 bAny = 0;
     for (PlaneState *pps : lppsi->psPlane)
-        for (u32 i = 0; pps && i < MODULEINDEX_MIXER; i++)
+        for (u32 i = 0; pps && !PlaneIsBusy(pps) && i < MODULEINDEX_MIXER; i++)
             bAny |= EmptyList(lppsi, PlaneList(pps, i));
     return bAny | EmptyList(lppsi, PostProcessingList(lppsi));
 }

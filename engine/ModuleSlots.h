@@ -13,9 +13,9 @@ ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u
                       u32 bInitialize);
 
 // Takes the instance down, frees it and closes the gap in its list; null: all instances of the preset. Non-zero if
-// something was removed. An instance that a late plane thread is inside of leaves its list and is never freed.
+// something was removed. What stands in a plane that a thread hangs in stays where it is.
 u32 RemoveModule(PresetState *lppsi, ModuleSlot *pms);
-// All instances of one plane.
+// All instances of one plane, which no thread may be inside of.
 void RemovePlaneModules(PlaneState *pps);
 
 // Exchanges two instances of one owner wherever they stand in its lists. 0 for different owners.

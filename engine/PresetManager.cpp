@@ -77,6 +77,12 @@ void AllocatePlaneBlocks(PlaneInfo *ppi)
     VD_ASSERT(ppi->pPaletteInfo);
 }
 
+// Modules call it without a question: there is always one, also in a program without an overlay.
+u32 ShowNoMessage(const char16_t *)
+{
+    return 0;
+}
+
 void SetUpPlaneHead(PlaneInfo *ppi, u32 bIndexed)
 {
     ppi->bIndexed = bIndexed ? 1 : 0;
@@ -84,15 +90,15 @@ void SetUpPlaneHead(PlaneInfo *ppi, u32 bIndexed)
     ppi->nHeight = GlobalSettings.nBufferHeight;
     ppi->hwndVisuals = &GlobalSettings.hwndVisuals;
     ppi->pSound = GlobalSettings.pSound;
-    ppi->pfnShowMessage = GlobalSettings.pfnShowMessage;
+    ppi->pfnShowMessage = GlobalSettings.pfnShowMessage ? GlobalSettings.pfnShowMessage : ShowNoMessage;
     ppi->dwTimeScale = GlobalSettings.TimeScale;
 }
 
 void FreePlane(PlaneState *pps)
 {
-    RemovePlaneModules(pps);
     if (PlaneIsBusy(pps))
-        return; // a late thread is inside: leaving the records alone is the only safe thing to do
+        return; // a thread hangs inside: leaving the records alone is the only safe thing to do
+    RemovePlaneModules(pps);
     DeleteBitmap(pps->Info.hbmDraw);
     DeleteBitmap(pps->Info.hbmResolved);
     DeleteContext(pps->Info.hdc);

@@ -116,8 +116,11 @@ typedef uint32_t (*ShowModuleMessageFn)(const char16_t *lpszText);
  *
  * Kinds in the lists of a plane get the plane itself; overlay kinds get a copy of it in which bIndexed is 0
  * and hbmDraw is the resolved picture (writes into the copy do not reach the plane); post-processing gets a
- * pseudo-plane of the mixed picture: bIndexed 0, a grey ramp of 256 colours, and null hwndVisuals,
- * pPaletteInfo and pfnShowMessage. */
+ * pseudo-plane of the mixed picture: bIndexed 0, a grey ramp of 256 colours, and null hbmResolved, hwndVisuals,
+ * pPaletteInfo and pfnShowMessage.
+ *
+ * Of the record itself a module writes nColors only; what hbmDraw, lpColorTable and pPaletteInfo point to is there to
+ * be written by the modules that the comments name. */
 typedef struct PlaneInfo {
     uint32_t *lpColorTable;            /* 2048 colours (blue, green, red, 0); filled by the colour modules */
     int32_t nColors;                   /* colours in lpColorTable; set by the colour modules; 0 at first */
@@ -125,7 +128,8 @@ typedef struct PlaneInfo {
     int32_t nWidth;                    /* of all bitmaps here */
     int32_t nHeight;
     HostBitmap *hbmDraw;               /* the bitmap to draw on; its contents persist from frame to frame */
-    HostBitmap *hbmResolved;           /* the plane's output; for overlay calls equal to hbmDraw */
+    HostBitmap *hbmResolved;           /* the plane's output; for overlay calls equal to hbmDraw; null for
+                                          post-processing */
     HostContext *hdc;                  /* time and chance; nothing selected */
     const SoundFrame *pSound;          /* the sound levels of the frame */
     const HostWindow *hwndVisuals;     /* the visuals window; null for post-processing */

@@ -61,7 +61,7 @@ TEST_F(DrawPipeline, OverlaysGetACopyOfTheHeadAndPostProcessingAPseudoPlane)
     const RecorderEntry *pDraw = FindCall(log, pmsDraw->pvContext, RECORDERCALL_DRAW);
     EXPECT_EQ(&lppsi->psPlane[0]->Info, pDraw->ppi);
     EXPECT_EQ(1u, pDraw->bIndexed);
-    EXPECT_TRUE(pDraw->bMessage == (GlobalSettings.pfnShowMessage != nullptr) && pDraw->bVisuals && pDraw->bPalette);
+    EXPECT_TRUE(pDraw->bMessage && pDraw->bVisuals && pDraw->bPalette);
     const RecorderEntry *pOverlay = FindCall(log, pmsOverlay->pvContext, RECORDERCALL_DRAW);
     EXPECT_NE(&lppsi->psPlane[0]->Info, pOverlay->ppi);
     EXPECT_EQ(0u, pOverlay->bIndexed);
