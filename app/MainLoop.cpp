@@ -8,12 +8,15 @@
 #include "output/Presenters.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
 FrameTimerHooks Hooks;
-void *hwndTimerOwner = nullptr; // the dialog that owns the frame timer
+std::vector<void *> ahwndHolder; // open dialogs, menus and drags; the first owns the frame timer
 u32 bFrameTimerRunning = 0;
+void (*pfnBeforeFrame)(void *pvContext) = nullptr;
+void *pvBeforeFrame = nullptr;
 
 void StartFrameTimer(void *hwnd)
 {
@@ -29,31 +32,57 @@ void KillFrameTimer(void *hwnd)
     bFrameTimerRunning = 0;
 }
 
-void OwnTimer(void *hwnd)
+void *TimerOwner()
 {
-    if (hwndTimerOwner)
-        return;
-    hwndTimerOwner = hwnd;
-    StartFrameTimer(hwnd);
+    return ahwndHolder.empty() ? nullptr : ahwndHolder.front();
 }
 
-void DisownTimer(void *hwnd)
+void PassTimerOn(void *hwndBefore)
 {
-    if (hwndTimerOwner != hwnd)
+    if (TimerOwner() == hwndBefore)
         return;
-    hwndTimerOwner = nullptr;
-    KillFrameTimer(hwnd);
+    if (hwndBefore)
+        KillFrameTimer(hwndBefore);
+    if (TimerOwner())
+        StartFrameTimer(TimerOwner());
+}
+
+void HoldLoop(void *hwnd)
+{
+    void *hwndBefore = TimerOwner();
+    ahwndHolder.push_back(hwnd);
+    PassTimerOn(hwndBefore);
+}
+
+// A dialog that is gone holds nothing more; the end of a menu or a drag takes back the last hold of its window.
+void ReleaseLoop(void *hwnd, bool bGone)
+{
+    void *hwndBefore = TimerOwner();
+    const auto itLast = std::find(ahwndHolder.rbegin(), ahwndHolder.rend(), hwnd);
+    if (bGone)
+        std::erase(ahwndHolder, hwnd);
+    else if (itLast != ahwndHolder.rend())
+        ahwndHolder.erase(std::next(itLast).base());
+    PassTimerOn(hwndBefore);
 }
 
 } // namespace
 
 u32 RunAndPresentFrame()
 {
+    if (pfnBeforeFrame)
+        pfnBeforeFrame(pvBeforeFrame);
     PresetState *lppsi = CurrentPreset();
     if (!RunFrameStep(lppsi))
         return 0;
     PresentFrame(lppsi->phbmOutput ? *lppsi->phbmOutput : nullptr);
     return 1;
+}
+
+void SetBeforeFrame(void (*pfn)(void *pvContext), void *pvContext)
+{
+    pfnBeforeFrame = pfn;
+    pvBeforeFrame = pvContext;
 }
 
 void SetFrameTimerHooks(const FrameTimerHooks &hooks)
@@ -65,10 +94,10 @@ u32 RunDialogFrames(void *hwnd, DialogMessage eMessage, u32 dwTimerId)
 {
     switch (eMessage) {
     case DialogMessage::Init:
-        OwnTimer(hwnd);
+        HoldLoop(hwnd);
         return 1;
     case DialogMessage::Destroy:
-        DisownTimer(hwnd);
+        ReleaseLoop(hwnd, true);
         return 1;
     case DialogMessage::Timer:
         if (dwTimerId != FrameTimerId())
@@ -78,13 +107,11 @@ u32 RunDialogFrames(void *hwnd, DialogMessage eMessage, u32 dwTimerId)
         return 1;
     case DialogMessage::EnterMenuLoop:
     case DialogMessage::EnterSizeMove:
-        if (!hwndTimerOwner)
-            StartFrameTimer(hwnd);
+        HoldLoop(hwnd);
         return 0;
     case DialogMessage::ExitMenuLoop:
     case DialogMessage::ExitSizeMove:
-        if (!hwndTimerOwner)
-            KillFrameTimer(hwnd);
+        ReleaseLoop(hwnd, false);
         return 0;
     case DialogMessage::Other:
         break;

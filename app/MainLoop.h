@@ -7,6 +7,10 @@
 // [main-thread]
 u32 RunAndPresentFrame();
 
+// Called at the start of every turn, so that a window can bring the modules' view of it up to date: during the frame
+// that view stays as it is. Null for pfn: nothing is called. [main-thread]
+void SetBeforeFrame(void (*pfn)(void *pvContext), void *pvContext);
+
 // What a dialog or the main window reports to RunDialogFrames.
 enum class DialogMessage { Init, Destroy, Timer, EnterMenuLoop, EnterSizeMove, ExitMenuLoop, ExitSizeMove, Other };
 
@@ -18,8 +22,8 @@ struct FrameTimerHooks {
 void SetFrameTimerHooks(const FrameTimerHooks &hooks);
 
 // Keeps frames running while a dialog, a menu or a size or move loop holds the event loop. Called first by every
-// dialog with what happens to it. Only the first dialog owns the timer; only its closing stops it. Returns 1 when the
-// message was the frame loop's, else 0. [main-thread]
+// dialog with what happens to it. The first holder owns the timer; when it is done, the next one that still holds the
+// loop does. Returns 1 when the message was the frame loop's, else 0. [main-thread]
 u32 RunDialogFrames(void *hwnd, DialogMessage eMessage, u32 dwTimerId);
 u32 FrameTimerId();
 // 1000 / FPSTarget ms, within 10 to 100.

@@ -15,50 +15,73 @@
 
 namespace {
 
+bool bExitRequested = false;
+
 QHash<void *, QTimer *> &FrameTimers()
 {
     static QHash<void *, QTimer *> timers;
     return timers;
 }
 
+// The timer itself may be what ends its dialog: it must outlive its own call.
 void KillFrameTimer(void *hwnd, u32)
 {
-    delete FrameTimers().take(hwnd);
+    if (QTimer *pTimer = FrameTimers().take(hwnd)) {
+        pTimer->stop();
+        pTimer->deleteLater();
+    }
 }
 
 void StartFrameTimer(void *hwnd, u32 dwTimerId, u32 nPeriodMs)
 {
     KillFrameTimer(hwnd, dwTimerId);
     auto *pTimer = new QTimer(qApp);
+    pTimer->setTimerType(Qt::PreciseTimer);
     QObject::connect(pTimer, &QTimer::timeout, [=] { RunDialogFrames(hwnd, DialogMessage::Timer, dwTimerId); });
     pTimer->start(static_cast<int>(nPeriodMs));
     FrameTimers().insert(hwnd, pTimer);
 }
 
+void ServeEvents()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // a loop of our own must do this itself
+}
+
 } // namespace
 
-void RunMainLoop(const std::function<bool()> &exitRequested)
+void RunMainLoop()
 {
-    bool bSignalled = false;
     QSocketNotifier pacerNotifier(OpenPacer(), QSocketNotifier::Read);
     QObject::connect(&pacerNotifier, &QSocketNotifier::activated, DrainPacer);
     const int fdSignals = OpenTerminationSignals();
     QSocketNotifier signalNotifier(fdSignals, QSocketNotifier::Read);
-    QObject::connect(&signalNotifier, &QSocketNotifier::activated, [&] { bSignalled = true; });
+    QObject::connect(&signalNotifier, &QSocketNotifier::activated, [&] {
+        signalNotifier.setEnabled(false); // the signal stays unread: one is enough
+        RequestExit();
+    });
 
-    for (;;) {
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // a loop of our own must do this itself
-        if (bSignalled || exitRequested())
-            break;
+    for (ServeEvents(); !bExitRequested; ServeEvents())
         if (!RunAndPresentFrame() && ArmPacer())
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
     ClosePacer();
     close(fdSignals);
+}
+
+void RequestExit()
+{
+    bExitRequested = true;
+    QCoreApplication::exit(); // ends the loops inside; the main loop is none of the toolkit's
 }
 
 void InstallFrameTimers()
 {
     SetFrameTimerHooks({StartFrameTimer, KillFrameTimer});
+}
+
+void KeepFramesDuring(QObject *pDialog)
+{
+    RunDialogFrames(pDialog, DialogMessage::Init, 0);
+    QObject::connect(pDialog, &QObject::destroyed,
+                     [](QObject *pGone) { RunDialogFrames(pGone, DialogMessage::Destroy, 0); });
 }

@@ -1,11 +1,17 @@
 // MainLoop_qt.h -- the main loop on the toolkit's event queue
 #pragma once
 
-#include <functional>
+class QObject;
 
-// Takes events and runs frames until exitRequested answers true. Between frames it waits in the event queue, so that
-// no core is burnt and no event waits; a termination signal counts as an exit request. [main-thread]
-void RunMainLoop(const std::function<bool()> &exitRequested);
+// Takes events and runs frames until RequestExit. Between frames it waits in the event queue, so that no core is burnt
+// and no event waits; a termination signal counts as a request to end. [main-thread]
+void RunMainLoop();
+
+// Ends the main loop, and before it the loops of whatever dialogs and menus are open. [main-thread]
+void RequestExit();
 
 // Lets the toolkit's timers serve as frame timers while something else holds the event loop.
 void InstallFrameTimers();
+
+// Keeps frames running for as long as the dialog lives, whatever loop it brings. Call before it is shown.
+void KeepFramesDuring(QObject *pDialog);

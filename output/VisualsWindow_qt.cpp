@@ -10,6 +10,8 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QWindow>
+#include <QtMath>
 
 #include <xcb/xcb.h>
 
@@ -26,7 +28,7 @@ void PresentToWindow(const HostBitmap *hbm, void *pv)
 
 } // namespace
 
-VisualsWindow::VisualsWindow()
+VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
 {
     setWindowTitle(QStringLiteral("Visuals Window"));
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -37,7 +39,7 @@ VisualsWindow::VisualsWindow()
     SettleTimer.setSingleShot(true);
     SettleTimer.setInterval(SETTLE_MS);
     connect(&SettleTimer, &QTimer::timeout, this, [] {
-        if (GlobalSettings.AutoAdjustBuffer)
+        if (GlobalSettings.AutoAdjustBuffer && !GlobalSettings.bRecorderRunning)
             GlobalSettings.bResizePending = 1;
     });
     AddPresenter(PresentToWindow, this);
@@ -50,30 +52,45 @@ VisualsWindow::~VisualsWindow()
     RemovePresenter(PresentToWindow, this);
 }
 
+// The toolkit rounds its backing store likewise; with a fractional ratio this may be a pixel more than the window
+// shows.
 QSize VisualsWindow::DeviceSize() const
 {
     return (QSizeF(size()) * devicePixelRatioF()).toSize();
 }
 
-void VisualsWindow::PublishWindow()
+bool VisualsWindow::IsOnScreen() const
 {
+    return isVisible() && !isMinimized() && windowHandle() && windowHandle()->isExposed();
+}
+
+void VisualsWindow::PublishWindow() const
+{
+    const QSize size = DeviceSize();
     HostWindow *phw = &GlobalSettings.hwndVisuals;
     phw->bVisible = isVisible() && !isMinimized();
-    phw->qwNativeId = static_cast<u64>(winId());
-    phw->nWidth = DeviceSize().width();
-    phw->nHeight = DeviceSize().height();
+    phw->qwNativeId = static_cast<u64>(internalWinId());
+    phw->nWidth = size.width();
+    phw->nHeight = size.height();
+    phw->xMouse = MousePlace.x();
+    phw->yMouse = size.height() - 1 - MousePlace.y();
+    phw->dwButtons = dwMouseButtons;
 }
 
 // The picture is made here and painted at once: a frame must not wait for the next turn of the event loop.
 void VisualsWindow::Present(const HostBitmap *hbm)
 {
-    if (!isVisible() || isMinimized())
+    if (!IsOnScreen())
         return;
     if (Picture.size() != DeviceSize())
         Picture = QImage(DeviceSize(), QImage::Format_RGB32);
+    if (Picture.isNull())
+        return;
+    Picture.setDevicePixelRatio(devicePixelRatioF());
     StretchPicture({Picture.bits(), Picture.width(), Picture.height(), static_cast<u64>(Picture.bytesPerLine())}, hbm,
                    true);
     repaint();
+    nFramesOnScreen++;
 }
 
 void VisualsWindow::paintEvent(QPaintEvent *)
@@ -81,8 +98,10 @@ void VisualsWindow::paintEvent(QPaintEvent *)
     QPainter painter(this);
     if (Picture.isNull())
         painter.fillRect(rect(), Qt::black);
+    else if (Picture.size() == DeviceSize())
+        painter.drawImage(QPoint(0, 0), Picture); // pixel by pixel
     else
-        painter.drawImage(rect(), Picture); // one to one except between a resize and the next frame
+        painter.drawImage(rect(), Picture); // between a resize and the next frame
     PaintNotices(&painter);
 }
 
@@ -99,16 +118,27 @@ void VisualsWindow::PaintNotices(QPainter *pPainter)
     pPainter->drawText(box, Qt::AlignLeft | Qt::TextWordWrap, text);
 }
 
+// The buffer follows when the window has come to rest.
+void VisualsWindow::PlaceChanged()
+{
+    GlobalSettings.bResizePending = 0;
+    SettleTimer.start();
+}
+
+void VisualsWindow::moveEvent(QMoveEvent *)
+{
+    PlaceChanged();
+}
+
 void VisualsWindow::resizeEvent(QResizeEvent *)
 {
-    PublishWindow();
-    SettleTimer.start();
+    PlaceChanged();
 }
 
 void VisualsWindow::closeEvent(QCloseEvent *pEvent)
 {
-    bCloseRequested = true;
     pEvent->ignore(); // the main loop takes it down in its order
+    pfnClosed();
 }
 
 void VisualsWindow::keyPressEvent(QKeyEvent *pEvent)
@@ -133,31 +163,19 @@ void VisualsWindow::mouseReleaseEvent(QMouseEvent *pEvent)
     TakeMouse(pEvent);
 }
 
-// Device pixels, bottom-up like the bitmaps.
 void VisualsWindow::TakeMouse(const QMouseEvent *pEvent)
 {
     const QPointF place = pEvent->position() * devicePixelRatioF();
-    HostWindow *phw = &GlobalSettings.hwndVisuals;
-    phw->xMouse = static_cast<i32>(place.x());
-    phw->yMouse = phw->nHeight - 1 - static_cast<i32>(place.y());
-    // Qt's button bits are left 1, right 2, middle 4: those of the record.
-    phw->dwButtons = static_cast<u32>(pEvent->buttons().toInt()) & 7;
+    MousePlace = QPoint(qFloor(place.x()), qFloor(place.y()));
+    // The toolkit's button bits are left 1, right 2, middle 4: those of the modules' record.
+    dwMouseButtons = static_cast<u32>(pEvent->buttons().toInt()) & 7;
 }
 
 bool VisualsWindow::event(QEvent *pEvent)
 {
-    const bool bHandled = QWidget::event(pEvent);
-    switch (pEvent->type()) {
-    case QEvent::Show:
-    case QEvent::Hide:
-    case QEvent::WindowStateChange:
-    case QEvent::ScreenChangeInternal:
-        PublishWindow();
-        break;
-    default:
-        break;
-    }
-    return bHandled;
+    if (pEvent->type() == QEvent::ScreenChangeInternal)
+        PlaceChanged(); // another screen may have another pixel ratio
+    return QWidget::event(pEvent);
 }
 
 // A window that somebody else destroys (a window manager, a tool) is a closed one; the toolkit does not say so.
@@ -167,7 +185,7 @@ bool VisualsWindow::nativeEvent(const QByteArray &type, void *pMessage, qintptr 
         const auto *pDestroy = static_cast<const xcb_destroy_notify_event_t *>(pMessage);
         const bool bDestroyed = (pDestroy->response_type & 0x7F) == XCB_DESTROY_NOTIFY;
         if (bDestroyed && pDestroy->window == static_cast<xcb_window_t>(internalWinId()))
-            bCloseRequested = true;
+            pfnClosed();
     }
     return false;
 }

@@ -5,23 +5,29 @@
 #include "platform/BaseTypes.h"
 
 #include <QImage>
+#include <QPoint>
 #include <QTimer>
 #include <QWidget>
 
-// Shows every finished frame, stretched over its client area; keeps the modules' view of the window true; closing it
-// ends the program. [main-thread]
+// Shows every finished frame, stretched over its client area; keeps the modules' view of the window true. [main-thread]
 class VisualsWindow : public QWidget {
-public:
-    VisualsWindow();
+  public:
+    // pfnClosed is called when the window is closed, or destroyed from outside; it may be called more than once.
+    explicit VisualsWindow(void (*pfnClosed)());
     ~VisualsWindow() override;
-    // The window's state goes into GlobalSettings.hwndVisuals.
-    void PublishWindow();
-    // Takes a finished frame over to the screen.
+    // The window's state goes into GlobalSettings.hwndVisuals. Between frames only.
+    void PublishWindow() const;
+    // Takes a finished frame over to the screen; nothing while no part of the window can be seen.
     void Present(const HostBitmap *hbm);
-    bool CloseRequested() const { return bCloseRequested; }
+    // Frames that went to the screen.
+    u64 FramesOnScreen() const
+    {
+        return nFramesOnScreen;
+    }
 
-protected:
+  protected:
     void paintEvent(QPaintEvent *pEvent) override;
+    void moveEvent(QMoveEvent *pEvent) override;
     void resizeEvent(QResizeEvent *pEvent) override;
     void closeEvent(QCloseEvent *pEvent) override;
     void keyPressEvent(QKeyEvent *pEvent) override;
@@ -31,13 +37,18 @@ protected:
     bool event(QEvent *pEvent) override;
     bool nativeEvent(const QByteArray &type, void *pMessage, qintptr *pResult) override;
 
-private:
+  private:
     void PaintNotices(QPainter *pPainter);
     void TakeMouse(const QMouseEvent *pEvent);
+    void PlaceChanged();
     QSize DeviceSize() const;
+    bool IsOnScreen() const;
 
-    QImage Picture;        // the last frame at the window's size in device pixels
-    QTimer SettleTimer;    // runs while the size changes; its end asks for a new buffer size
-    bool bCloseRequested = false;
+    void (*pfnClosed)();
+    QImage Picture;     // the last frame at the window's size in device pixels
+    QTimer SettleTimer; // runs while the window is moved or sized; its end asks for a new buffer size
+    QPoint MousePlace;  // device pixels from the top left
+    u32 dwMouseButtons = 0;
+    u64 nFramesOnScreen = 0;
     bool bNoticesRead = false;
 };

@@ -128,7 +128,7 @@ class DialogFrames : public testing::Test {
     }
 };
 
-TEST_F(DialogFrames, OnlyTheFirstDialogOwnsTheTimerAndOnlyItsClosingStopsIt)
+TEST_F(DialogFrames, TheFirstDialogOwnsTheTimerAndAnotherOnesClosingLeavesIt)
 {
     EXPECT_EQ(1u, Send(1, DialogMessage::Init));
     EXPECT_EQ(1u, Send(2, DialogMessage::Init));
@@ -139,6 +139,23 @@ TEST_F(DialogFrames, OnlyTheFirstDialogOwnsTheTimerAndOnlyItsClosingStopsIt)
     EXPECT_EQ(1u, Send(1, DialogMessage::Timer, FrameTimerId()));
     Send(1, DialogMessage::Destroy);
     EXPECT_EQ("+1-1", sTimerLog);
+}
+
+TEST_F(DialogFrames, TheTimerPassesOnToWhatStillHoldsTheLoop)
+{
+    Send(1, DialogMessage::EnterMenuLoop);
+    Send(2, DialogMessage::Init); // opened from the menu
+    Send(2, DialogMessage::EnterSizeMove);
+    Send(1, DialogMessage::ExitMenuLoop);
+    EXPECT_EQ("+1-1+2", sTimerLog);
+    Send(3, DialogMessage::Init);
+    Send(2, DialogMessage::ExitSizeMove);
+    EXPECT_EQ("+1-1+2", sTimerLog);
+    Send(2, DialogMessage::Destroy);
+    EXPECT_EQ("+1-1+2-2+3", sTimerLog);
+    Send(3, DialogMessage::Destroy);
+    Send(3, DialogMessage::Destroy);
+    EXPECT_EQ("+1-1+2-2+3-3", sTimerLog);
 }
 
 TEST_F(DialogFrames, AMenuOrASizeLoopKeepsFramesRunningWhileItLasts)
