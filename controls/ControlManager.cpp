@@ -11,6 +11,7 @@
 #include <iterator>
 
 std::atomic<u32> bPresetChanged{0};
+i32 nControlsShown = 0;
 
 namespace {
 
@@ -301,7 +302,7 @@ void FreeControl(ControlRecord *pctl)
 void BeginControls(ModuleSlot *pms)
 {
     Build = {pms, 0};
-    pms->nControls = 0;
+    pms->nControls = nControlsShown = 0;
 }
 
 ControlRecord *AllocControl(i32 *)
@@ -312,7 +313,7 @@ ControlRecord *AllocControl(i32 *)
     if (!pctl)
         return nullptr;
     Build.pms->apControl[Build.nControls++] = pctl;
-    Build.pms->nControls = Build.nControls;
+    Build.pms->nControls = nControlsShown = Build.nControls;
     return pctl;
 }
 

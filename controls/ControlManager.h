@@ -21,6 +21,9 @@ void FreeControl(ControlRecord *pctl);
 // that do not exist. [main-thread]
 void BeginControls(ModuleSlot *pms);
 void EndControls(ModuleSlot *pms);
+// The count that modules are shown while they build. Not the slot's own: a module may keep the address and write there
+// whenever it likes.
+extern i32 nControlsShown;
 // The callback for modules. Null beyond CONTROLS_MAX, outside of building, on any thread but the building one, or when
 // out of memory. Which count the module passes does not matter: it is the slot's own that grows.
 ControlRecord *AllocControl(i32 *pnControls);

@@ -29,7 +29,7 @@ class ModuleCall {
 void CallBuildControlStructure(ModuleSlot *pms, PlaneInfo *ppi)
 {
     const ModuleCall call(pms);
-    pms->pmf->pfnBuildControlStructure(&pms->pvContext, ppi, AllocControl, &pms->nControls);
+    pms->pmf->pfnBuildControlStructure(&pms->pvContext, ppi, AllocControl, &nControlsShown);
 }
 
 void CallPreInitialize(ModuleSlot *pms, PlaneInfo *ppi)
