@@ -12,8 +12,9 @@ SharedMapping Mapping;
 
 bool BlockIsForeign(const SharedStatusBlock *pssb)
 {
-    return Mapping.cbExisting != SHARED_STATUS_BYTES || pssb->cbSize != SHARED_STATUS_BYTES ||
-           pssb->dwVersion != SHARED_STATUS_VERSION;
+    const bool bBeingMade = pssb->cbSize == 0 && pssb->dwVersion == 0; // its maker has not come to writing yet
+    const bool bOurs = pssb->cbSize == SHARED_STATUS_BYTES && pssb->dwVersion == SHARED_STATUS_VERSION;
+    return Mapping.cbExisting != SHARED_STATUS_BYTES || !(bOurs || bBeingMade);
 }
 
 } // namespace

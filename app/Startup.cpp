@@ -38,6 +38,14 @@ u32 FindFolders()
     InitFolders({{}, pOptions->data, pOptions->modules});
     // Before any thread runs: the environment must not change under one that reads it.
     SetVariable("FOLDER_SHADERINCLUDE", JoinPath(FolderPath(PATH_SHADERS), u"Include"));
+    SetVariableIfUnset("EGL_LOG_LEVEL", u"fatal");
+    return 1;
+}
+
+// A headless run touches no file but those named: not the graphics driver's cache either.
+u32 KeepDriverCacheShut()
+{
+    SetVariableIfUnset("MESA_SHADER_CACHE_DISABLE", u"true");
     return 1;
 }
 
@@ -117,6 +125,7 @@ constexpr Step asStartCore[] = {
 };
 
 constexpr Step asStartHeadless[] = {
+    {"driver cache", KeepDriverCacheShut},
     {"folders", FindFolders},
     {"default settings", SetDefaults},
     {"sound block", AllocateSoundFrame},

@@ -63,8 +63,8 @@ void PlaneThreadBody(PlaneThreadParms *pParms)
     SetThisThread(ThreadPriority::AboveNormal, szName);
     SeedFallbackRandom(ThreadSeed(pParms->iPlane));
     while (!pParms->bStop) {
-        if (!pParms->evStart.Wait(START_POLL_MS))
-            continue;
+        if (!pParms->evStart.Wait(START_POLL_MS) || pParms->bStop)
+            continue; // a thread that was given up must not look at a preset that may be gone
         const u32 dwFrame = pParms->dwFrame;
         DrawThreadsPlane(pParms, pParms->lppsi);
         pParms->dwFrameDone = dwFrame;
@@ -100,8 +100,10 @@ u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
         PlaneThreadParms *pParms = apParms[i].get();
         while (pParms->dwFrameDone != dwFrameGeneration)
             if (!pParms->evDone.Wait(RemainingMs(nStart, nWaitMs)) && RemainingMs(nStart, nWaitMs) == 0 &&
-                pParms->dwFrameDone != dwFrameGeneration)
+                pParms->dwFrameDone != dwFrameGeneration) {
+                AddNotice("plane " + std::to_string(i + 1) + " hangs in a module: frames are dropped until it returns");
                 return 0;
+            }
     }
     return 1;
 }

@@ -24,8 +24,8 @@
  * A pixel is a 32-bit word: byte 0 blue, byte 1 green, byte 2 red, byte 3 alpha (no meaning in pictures).
  * Row 0 is the BOTTOM row of the picture; row y begins at pBits + y * cbRow. The bits may be read and
  * written from 0 to nHeight * cbRow - 1 and nowhere else.
- * Owned by the host. The record and its bits stay in place from ModulePreInitialize to ModuleCleanUp;
- * a resize replaces both in between. */
+ * Owned by the host. In the lists of a plane the record and its bits stay in place from ModulePreInitialize to
+ * ModuleCleanUp. Post-processing may find another bitmap in each call. Take it from the call's PlaneInfo. */
 typedef struct HostBitmap {
     uint32_t cbSize;        /* 32 */
     int32_t nWidth;         /* pixels */
@@ -42,10 +42,10 @@ VD_ASSERT_OFFSET(HostBitmap, nBitsPerPixel, 12);
 VD_ASSERT_OFFSET(HostBitmap, cbRow, 16);
 VD_ASSERT_OFFSET(HostBitmap, pBits, 24);
 
-/* A plane's device context. Handle name: hdc.
+/* A device context: each plane has one, and so has post-processing. Handle name: hdc.
  *
  * A module takes its time and its chance from here and from nowhere else: then a film rendered twice is
- * the same film, byte for byte. Owned by the host, one per plane, used by one thread at a time. */
+ * the same film, byte for byte. Owned by the host, used by one thread at a time. */
 typedef struct HostContext {
     uint32_t cbSize;       /* 40 */
     uint32_t bFixedClock;  /* non-zero in a deterministic run: do not look at any clock of your own */
@@ -82,7 +82,7 @@ typedef struct HostGLWindow {
     uint32_t dwReserved; /* 0 */
     void *pDisplay;      /* EGLDisplay */
     void *pConfig;       /* EGLConfig */
-    void *pSurface;      /* EGLSurface */
+    void *pSurface;      /* EGLSurface; null if a resize could not renew it: draw nothing then */
 } HostGLWindow;
 
 static_assert(sizeof(HostGLWindow) == 40, "HostGLWindow");

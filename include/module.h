@@ -10,9 +10,9 @@
  *   3. Bring-up: ModulePreInitialize; the host gives every control its starting value;
  *      ModuleInitialize.                                                                       [main-thread]
  *   4. Every frame, once or several times: the host updates the controls; ModuleDrawFrame. The first
- *      colour interpolator of a plane then gets ModuleResolveIndexedPlane.                     [plane-thread]
+ *      colour interpolator of a plane then gets ModuleResolveIndexedPlane.      [plane-thread, main-thread]
  *   5. A reset: the host gives every control a new starting value; ModuleInitialize again, without
- *      ModuleCleanUp before it: release or reuse what the last one made.                       [plane-thread]
+ *      ModuleCleanUp before it: release or reuse what the last one made.        [plane-thread, main-thread]
  *   6. A resize: ModuleCleanUp; new bitmaps; bring-up as in 3.                                 [main-thread]
  *   7. The end: ModuleCleanUp, ModuleDestroyControlStructure.                                  [main-thread]
  *
@@ -127,7 +127,8 @@ typedef struct PlaneInfo {
     uint32_t bIndexed;                 /* non-zero: hbmDraw holds palette indices, one per 32-bit pixel */
     int32_t nWidth;                    /* of all bitmaps here */
     int32_t nHeight;
-    HostBitmap *hbmDraw;               /* the bitmap to draw on; its contents persist from frame to frame */
+    HostBitmap *hbmDraw;               /* the bitmap to draw on; in the drawing lists its contents
+                                          persist from frame to frame */
     HostBitmap *hbmResolved;           /* the plane's output; for overlay calls equal to hbmDraw; null for
                                           post-processing */
     HostContext *hdc;                  /* time and chance; nothing selected */

@@ -6,6 +6,7 @@
 #include "output/Stretch.h"
 #include "platform/Notices.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -26,6 +27,13 @@ void PresentToWindow(const HostBitmap *hbm, void *pv)
     static_cast<VisualsWindow *>(pv)->Present(hbm);
 }
 
+// A notice must also show while a module that hangs keeps frames from coming.
+void RepaintWindows()
+{
+    for (QWidget *pWindow : QApplication::topLevelWidgets())
+        pWindow->update();
+}
+
 } // namespace
 
 VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
@@ -44,11 +52,15 @@ VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
     });
     AddPresenter(PresentToWindow, this);
     GlobalSettings.bVisualsWindow = 1;
+    pfnNoticeAdded = RepaintWindows;
 }
 
 VisualsWindow::~VisualsWindow()
 {
+    pfnNoticeAdded = nullptr;
     GlobalSettings.bVisualsWindow = 0;
+    GlobalSettings.hwndVisuals.bVisible = 0;
+    GlobalSettings.hwndVisuals.qwNativeId = 0;
     RemovePresenter(PresentToWindow, this);
 }
 
@@ -108,7 +120,7 @@ void VisualsWindow::paintEvent(QPaintEvent *)
 // What the user must know stands at the bottom until a click or a key says that it was read.
 void VisualsWindow::PaintNotices(QPainter *pPainter)
 {
-    if (bNoticesRead || NoticeText().empty())
+    if (nNoticesRead == NoticeCount())
         return;
     const QString text = QString::fromStdString(NoticeText()).trimmed();
     const QRect inner = rect().adjusted(24, 24, -24, -24);
@@ -143,7 +155,7 @@ void VisualsWindow::closeEvent(QCloseEvent *pEvent)
 
 void VisualsWindow::keyPressEvent(QKeyEvent *pEvent)
 {
-    bNoticesRead = true;
+    nNoticesRead = NoticeCount();
     QWidget::keyPressEvent(pEvent);
 }
 
@@ -154,7 +166,7 @@ void VisualsWindow::mouseMoveEvent(QMouseEvent *pEvent)
 
 void VisualsWindow::mousePressEvent(QMouseEvent *pEvent)
 {
-    bNoticesRead = true;
+    nNoticesRead = NoticeCount();
     TakeMouse(pEvent);
 }
 

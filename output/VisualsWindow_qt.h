@@ -50,5 +50,5 @@ class VisualsWindow : public QWidget {
     QPoint MousePlace;  // device pixels from the top left
     u32 dwMouseButtons = 0;
     u64 nFramesOnScreen = 0;
-    bool bNoticesRead = false;
+    u32 nNoticesRead = 0; // notices that stood there when the user last pressed something
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr i32 BITMAP_SIDE_MAX = 16384;
+constexpr i32 BITMAP_SIDE_MAX = 32767;
 constexpr size_t BITS_ALIGNMENT = 64;
 
 HostBitmap *SelectBitmap(HostContext *hdc, HostBitmap *hbm)

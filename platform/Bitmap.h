@@ -4,7 +4,7 @@
 #include "include/hosttypes.h"
 #include "platform/BaseTypes.h"
 
-// Makes a zero-filled bitmap; null when out of memory or for a size outside 1 to 16384. The pixel memory is exactly
+// Makes a zero-filled bitmap; null when out of memory or for a size outside 1 to 32767. The pixel memory is exactly
 // width x height x 4 bytes, so that a tool that guards allocations sees a module that writes beyond it. [main-thread]
 HostBitmap *CreateBitmap(i32 nWidth, i32 nHeight);
 void DeleteBitmap(HostBitmap *hbm); // null is fine

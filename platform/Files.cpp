@@ -179,6 +179,11 @@ void SetVariable(const char *pszName, std::u16string_view value)
     setenv(pszName, ToUtf8(value).c_str(), 1);
 }
 
+void SetVariableIfUnset(const char *pszName, std::u16string_view value)
+{
+    setenv(pszName, ToUtf8(value).c_str(), 0);
+}
+
 std::u16string ExpandVariables(std::u16string_view text)
 {
     std::u16string s;

@@ -37,5 +37,7 @@ std::u16string ProgramFilesFolder(); // where installed programs live
 std::u16string RoamingDataFolder();  // the user's application data
 
 void SetVariable(const char *pszName, std::u16string_view value);
+// The same, unless the user has set it.
+void SetVariableIfUnset(const char *pszName, std::u16string_view value);
 // Replaces %NAME% by the value of the environment variable; unknown names stay as they are.
 std::u16string ExpandVariables(std::u16string_view text);

@@ -504,7 +504,7 @@ TEST(Bitmaps, AreZeroFilledAlignedAndOfTheSizeAsked)
         DeleteBitmap(hbmCopy);
         DeleteBitmap(hbm);
     }
-    for (const auto &[nWidth, nHeight] : {std::pair(0, 5), std::pair(5, -1), std::pair(16385, 1), std::pair(1, 16385)})
+    for (const auto &[nWidth, nHeight] : {std::pair(0, 5), std::pair(5, -1), std::pair(32768, 1), std::pair(1, 32768)})
         EXPECT_EQ(CreateBitmap(nWidth, nHeight), nullptr);
     DeleteBitmap(nullptr);
 }
