@@ -32,6 +32,7 @@ namespace {
 
 const StartOptions *pOptions = nullptr; // during StartCore and StartHeadless
 std::atomic<u64> dwTimerIdNext{69};
+bool bOpenGLTestPending = false;
 
 u32 FindFolders()
 {
@@ -104,9 +105,13 @@ u32 LoadModules()
     return 1;
 }
 
+// The test loads a graphics driver, which takes longer than all other steps together. Where no module depends on its
+// outcome it waits until the first frame stands on the screen.
 u32 TestOpenGL()
 {
-    ProbeOpenGL();
+    bOpenGLTestPending = !AnyModuleNeedsOpenGL();
+    if (!bOpenGLTestPending)
+        ProbeOpenGL();
     return 1;
 }
 
@@ -219,6 +224,13 @@ void StartPreset()
     }
     SwitchPreset(MakeDefaultPreset, nullptr);
     CopyText(GlobalSettings.Preset, UNTITLED_PRESET);
+}
+
+void RunPendingSteps()
+{
+    if (bOpenGLTestPending)
+        ProbeOpenGL();
+    bOpenGLTestPending = false;
 }
 
 void SaveSettings()

@@ -22,6 +22,8 @@ int StartCore(const StartOptions &options);
 // The part after the visuals window stands: buffer size, preset. Where the preset of the settings cannot be read, the
 // default preset takes its place, untitled.
 void StartPreset();
+// What the start-up left for later. After the first frame.
+void RunPendingSteps();
 // Says on standard error what the reader of a preset could not use here.
 void ReportPassedOver(const PresetReport &report);
 // Writes the settings file. When the program is asked to end, before anything goes down.

@@ -6,6 +6,7 @@
 #include "app/Startup.h"
 #include "app/Toolkit_qt.h"
 #include "engine/PlaneThreads.h"
+#include "output/Presenters.h"
 #include "output/VisualsWindow_qt.h"
 #include "platform/Signals.h"
 
@@ -25,12 +26,30 @@ void PublishWindow(void *pvWindow)
     static_cast<VisualsWindow *>(pvWindow)->PublishWindow();
 }
 
+// For the start-up benchmark: says on standard output when the first frame stands on the screen, and ends.
+void EndAtFirstFrame(const HostBitmap *, void *)
+{
+    std::puts("first frame");
+    std::fflush(stdout);
+    RequestExit();
+}
+
+// Behind the window's presenter: what is called here comes after the first frame.
+void FinishStart(const HostBitmap *, void *)
+{
+    RemovePresenter(FinishStart, nullptr);
+    RunPendingSteps();
+}
+
 void RunShow()
 {
     VisualsWindow window(RequestExit);
     window.show();
     window.PublishWindow();
     SetBeforeFrame(PublishWindow, &window);
+    if (std::getenv("VD_END_AT_FIRST_FRAME"))
+        AddPresenter(EndAtFirstFrame, nullptr);
+    AddPresenter(FinishStart, nullptr);
     StartPreset();
     ShowErrorsOver(&window);
     RunMainLoop();

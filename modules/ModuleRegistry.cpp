@@ -7,6 +7,7 @@
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -91,6 +92,11 @@ void SealDescription(ModuleDescription *pmd)
     pmd->bUnavailable = 0;
 }
 
+bool NeedsOpenGL(const ModuleDescription &md)
+{
+    return md.bNeedsOpenGL || std::u16string_view(md.szName) == u"Noise";
+}
+
 } // namespace
 
 u32 LoadModule(std::u16string_view path)
@@ -153,11 +159,15 @@ u32 ModuleCount()
     return static_cast<u32>(Table.nCount);
 }
 
+bool AnyModuleNeedsOpenGL()
+{
+    return std::any_of(Table.asRecord, Table.asRecord + Table.nCount,
+                       [](const ModuleRecord &record) { return NeedsOpenGL(record.md); });
+}
+
 void MarkOpenGLModulesUnavailable()
 {
-    for (i32 i = 0; i < Table.nCount; i++) {
-        ModuleDescription *pmd = &Table.asRecord[i].md;
-        if (pmd->bNeedsOpenGL || std::u16string_view(pmd->szName) == u"Noise")
-            pmd->bUnavailable = 1;
-    }
+    for (i32 i = 0; i < Table.nCount; i++)
+        if (NeedsOpenGL(Table.asRecord[i].md))
+            Table.asRecord[i].md.bUnavailable = 1;
 }
