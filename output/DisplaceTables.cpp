@@ -1,25 +1,28 @@
 // DisplaceTables.cpp -- directions of the Displace operator
 #include "output/remap.h"
 
+#include <array>
 #include <cmath>
 
 namespace {
 
-DisplaceTables MakeDisplaceTables()
+using Directions = std::array<DisplaceDirection, DISPLACE_LEVELS>;
+
+Directions MakeDirections()
 {
-    DisplaceTables tables;
+    Directions directions;
     for (u32 i = 0; i < DISPLACE_LEVELS; i++) {
         const f32 fAngle = static_cast<f32>(i) * DISPLACE_ANGLE_UNIT;
-        tables.afSin[i] = static_cast<f32>(std::sin(static_cast<double>(fAngle)));
-        tables.afCos[i] = static_cast<f32>(std::cos(static_cast<double>(fAngle)));
+        directions[i].fCos = static_cast<f32>(std::cos(static_cast<double>(fAngle)));
+        directions[i].fSin = static_cast<f32>(std::sin(static_cast<double>(fAngle)));
     }
-    return tables;
+    return directions;
 }
 
 } // namespace
 
-const DisplaceTables &GetDisplaceTables()
+const DisplaceDirection *GetDisplaceDirections()
 {
-    static const DisplaceTables tables = MakeDisplaceTables();
-    return tables;
+    static const Directions directions = MakeDirections();
+    return directions.data();
 }

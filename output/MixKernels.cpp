@@ -1,6 +1,7 @@
 // MixKernels.cpp -- the kernels of the mix operators, compiled for each instruction set and chosen at run time
 #include "output/MixKernels.h"
 
+#include <algorithm>
 #include <cstring>
 
 // Vectors stand in records here, which those of variable size cannot.
@@ -44,47 +45,133 @@ VD_KERNEL(IntensityScaleOnePassKernel, 2, MixIntensityScaleOnePass(p1, p2));
 VD_KERNEL(IntensityScaleRgbKernel, 2, MixIntensityScaleRgb(p1, p2));
 #undef VD_KERNEL
 
-template <class Kernel> static HWY_INLINE Pixel RunAt(const u32 *const *apFrom, size_t i, Pixel w)
+// A block lies in eight registers: as many as calls pass on.
+#ifndef VD_EACH
+#define VD_EACH(m) m(0) m(1) m(2) m(3) m(4) m(5) m(6) m(7)
+#define VD_REGISTERS Pixel a0, Pixel a1, Pixel a2, Pixel a3, Pixel a4, Pixel a5, Pixel a6, Pixel a7
+#define VD_ARGUMENTS a0, a1, a2, a3, a4, a5, a6, a7
+#endif
+
+constexpr size_t LANES = hn::MaxLanes(Words());
+constexpr size_t CACHE_LINE_PIXELS = 16;
+constexpr size_t BLOCK = LANES * 8;
+static_assert(MIX_BLOCK_MAX % BLOCK == 0);
+
+using ChainFn = void (*)(const MixStage *, size_t, VD_REGISTERS);
+
+static HWY_INLINE void CallNext(const MixStage *pStage, size_t i, VD_REGISTERS)
 {
-    const Words d;
-    Pixel p[3] = {w, w, w};
-    for (u32 n = 0; n < Kernel::SOURCES; n++)
-        p[n].v = hn::LoadU(d, apFrom[n] + i);
-    return Kernel::Run(p[0], p[1], p[2], w);
+    reinterpret_cast<ChainFn>(pStage[1].pfn)(pStage + 1, i, VD_ARGUMENTS);
 }
 
-// The pixels behind the last whole vector, by way of vectors of their own: nothing reads or writes beyond an image.
-template <class Kernel> void RunRest(u32 *pTo, const u32 *const *apFrom, size_t nPixels, Pixel w)
+// Compilers fold a load into the masked move that uses it, which then waits for the mask: half the speed.
+static HWY_INLINE Pixel LoadApart(const u32 *p)
 {
-    const Words d;
-    HWY_ALIGN u32 aadwFrom[3][hn::MaxLanes(d)] = {};
-    HWY_ALIGN u32 adwTo[hn::MaxLanes(d)];
-    const u32 *apPadded[3] = {aadwFrom[0], aadwFrom[1], aadwFrom[2]};
-    for (u32 n = 0; n < Kernel::SOURCES; n++)
-        std::memcpy(aadwFrom[n], apFrom[n], nPixels * sizeof(u32));
-    hn::Store(RunAt<Kernel>(apPadded, 0, w).v, d, adwTo);
-    std::memcpy(pTo, adwTo, nPixels * sizeof(u32));
+    Pixel pixel = {hn::LoadU(Words(), p)};
+#if HWY_TARGET == HWY_AVX3
+    asm("" : "+v"(pixel.v.raw));
+#endif
+    return pixel;
 }
 
-template <class Kernel, bool bStream>
-void RunKernel(u32 *pTo, const u32 *const *apFrom, size_t nPixels, u32 nWeight)
+static HWY_INLINE const u32 *PlaceAt(const StageSource &from, size_t i)
 {
-    const Words d;
-    const size_t nLanes = hn::Lanes(d);
-    const Pixel w = {hn::Set(d, nWeight)};
-    const u32 *apAt[3] = {apFrom[0], apFrom[1], apFrom[2]};
-    size_t i = 0;
-    for (; i + nLanes <= nPixels; i += nLanes) {
-        const Pixel p = RunAt<Kernel>(apAt, i, w);
+    return from.pBase + (i & from.nMask);
+}
+
+template <class Kernel, u32 fInRegisters, u32 iSource>
+static HWY_INLINE Pixel Operand(const u32 *const *ap, size_t iPixel, Pixel a)
+{
+    if constexpr (iSource < Kernel::SOURCES && (fInRegisters >> iSource & 1) == 0)
+        return LoadApart(ap[iSource] + iPixel);
+    else
+        return a;
+}
+
+template <class Kernel, u32 fInRegisters>
+static HWY_INLINE Pixel RunOne(const u32 *const *ap, size_t iPixel, Pixel a, Pixel w)
+{
+    return Kernel::Run(Operand<Kernel, fInRegisters, 0>(ap, iPixel, a), Operand<Kernel, fInRegisters, 1>(ap, iPixel, a),
+                       Operand<Kernel, fInRegisters, 2>(ap, iPixel, a), w);
+}
+
+template <class Kernel, u32 fInRegisters> void PointStage(const MixStage *pStage, size_t i, VD_REGISTERS)
+{
+    const u32 *ap[3] = {PlaceAt(pStage->asFrom[0], i), PlaceAt(pStage->asFrom[1], i), PlaceAt(pStage->asFrom[2], i)};
+    const Pixel w = Word(pStage->nWeight);
+#define VD_RUN(k) a##k = RunOne<Kernel, fInRegisters>(ap, k * LANES, a##k, w);
+    VD_EACH(VD_RUN)
+#undef VD_RUN
+    CallNext(pStage, i, VD_ARGUMENTS);
+}
+
+template <class Kernel, bool bStream> void RunAlone(const MixStage &stage, size_t iFirst, size_t iEnd)
+{
+    const u32 *ap[3] = {stage.asFrom[0].pBase, stage.asFrom[1].pBase, stage.asFrom[2].pBase};
+    const Pixel w = Word(stage.nWeight);
+    u32 *pTo = stage.to.pBase;
+    for (size_t i = iFirst; i < iEnd; i += LANES) {
+        const Pixel pixel = RunOne<Kernel, 0>(ap, i, w, w);
         if constexpr (bStream)
-            hn::Stream(p.v, d, pTo + i);
+            hn::Stream(pixel.v, Words(), pTo + i);
         else
-            hn::StoreU(p.v, d, pTo + i);
+            hn::StoreU(pixel.v, Words(), pTo + i);
     }
-    for (const u32 *&p : apAt)
-        p = p ? p + i : nullptr;
-    if (i < nPixels)
-        RunRest<Kernel>(pTo + i, apAt, nPixels - i, w);
+}
+
+void FetchStage(const MixStage *pStage, size_t i, VD_REGISTERS)
+{
+    const u32 *p = PlaceAt(pStage->asFrom[0], i);
+    size_t nPixels = BLOCK;
+    asm("" : "+r"(nPixels)); // keeps it a loop: fetching by one instruction, memory is better foreseen
+    for (size_t iPixel = 0; iPixel < nPixels; iPixel += CACHE_LINE_PIXELS)
+        hwy::Prefetch(p + iPixel);
+    CallNext(pStage, i, VD_ARGUMENTS);
+}
+
+void FillStage(const MixStage *pStage, size_t i, VD_REGISTERS)
+{
+    pStage->pfnFill(*pStage, i);
+#define VD_FORGET(k) a##k = Word(0);
+    VD_EACH(VD_FORGET)
+#undef VD_FORGET
+    CallNext(pStage, i, VD_ARGUMENTS);
+}
+
+template <bool bStream> void WriteStage(const MixStage *pStage, size_t i, VD_REGISTERS)
+{
+    u32 *pTo = pStage->to.pBase + (i & pStage->to.nMask);
+#define VD_WRITE(k)                                                                                                    \
+    if constexpr (bStream)                                                                                             \
+        hn::Stream(a##k.v, Words(), pTo + k * LANES);                                                                  \
+    else                                                                                                               \
+        hn::StoreU(a##k.v, Words(), pTo + k * LANES);
+    VD_EACH(VD_WRITE)
+#undef VD_WRITE
+    CallNext(pStage, i, VD_ARGUMENTS);
+}
+
+void EndStage(const MixStage *, size_t, VD_REGISTERS)
+{
+#define VD_FORGET(k) (void)a##k;
+    VD_EACH(VD_FORGET)
+#undef VD_FORGET
+}
+
+void RunChain(const MixStage *pChain, size_t iFirst, size_t iEnd)
+{
+    const auto pfnFirst = reinterpret_cast<ChainFn>(pChain->pfn);
+    for (size_t i = iFirst; i < iEnd; i += BLOCK) {
+#define VD_START(k) const Pixel a##k = Word(0);
+        VD_EACH(VD_START)
+#undef VD_START
+        pfnFirst(pChain, i, VD_ARGUMENTS);
+    }
+}
+
+void Fence()
+{
+    hwy::FlushStream();
 }
 
 void Reverse(u32 *pTo, const u32 *pFromEnd, size_t nPixels)
@@ -102,90 +189,122 @@ void Reverse(u32 *pTo, const u32 *pFromEnd, size_t nPixels)
 static HWY_INLINE hn::Vec<Integers> ReflectNear(hn::Vec<Integers> v, hn::Vec<Integers> n)
 {
     const auto distance = hn::Abs(v);
-    const auto mirrored = hn::Sub(hn::Sub(hn::Add(n, n), hn::Set(Integers(), 1)), distance);
-    return hn::IfThenElse(hn::Lt(distance, n), distance, mirrored);
+    return hn::Min(distance, hn::Sub(hn::Sub(hn::Add(n, n), hn::Set(Integers(), 1)), distance));
 }
 
-static HWY_INLINE hn::Vec<Integers> Offset(hn::Vec<Floats> far, const f32 *pTable, hn::Vec<Integers> direction)
+// Pixels that a displacement takes through its four passes at a time. Lookups are plain loads: gathering vectors
+// are slower on most processors, and the passes lie far enough apart for what one stores to be there for the next.
+constexpr size_t DISPLACE_CHUNK = BLOCK;
+
+struct DisplaceChunk {
+    HWY_ALIGN u32 adwDirection[DISPLACE_CHUNK]; // sums
+    HWY_ALIGN f32 afFar[DISPLACE_CHUNK];
+    HWY_ALIGN DisplaceDirection asDirection[DISPLACE_CHUNK];
+    HWY_ALIGN u32 adwPlace[DISPLACE_CHUNK];
+};
+
+static HWY_INLINE void MeasureChunk(DisplaceChunk *pChunk, const u32 *pFar, const u32 *pDirection)
 {
-    return hn::ConvertTo(Integers(), hn::Mul(far, hn::GatherIndex(Floats(), pTable, direction)));
+    for (size_t i = 0; i < DISPLACE_CHUNK; i += LANES) {
+        const auto far = hn::BitCast(Integers(), MixSum({hn::LoadU(Words(), pFar + i)}).v);
+        const auto length = hn::Mul(hn::ConvertTo(Floats(), far), hn::Set(Floats(), DISPLACE_MAGNITUDE_UNIT));
+        hn::Store(length, Floats(), pChunk->afFar + i);
+        hn::Store(MixSum({hn::LoadU(Words(), pDirection + i)}).v, Words(), pChunk->adwDirection + i);
+    }
 }
 
-// The displaced pixels of one vector; images at least as wide and high as the longest way.
-static HWY_INLINE Pixel DisplaceAt(const DisplaceSpan &span, const DisplaceTables &tables, i32 x, Pixel p1, Pixel p2)
+// Where the pixels of a chunk come from; images wider and higher than the longest way.
+static HWY_INLINE void PlaceChunk(DisplaceChunk *pChunk, const DisplaceSpan &span, i32 x)
 {
     const Integers d;
-    const auto sum1 = hn::BitCast(d, MixSum(p1).v);
-    const auto sum2 = hn::BitCast(d, MixSum(p2).v);
-    const auto far = hn::Mul(hn::ConvertTo(Floats(), sum1), hn::Set(Floats(), DISPLACE_MAGNITUDE_UNIT));
-    const auto x2 = hn::Add(hn::Iota(d, x), Offset(far, tables.afCos, sum2));
-    const auto y2 = hn::Add(hn::Set(d, span.y), Offset(far, tables.afSin, sum2));
     const auto width = hn::Set(d, span.nWidth);
-    const auto row = hn::Mul(ReflectNear(y2, hn::Set(d, span.nHeight)), width);
-    return {hn::GatherIndex(Words(), span.pImage, hn::Add(row, ReflectNear(x2, width)))};
+    const auto height = hn::Set(d, span.nHeight);
+    for (size_t i = 0; i < DISPLACE_CHUNK; i += LANES) {
+        const auto far = hn::Load(Floats(), pChunk->afFar + i);
+        hn::Vec<Floats> cosine, sine;
+        hn::LoadInterleaved2(Floats(), &pChunk->asDirection[i].fCos, cosine, sine);
+        const auto x2 = hn::Add(hn::Iota(d, x + static_cast<i32>(i)), hn::ConvertTo(d, hn::Mul(far, cosine)));
+        const auto y2 = hn::Add(hn::Set(d, span.y), hn::ConvertTo(d, hn::Mul(far, sine)));
+        const auto place = hn::Add(hn::Mul(ReflectNear(y2, height), width), ReflectNear(x2, width));
+        hn::Store(hn::BitCast(Words(), place), Words(), pChunk->adwPlace + i);
+    }
+}
+
+static HWY_INLINE void DisplaceChunkAt(u32 *pTo, const DisplaceSpan &span, i32 x, const u32 *pFar,
+                                       const u32 *pDirection, size_t nPixels)
+{
+    DisplaceChunk chunk;
+    MeasureChunk(&chunk, pFar, pDirection);
+    for (size_t i = 0; i < DISPLACE_CHUNK; i++)
+        std::memcpy(&chunk.asDirection[i], span.pDirections + chunk.adwDirection[i], sizeof(DisplaceDirection));
+    PlaceChunk(&chunk, span, x);
+    for (size_t i = 0; i < nPixels; i++)
+        pTo[i] = span.pImage[chunk.adwPlace[i]];
 }
 
 void Displace(u32 *pTo, const DisplaceSpan &span, const u32 *pFar, const u32 *pDirection, size_t nPixels)
 {
-    const Words d;
-    const size_t nLanes = hn::Lanes(d);
-    const DisplaceTables &tables = GetDisplaceTables();
     size_t i = 0;
-    for (; i + nLanes <= nPixels; i += nLanes) {
-        const Pixel p1 = {hn::LoadU(d, pFar + i)};
-        const Pixel p2 = {hn::LoadU(d, pDirection + i)};
-        hn::StoreU(DisplaceAt(span, tables, span.x + static_cast<i32>(i), p1, p2).v, d, pTo + i);
-    }
-    HWY_ALIGN u32 aadw[2][hn::MaxLanes(d)] = {};
+    for (; i + DISPLACE_CHUNK <= nPixels; i += DISPLACE_CHUNK)
+        DisplaceChunkAt(pTo + i, span, span.x + static_cast<i32>(i), pFar + i, pDirection + i, DISPLACE_CHUNK);
     if (i == nPixels)
         return;
-    std::memcpy(aadw[0], pFar + i, (nPixels - i) * sizeof(u32));
-    std::memcpy(aadw[1], pDirection + i, (nPixels - i) * sizeof(u32));
-    const Pixel p1 = {hn::Load(d, aadw[0])};
-    const Pixel p2 = {hn::Load(d, aadw[1])};
-    hn::Store(DisplaceAt(span, tables, span.x + static_cast<i32>(i), p1, p2).v, d, aadw[0]);
-    std::memcpy(pTo + i, aadw[0], (nPixels - i) * sizeof(u32));
+    u32 adwFar[DISPLACE_CHUNK] = {};
+    u32 adwDirection[DISPLACE_CHUNK] = {};
+    std::copy_n(pFar + i, nPixels - i, adwFar);
+    std::copy_n(pDirection + i, nPixels - i, adwDirection);
+    DisplaceChunkAt(pTo + i, span, span.x + static_cast<i32>(i), adwFar, adwDirection, nPixels - i);
 }
 
-void Fence()
+template <class Kernel, u32 fInRegisters = 0> void FillRow(StageFn *apfn)
 {
-    hwy::FlushStream();
+    apfn[fInRegisters] = reinterpret_cast<StageFn>(PointStage<Kernel, fInRegisters>);
+    if constexpr (fInRegisters + 1 < 1u << Kernel::SOURCES)
+        FillRow<Kernel, fInRegisters + 1>(apfn);
 }
 
-#define VD_PAIR(name)                                                                                                  \
-    {                                                                                                                  \
-        RunKernel<name##Kernel, false>, RunKernel<name##Kernel, true>                                                  \
-    }
+template <class Kernel> void FillRowOf(KernelTable *pTable, MixKernel eKernel)
+{
+    FillRow<Kernel>(pTable->apfnPoint[static_cast<size_t>(eKernel)]);
+    pTable->apfnAlone[static_cast<size_t>(eKernel)][0] = RunAlone<Kernel, false>;
+    pTable->apfnAlone[static_cast<size_t>(eKernel)][1] = RunAlone<Kernel, true>;
+}
+
+KernelTable MakeTable()
+{
+    KernelTable table = {};
+    table.nBlock = BLOCK;
+    FillRowOf<CopyKernel>(&table, MixKernel::Copy);
+    FillRowOf<BlendKernel>(&table, MixKernel::Blend);
+    FillRowOf<OverwriteBackgroundKernel>(&table, MixKernel::OverwriteBackground);
+    FillRowOf<OnlyWriteForegroundKernel>(&table, MixKernel::OnlyWriteForeground);
+    FillRowOf<BlendXorKernel>(&table, MixKernel::BlendXor);
+    FillRowOf<BlendMaxKernel>(&table, MixKernel::BlendMax);
+    FillRowOf<BlendAlphaKernel>(&table, MixKernel::BlendAlpha);
+    FillRowOf<BlendBooleanKernel>(&table, MixKernel::BlendBoolean);
+    FillRowOf<GunShift1Kernel>(&table, MixKernel::GunShift1);
+    FillRowOf<GunShift2Kernel>(&table, MixKernel::GunShift2);
+    FillRowOf<NegativeKernel>(&table, MixKernel::Negative);
+    FillRowOf<IntensityScaleKernel>(&table, MixKernel::IntensityScale);
+    FillRowOf<IntensityScaleOnePassKernel>(&table, MixKernel::IntensityScaleOnePass);
+    FillRowOf<IntensityScaleRgbKernel>(&table, MixKernel::IntensityScaleRgb);
+    table.pfnFetch = reinterpret_cast<StageFn>(FetchStage);
+    table.pfnFill = reinterpret_cast<StageFn>(FillStage);
+    table.pfnStore = reinterpret_cast<StageFn>(WriteStage<false>);
+    table.pfnStream = reinterpret_cast<StageFn>(WriteStage<true>);
+    table.pfnEnd = reinterpret_cast<StageFn>(EndStage);
+    table.pfnRun = RunChain;
+    table.pfnFence = Fence;
+    table.pfnReverse = Reverse;
+    table.pfnDisplace = Displace;
+    return table;
+}
 
 const KernelTable *TableOfTarget()
 {
-    static const KernelTable table = {
-        {VD_PAIR(Copy),
-         VD_PAIR(Blend),
-         VD_PAIR(OverwriteBackground),
-         VD_PAIR(OnlyWriteForeground),
-         VD_PAIR(BlendXor),
-         VD_PAIR(BlendMax),
-         VD_PAIR(BlendAlpha),
-         VD_PAIR(BlendBoolean),
-         {},
-         {},
-         {},
-         VD_PAIR(GunShift1),
-         VD_PAIR(GunShift2),
-         VD_PAIR(Negative),
-         VD_PAIR(IntensityScale),
-         VD_PAIR(IntensityScaleOnePass),
-         VD_PAIR(IntensityScaleRgb),
-         {}},
-        Reverse,
-        Displace,
-        Fence,
-    };
+    static const KernelTable table = MakeTable();
     return &table;
 }
-
-#undef VD_PAIR
 
 } // namespace HWY_NAMESPACE
 } // namespace mix

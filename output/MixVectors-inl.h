@@ -195,7 +195,7 @@ VD_MIX_FUNCTION Pixel AssembleWide(Channels c)
 #endif
 
 #define VD_MIX_ARITHMETIC(...) __VA_ARGS__
-#include "output/MixArithmetic.inc"
+#include "output/MixArithmetic-inl.h"
 #undef VD_MIX_ARITHMETIC
 #undef VD_MIX_FUNCTION
 

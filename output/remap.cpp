@@ -1,7 +1,8 @@
-// remap.cpp -- runs programs of mix kernels: tile by tile through all steps, over all cores
+// remap.cpp -- runs programs of mix kernels: block by block through all steps, over all cores
 #include "output/remap.h"
 
 #include "output/MixKernels.h"
+#include "output/MixPlan.h"
 #include "platform/Assert.h"
 
 #ifndef VD_SERIAL_LOOPS
@@ -12,231 +13,299 @@
 #include <algorithm>
 #include <iterator>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
-constexpr size_t TILES_PER_TASK = 16;
-constexpr u32 NO_SLOT = ALL_ONES;
+constexpr size_t PIXELS_PER_TASK = 32768;
+constexpr size_t FETCHED_AHEAD = 768; // pixels; much less comes too late, much more is gone again
 
-// A tile of pixels for each result that is still to be read; they are used again as soon as they can be.
-struct TileSlots {
-    alignas(64) u32 aadw[MIX_STEPS_MAX][MIX_TILE];
+// A displacement reads up to 63 rows above and below: in strips of this width they stay in the second level cache.
+constexpr size_t STRIP_WIDTH = 512;
+constexpr size_t STRIP_ROWS = 256; // of a task
+constexpr size_t ROWS_AHEAD = 64;
+
+constexpr u32 STAGES_MAX = (4 + 3) * MIX_STEPS_MAX + 1; // each step can fill, compute, keep and write; fetches
+
+struct Block {
+    alignas(64) u32 adw[MIX_BLOCK_MAX];
 };
 
-alignas(64) const u32 adwZeros[MIX_TILE] = {};
+const Block Zeros = {};
 
-// An operand in place: an image, whose tile lies where the target's does, or a fixed tile.
-struct PlannedOperand {
-    const u32 *pImage; // null: iSlot, and with no slot the zeros
-    u32 iSlot;
+// What the filling stage of a spatial step needs.
+struct SpatialFill {
+    const KernelTable *pKernels;
+    const MixPlan *pPlan;
+    const PlannedStep *pStep;
 };
 
-struct PlannedStep {
-    MixKernel eKernel;
-    u32 nWeight;
-    PlannedOperand asFrom[3];
-    u32 *pStream; // image that the kernel itself writes, past the caches; null: it writes the slot
-    u32 *pCopyTo; // image that then receives the slot, past the caches; null: none
-    u32 iSlot;
+// A plan as a chain of stages, with the buffers of the thread that runs it.
+struct Chain {
+    u32 nStages;
+    MixStage asStage[STAGES_MAX];
+    SpatialFill asFill[MIX_STEPS_MAX];
+    Block asSlot[MIX_STEPS_MAX];
 };
 
-// A program made ready: operands in place, and only the steps whose results somebody reads.
-struct MixPlan {
-    size_t nPixels;
-    i32 nWidth;
-    i32 nHeight;
-    u32 nSteps;
-    PlannedStep asStep[MIX_STEPS_MAX];
-};
+// --- Spatial steps ---
 
-constexpr u32 anSources[] = {1, 2, 2, 2, 2, 2, 3, 3, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2};
-static_assert(std::size(anSources) == static_cast<size_t>(MixKernel::Count));
-
-u32 SourcesOf(const MixStep &step)
-{
-    return anSources[static_cast<size_t>(step.eKernel)];
-}
-
-// The last step that reads each step's result; -1 for those that none reads and that write no image.
-struct LastUses {
-    i32 an[MIX_STEPS_MAX];
-};
-
-LastUses FindLastUses(const MixProgram &prog)
-{
-    LastUses uses;
-    std::fill(std::begin(uses.an), std::end(uses.an), -1);
-    for (i32 i = static_cast<i32>(prog.nSteps) - 1; i >= 0; i--) {
-        const MixStep &step = prog.asStep[i];
-        if (uses.an[i] < 0 && !step.pTo)
-            continue;
-        for (u32 n = 0; n < SourcesOf(step); n++) {
-            const MixOperand &from = step.asFrom[n];
-            VD_ASSERT(from.pImage || (from.iStep < i && !(n == 0 && KernelIsSpatial(step.eKernel))));
-            if (!from.pImage && from.iStep >= 0)
-                uses.an[from.iStep] = std::max(uses.an[from.iStep], i);
-        }
-    }
-    return uses;
-}
-
-class SlotPool {
-  public:
-    u32 Take()
-    {
-        u32 iSlot = 0;
-        while (abTaken[iSlot])
-            iSlot++;
-        abTaken[iSlot] = true;
-        return iSlot;
-    }
-    void Release(u32 iSlot)
-    {
-        abTaken[iSlot] = false;
-    }
-
-  private:
-    bool abTaken[MIX_STEPS_MAX] = {};
-};
-
-// Gives a step its operands and its target. A slot whose last reader this is may become its target at once.
-PlannedStep PlanStep(const MixProgram &prog, i32 iStep, const LastUses &uses, u32 *aiSlot, SlotPool *pPool)
-{
-    const MixStep &step = prog.asStep[iStep];
-    PlannedStep planned = {step.eKernel, step.nWeight, {}, nullptr, nullptr, NO_SLOT};
-    for (u32 n = 0; n < SourcesOf(step); n++) {
-        const MixOperand &from = step.asFrom[n];
-        planned.asFrom[n] = {from.pImage, !from.pImage && from.iStep >= 0 ? aiSlot[from.iStep] : NO_SLOT};
-    }
-    for (i32 i = 0; i < iStep; i++)
-        if (uses.an[i] == iStep)
-            pPool->Release(aiSlot[i]);
-    const bool bStreams = uses.an[iStep] < 0 && !KernelIsSpatial(step.eKernel);
-    (bStreams ? planned.pStream : planned.pCopyTo) = step.pTo;
-    if (!bStreams)
-        aiSlot[iStep] = planned.iSlot = pPool->Take();
-    if (uses.an[iStep] < 0 && !bStreams)
-        pPool->Release(planned.iSlot);
-    return planned;
-}
-
-MixPlan PlanProgram(const MixProgram &prog)
-{
-    MixPlan plan;
-    plan.nPixels = static_cast<size_t>(prog.nWidth) * static_cast<size_t>(prog.nHeight);
-    plan.nWidth = prog.nWidth;
-    plan.nHeight = prog.nHeight;
-    plan.nSteps = 0;
-    const LastUses uses = FindLastUses(prog);
-    SlotPool pool;
-    u32 aiSlot[MIX_STEPS_MAX];
-    for (i32 i = 0; i < static_cast<i32>(prog.nSteps); i++)
-        if (uses.an[i] >= 0 || prog.asStep[i].pTo)
-            plan.asStep[plan.nSteps++] = PlanStep(prog, i, uses, aiSlot, &pool);
-    return plan;
-}
-
-struct Tile {
-    size_t iFirst;
-    size_t nPixels;
-};
-
-const u32 *TileOf(const PlannedOperand &from, const Tile &tile, const TileSlots &slots)
-{
-    return from.pImage ? from.pImage + tile.iFirst : from.iSlot == NO_SLOT ? adwZeros : slots.aadw[from.iSlot];
-}
-
-// Images too small for the reflection by one mirroring.
+// Images too small to be reflected by one mirroring.
 void DisplaceSmall(u32 *pTo, const DisplaceSpan &span, const u32 *pFar, const u32 *pDirection, size_t nPixels)
 {
-    const DisplaceTables &tables = GetDisplaceTables();
     const auto sum = [](u32 p) { return (p & 0xFF) + (p >> 8 & 0xFF) + (p >> 16 & 0xFF); };
     for (size_t i = 0; i < nPixels; i++) {
         const f32 fFar = static_cast<f32>(sum(pFar[i])) * DISPLACE_MAGNITUDE_UNIT;
-        const i32 x = span.x + static_cast<i32>(i) + static_cast<i32>(fFar * tables.afCos[sum(pDirection[i])]);
-        const i32 y = span.y + static_cast<i32>(fFar * tables.afSin[sum(pDirection[i])]);
-        pTo[i] =
-            span.pImage[static_cast<size_t>(ReflectCoordinate(y, span.nHeight)) * static_cast<size_t>(span.nWidth) +
-                        static_cast<size_t>(ReflectCoordinate(x, span.nWidth))];
+        const u32 nDirection = sum(pDirection[i]);
+        const i32 x = span.x + static_cast<i32>(i) + static_cast<i32>(fFar * span.pDirections[nDirection].fCos);
+        const i32 y = span.y + static_cast<i32>(fFar * span.pDirections[nDirection].fSin);
+        pTo[i] = span.pImage[ReflectCoordinate(y, span.nHeight) * span.nWidth + ReflectCoordinate(x, span.nWidth)];
     }
 }
 
-// The part of a tile that lies in one row, or what is left of the tile.
+// Pixels of one row.
 struct RowSpan {
-    size_t iOffset; // from the start of the tile
-    size_t nPixels;
     size_t x;
     size_t y;
+    size_t nPixels;
 };
 
-RowSpan SpanAt(const MixPlan &plan, const Tile &tile, size_t iOffset)
+void FillSpan(const SpatialFill &fill, const RowSpan &span, const u32 *pFar, const u32 *pDirection, u32 *pTo)
 {
-    const size_t nWidth = static_cast<size_t>(plan.nWidth);
-    const size_t x = (tile.iFirst + iOffset) % nWidth;
-    return {iOffset, std::min(tile.nPixels - iOffset, nWidth - x), x, (tile.iFirst + iOffset) / nWidth};
-}
-
-void RunSpan(const KernelTable &kernels, const MixPlan &plan, const PlannedStep &step, const RowSpan &span,
-             const u32 *const *apFrom, u32 *pTo)
-{
-    const size_t nWidth = static_cast<size_t>(plan.nWidth);
-    const u32 *pImage = step.asFrom[0].pImage;
-    if (step.eKernel == MixKernel::InvertX) {
-        kernels.pfnReverse(pTo, pImage + (span.y + 1) * nWidth - span.x, span.nPixels);
-    } else if (step.eKernel == MixKernel::InvertY) {
-        const size_t yFrom = static_cast<size_t>(plan.nHeight) - 1 - span.y;
-        std::copy_n(pImage + yFrom * nWidth + span.x, span.nPixels, pTo);
+    const size_t nWidth = static_cast<size_t>(fill.pPlan->nWidth);
+    const size_t nHeight = static_cast<size_t>(fill.pPlan->nHeight);
+    const u32 *pImage = fill.pStep->asFrom[0].pImage;
+    if (fill.pStep->eKernel == MixKernel::InvertX) {
+        fill.pKernels->pfnReverse(pTo, pImage + (span.y + 1) * nWidth - span.x, span.nPixels);
+    } else if (fill.pStep->eKernel == MixKernel::InvertY) {
+        std::copy_n(pImage + (nHeight - 1 - span.y) * nWidth + span.x, span.nPixels, pTo);
     } else {
-        const bool bSmall = std::min(plan.nWidth, plan.nHeight) <= DISPLACE_WAY_MAX;
-        const DisplaceSpan displace = {pImage, plan.nWidth, plan.nHeight, static_cast<i32>(span.x),
+        const bool bSmall = std::min(nWidth, nHeight) <= DISPLACE_WAY_MAX;
+        const DisplaceSpan displace = {pImage,
+                                       GetDisplaceDirections(),
+                                       fill.pPlan->nWidth,
+                                       fill.pPlan->nHeight,
+                                       static_cast<i32>(span.x),
                                        static_cast<i32>(span.y)};
-        (bSmall ? DisplaceSmall : kernels.pfnDisplace)(pTo, displace, apFrom[0] + span.iOffset,
-                                                       apFrom[1] + span.iOffset, span.nPixels);
+        (bSmall ? DisplaceSmall : fill.pKernels->pfnDisplace)(pTo, displace, pFar, pDirection, span.nPixels);
     }
 }
 
-void RunSpatial(const KernelTable &kernels, const MixPlan &plan, const PlannedStep &step, const Tile &tile,
-                const u32 *const *apFrom, u32 *pTo)
+// Makes the pixels of one block, row by row where it spans several.
+void FillBlock(const MixStage &stage, size_t iPixel)
 {
-    if (step.eKernel == MixKernel::InvertXY) {
-        kernels.pfnReverse(pTo, step.asFrom[0].pImage + plan.nPixels - tile.iFirst, tile.nPixels);
+    const SpatialFill &fill = *static_cast<const SpatialFill *>(stage.pvContext);
+    const MixPlan &plan = *fill.pPlan;
+    const size_t nPixels = std::min(fill.pKernels->nBlock, plan.nPixels - iPixel);
+    if (fill.pStep->eKernel == MixKernel::InvertXY) {
+        fill.pKernels->pfnReverse(stage.to.pBase, fill.pStep->asFrom[0].pImage + plan.nPixels - iPixel, nPixels);
         return;
     }
-    for (size_t iOffset = 0; iOffset < tile.nPixels;) {
-        const RowSpan span = SpanAt(plan, tile, iOffset);
-        RunSpan(kernels, plan, step, span, apFrom, pTo + iOffset);
-        iOffset += span.nPixels;
+    const u32 *pFar = stage.asFrom[0].pBase + (iPixel & stage.asFrom[0].nMask);
+    const u32 *pDirection = stage.asFrom[1].pBase + (iPixel & stage.asFrom[1].nMask);
+    const size_t nWidth = static_cast<size_t>(plan.nWidth);
+    for (size_t i = 0; i < nPixels;) {
+        const size_t x = (iPixel + i) % nWidth;
+        const RowSpan span = {x, (iPixel + i) / nWidth, std::min(nPixels - i, nWidth - x)};
+        FillSpan(fill, span, pFar + i, pDirection + i, stage.to.pBase + i);
+        i += span.nPixels;
     }
 }
 
-void RunTile(const KernelTable &kernels, const MixPlan &plan, const Tile &tile, TileSlots *pSlots)
+// --- Chains ---
+
+StageSource SourceOf(const PlannedSource &from, const Chain &chain)
 {
+    if (from.pImage)
+        return {from.pImage, STAGE_IMAGE};
+    return {from.iSlot != NO_SLOT ? chain.asSlot[from.iSlot].adw : Zeros.adw, STAGE_BUFFER};
+}
+
+MixStage *AddStage(Chain *pChain, StageFn pfn)
+{
+    MixStage &stage = pChain->asStage[pChain->nStages++];
+    stage = {pfn, {}, {}, 0, nullptr, nullptr};
+    for (StageSource &from : stage.asFrom)
+        from = {Zeros.adw, STAGE_BUFFER};
+    return &stage;
+}
+
+void AddSpatialStages(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, u32 iStep)
+{
+    const PlannedStep &step = plan.asStep[iStep];
+    pChain->asFill[iStep] = {&kernels, &plan, &step};
+    MixStage *pFill = AddStage(pChain, kernels.pfnFill);
+    for (u32 n = 0; n < step.nSources; n++)
+        pFill->asFrom[n] = SourceOf(step.asFrom[n], *pChain);
+    pFill->to = {pChain->asSlot[step.iSlot].adw, STAGE_BUFFER};
+    pFill->pfnFill = FillBlock;
+    pFill->pvContext = &pChain->asFill[iStep];
+    MixStage *pTake = AddStage(pChain, kernels.apfnPoint[static_cast<size_t>(MixKernel::Copy)][0]);
+    pTake->asFrom[0] = {pFill->to.pBase, STAGE_BUFFER};
+}
+
+void AddPointStages(Chain *pChain, const KernelTable &kernels, const PlannedStep &step)
+{
+    u32 fInRegisters = 0;
+    for (u32 n = 0; n < step.nSources; n++)
+        fInRegisters |= static_cast<u32>(step.asFrom[n].bRegisters) << n;
+    MixStage *pPoint = AddStage(pChain, kernels.apfnPoint[static_cast<size_t>(step.eKernel)][fInRegisters]);
+    pPoint->nWeight = step.nWeight;
+    for (u32 n = 0; n < step.nSources; n++)
+        pPoint->asFrom[n] = SourceOf(step.asFrom[n], *pChain);
+    if (step.iSlot != NO_SLOT)
+        AddStage(pChain, kernels.pfnStore)->to = {pChain->asSlot[step.iSlot].adw, STAGE_BUFFER};
+}
+
+bool MayStream(const MixPlan &plan, const PlannedStep &step)
+{
+    return plan.bPastCaches && reinterpret_cast<uintptr_t>(step.pTo) % 64 == 0;
+}
+
+void AddStepStages(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, u32 iStep)
+{
+    const PlannedStep &step = plan.asStep[iStep];
+    if (KernelIsSpatial(step.eKernel))
+        AddSpatialStages(pChain, kernels, plan, iStep);
+    else
+        AddPointStages(pChain, kernels, step);
+    if (step.pTo)
+        AddStage(pChain, MayStream(plan, step) ? kernels.pfnStream : kernels.pfnStore)->to = {step.pTo, STAGE_IMAGE};
+}
+
+// How far ahead of its use an image is fetched. In strips the next pixels are those of the next row, and the source
+// of a displacement is read from so many rows on.
+size_t DistanceAhead(const MixPlan &plan, const u32 *pImage)
+{
+    const auto displaces = [&](const PlannedStep &step) {
+        return step.eKernel == MixKernel::Displace && step.asFrom[0].pImage == pImage;
+    };
+    if (!plan.bDisplaces)
+        return FETCHED_AHEAD;
+    const bool bDisplaced = std::any_of(plan.asStep, plan.asStep + plan.nSteps, displaces);
+    return static_cast<size_t>(plan.nWidth) * (bDisplaced ? ROWS_AHEAD : 1);
+}
+
+// Has the images fetched ahead evenly over the steps, so that memory is as busy as the processor all along.
+void AddFetchStages(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, u32 iStep)
+{
+    const u32 iEnd = (iStep + 1) * plan.nImages / plan.nSteps;
+    for (u32 i = iStep * plan.nImages / plan.nSteps; i < iEnd; i++) {
+        const u32 *pImage = plan.apImage[i];
+        AddStage(pChain, kernels.pfnFetch)->asFrom[0] = {pImage + DistanceAhead(plan, pImage), STAGE_IMAGE};
+    }
+}
+
+void BuildChain(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, bool bFetch)
+{
+    pChain->nStages = 0;
     for (u32 i = 0; i < plan.nSteps; i++) {
-        const PlannedStep &step = plan.asStep[i];
-        const u32 *apFrom[3];
-        for (u32 n = 0; n < 3; n++)
-            apFrom[n] = TileOf(step.asFrom[n], tile, *pSlots);
-        u32 *pSlot = step.iSlot == NO_SLOT ? nullptr : pSlots->aadw[step.iSlot];
-        const auto *apfn = kernels.apfnPoint[static_cast<size_t>(step.eKernel)];
-        if (!apfn[0])
-            RunSpatial(kernels, plan, step, tile, apFrom, pSlot);
-        else if (step.pStream)
-            apfn[1](step.pStream + tile.iFirst, apFrom, tile.nPixels, step.nWeight);
-        else
-            apfn[0](pSlot, apFrom, tile.nPixels, step.nWeight);
-        const u32 *apSlot[3] = {pSlot, nullptr, nullptr};
-        if (step.pCopyTo)
-            kernels.apfnPoint[static_cast<size_t>(MixKernel::Copy)][1](step.pCopyTo + tile.iFirst, apSlot, tile.nPixels,
-                                                                       0);
+        if (bFetch)
+            AddFetchStages(pChain, kernels, plan, i);
+        AddStepStages(pChain, kernels, plan, i);
     }
+    AddStage(pChain, kernels.pfnEnd);
 }
 
-void RunTiles(const KernelTable &kernels, const MixPlan &plan, size_t iFirst, size_t iEnd)
+// One step that reads nothing but images at their pixel.
+bool IsAlone(const MixPlan &plan)
 {
-    TileSlots slots;
-    for (size_t i = iFirst; i < iEnd; i++)
-        RunTile(kernels, plan, {i * MIX_TILE, std::min(MIX_TILE, plan.nPixels - i * MIX_TILE)}, &slots);
+    const PlannedStep &step = plan.asStep[0];
+    return plan.nSteps == 1 && !KernelIsSpatial(step.eKernel) &&
+           std::all_of(step.asFrom, step.asFrom + step.nSources, [](const PlannedSource &from) { return from.pImage; });
+}
+
+void RunAlone(const KernelTable &kernels, const MixPlan &plan, size_t iFirst, size_t iEnd)
+{
+    const PlannedStep &step = plan.asStep[0];
+    MixStage stage = {};
+    for (u32 n = 0; n < step.nSources; n++)
+        stage.asFrom[n] = {step.asFrom[n].pImage, STAGE_IMAGE};
+    stage.to = {step.pTo, STAGE_IMAGE};
+    stage.nWeight = step.nWeight;
+    kernels.apfnAlone[static_cast<size_t>(step.eKernel)][MayStream(plan, step)](stage, iFirst * kernels.nBlock,
+                                                                                iEnd * kernels.nBlock);
     kernels.pfnFence();
+}
+
+void RunBlocks(const KernelTable &kernels, const MixPlan &plan, size_t iFirst, size_t iEnd)
+{
+    Chain chain;
+    BuildChain(&chain, kernels, plan, true);
+    kernels.pfnRun(chain.asStage, iFirst * kernels.nBlock, iEnd * kernels.nBlock);
+    kernels.pfnFence();
+}
+
+// The number of whole blocks that start before this pixel.
+size_t BlocksBefore(const KernelTable &kernels, const MixPlan &plan, size_t iPixel)
+{
+    return std::min((iPixel + kernels.nBlock - 1) / kernels.nBlock, plan.nPixels / kernels.nBlock);
+}
+
+// The blocks that start in one strip of the rows from yFirst to yEnd.
+void RunStrip(const KernelTable &kernels, const MixPlan &plan, size_t iStrip, size_t yFirst, size_t yEnd)
+{
+    Chain chain;
+    BuildChain(&chain, kernels, plan, true);
+    const size_t nWidth = static_cast<size_t>(plan.nWidth);
+    const size_t xFirst = iStrip * STRIP_WIDTH;
+    const size_t xEnd = std::min(xFirst + STRIP_WIDTH, nWidth);
+    for (size_t y = yFirst; y < yEnd; y++)
+        kernels.pfnRun(chain.asStage, BlocksBefore(kernels, plan, y * nWidth + xFirst) * kernels.nBlock,
+                       BlocksBefore(kernels, plan, y * nWidth + xEnd) * kernels.nBlock);
+    kernels.pfnFence();
+}
+
+// Calls fn for ranges that together are 0 to n, on all cores.
+template <class Fn> void ForRanges(size_t n, size_t nGrain, Fn fn)
+{
+#ifdef VD_SERIAL_LOOPS
+    (void)nGrain;
+    fn(size_t{0}, n);
+#else
+    tbb::parallel_for(tbb::blocked_range<size_t>(0, n, nGrain),
+                      [&](const tbb::blocked_range<size_t> &range) { fn(range.begin(), range.end()); });
+#endif
+}
+
+void RunInStrips(const KernelTable &kernels, const MixPlan &plan)
+{
+    const size_t nStrips = (static_cast<size_t>(plan.nWidth) + STRIP_WIDTH - 1) / STRIP_WIDTH;
+    const size_t nHeight = static_cast<size_t>(plan.nHeight);
+    const size_t nBands = (nHeight + STRIP_ROWS - 1) / STRIP_ROWS;
+    ForRanges(nStrips * nBands, 1, [&](size_t iFirst, size_t iEnd) {
+        for (size_t i = iFirst; i < iEnd; i++) {
+            const size_t yFirst = i % nBands * STRIP_ROWS;
+            RunStrip(kernels, plan, i / nBands, yFirst, std::min(yFirst + STRIP_ROWS, nHeight));
+        }
+    });
+}
+
+// The pixels behind the last whole block, by way of buffers: nothing reads or writes beyond an image.
+void RunRest(const KernelTable &kernels, const MixPlan &plan, size_t iFirst)
+{
+    Chain chain;
+    BuildChain(&chain, kernels, plan, false);
+    Block asFrom[MIX_IMAGES_MAX], asTo[MIX_STEPS_MAX];
+    u32 *apTo[MIX_STEPS_MAX];
+    u32 nFrom = 0, nTo = 0;
+    const size_t cbRest = (plan.nPixels - iFirst) * sizeof(u32);
+    for (u32 i = 0; i < chain.nStages; i++) {
+        MixStage &stage = chain.asStage[i];
+        for (StageSource &from : stage.asFrom) {
+            if (from.nMask == STAGE_BUFFER)
+                continue;
+            std::memcpy(asFrom[nFrom].adw, from.pBase + iFirst, cbRest);
+            from = {asFrom[nFrom++].adw, STAGE_BUFFER};
+        }
+        if (stage.to.nMask == STAGE_BUFFER)
+            continue;
+        apTo[nTo] = stage.to.pBase + iFirst;
+        stage.to = {asTo[nTo++].adw, STAGE_BUFFER};
+    }
+    kernels.pfnRun(chain.asStage, iFirst, iFirst + 1);
+    for (u32 i = 0; i < nTo; i++)
+        std::memcpy(apTo[i], asTo[i].adw, cbRest);
 }
 
 } // namespace
@@ -261,12 +330,13 @@ void RunMixProgram(const MixProgram &prog)
     if (plan.nSteps == 0)
         return;
     const KernelTable &kernels = GetKernelTable();
-    const size_t nTiles = (plan.nPixels + MIX_TILE - 1) / MIX_TILE;
-#ifdef VD_SERIAL_LOOPS
-    RunTiles(kernels, plan, 0, nTiles);
-#else
-    tbb::parallel_for(
-        tbb::blocked_range<size_t>(0, nTiles, TILES_PER_TASK),
-        [&](const tbb::blocked_range<size_t> &range) { RunTiles(kernels, plan, range.begin(), range.end()); });
-#endif
+    const size_t nBlocks = plan.nPixels / kernels.nBlock;
+    if (plan.bDisplaces)
+        RunInStrips(kernels, plan);
+    else
+        ForRanges(nBlocks, PIXELS_PER_TASK / kernels.nBlock, [&](size_t iFirst, size_t iEnd) {
+            (IsAlone(plan) ? RunAlone : RunBlocks)(kernels, plan, iFirst, iEnd);
+        });
+    if (nBlocks * kernels.nBlock < plan.nPixels)
+        RunRest(kernels, plan, nBlocks * kernels.nBlock);
 }

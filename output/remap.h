@@ -73,11 +73,13 @@ constexpr f32 DISPLACE_MAGNITUDE_UNIT = std::bit_cast<f32>(0x3DAAAAABu); // 1 / 
 constexpr f32 DISPLACE_ANGLE_UNIT = std::bit_cast<f32>(0x3C05F92Du);     // 6.28 / 768
 constexpr i32 DISPLACE_WAY_MAX = 63;
 
-// Sine and cosine of the directions. Made from the double functions and rounded to single: no sine or cosine of
-// these angles lies so close to the middle between two single numbers that two sound math libraries could round it
-// differently, so the pictures are the same everywhere. Those of single precision do differ.
-struct DisplaceTables {
-    f32 afSin[DISPLACE_LEVELS];
-    f32 afCos[DISPLACE_LEVELS];
+// Cosine and sine of a direction. Made from the double functions and rounded to single: none of these angles has a
+// cosine or sine so close to the middle between two single numbers that two sound math libraries could round it
+// differently, so the pictures are the same everywhere. The functions of single precision do differ.
+struct DisplaceDirection {
+    f32 fCos;
+    f32 fSin;
 };
-const DisplaceTables &GetDisplaceTables();
+
+// By the sum of colour bytes: DISPLACE_LEVELS entries.
+const DisplaceDirection *GetDisplaceDirections();

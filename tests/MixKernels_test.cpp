@@ -161,11 +161,11 @@ TEST(MixKernels, ReflectionRepeatsTheHighEdgeAndNotTheLowOne)
 
 TEST(MixKernels, TheDisplaceTablesHoldWhatDirectComputationGives)
 {
-    const DisplaceTables &tables = GetDisplaceTables();
+    const DisplaceDirection *pDirections = GetDisplaceDirections();
     for (u32 i = 0; i < DISPLACE_LEVELS; i++) {
         const f32 fAngle = static_cast<f32>(i) * std::bit_cast<f32>(0x3C05F92Du);
-        EXPECT_EQ(tables.afSin[i], static_cast<f32>(std::sin(static_cast<double>(fAngle))));
-        EXPECT_EQ(tables.afCos[i], static_cast<f32>(std::cos(static_cast<double>(fAngle))));
+        EXPECT_EQ(pDirections[i].fSin, static_cast<f32>(std::sin(static_cast<double>(fAngle))));
+        EXPECT_EQ(pDirections[i].fCos, static_cast<f32>(std::cos(static_cast<double>(fAngle))));
     }
 }
 

@@ -1,4 +1,4 @@
-// MixArithmetic.inc -- what each mix operator computes, as a function of pixels: the one text of it
+// MixArithmetic-inl.h -- what each mix operator computes, as a function of pixels: the one text of it
 //
 // Compiled over vectors of pixels for each instruction set, and in words that a compute shader's language shares,
 // so that its text can become part of a shader. Who includes it provides

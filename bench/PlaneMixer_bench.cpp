@@ -1,0 +1,288 @@
+// PlaneMixer_bench.cpp -- the mixer against the bare traffic of its pictures, pixman, and the math library
+#include "bench/BenchReport.h"
+#include "bench/MemoryTraffic.h"
+
+#include "output/PlaneMixer.h"
+#include "output/remap.h"
+#include "platform/Bitmap.h"
+
+#include <pixman.h>
+#include <tbb/info.h>
+#include <tbb/task_arena.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+
+namespace {
+
+constexpr unsigned ROUNDS = 41;
+
+struct Format {
+    const char *pszName;
+    i32 nWidth;
+    i32 nHeight;
+};
+
+constexpr Format asFormat[] = {{"1080p", 1920, 1080}, {"4K", 3840, 2160}};
+
+// A preset of planes full of noise, and a picture beside it that the references write.
+struct Stage {
+    PresetState state;
+    PlaneState asPlane[PLANES_MAX];
+    HostBitmap *hbmReference;
+};
+
+HostBitmap *NoisePicture(const Format &format, u32 dwSeed)
+{
+    HostBitmap *hbm = CreateBitmap(format.nWidth, format.nHeight);
+    std::minstd_rand random(dwSeed);
+    for (u64 i = 0; i < BitmapBytes(hbm) / 4; i++)
+        BitmapPixels(hbm)[i] = static_cast<u32>(random() >> 4) & 0x00FFFFFFu;
+    return hbm;
+}
+
+void SetUpStage(Stage *pStage, const Format &format)
+{
+    *pStage = {};
+    pStage->state.hbmFinal = NoisePicture(format, 100);
+    pStage->hbmReference = NoisePicture(format, 101);
+    for (u32 i = 0; i < PLANES_MAX; i++) {
+        pStage->asPlane[i].Info.hbmResolved = NoisePicture(format, i + 1);
+        pStage->state.psPlane[i] = &pStage->asPlane[i];
+    }
+    pStage->state.nPlanes = PLANES_MAX;
+}
+
+void TearDownStage(Stage *pStage)
+{
+    RemoveAllMixRules(&pStage->state);
+    for (PlaneState &plane : pStage->asPlane)
+        DeleteBitmap(plane.Info.hbmResolved);
+    DeleteBitmap(pStage->hbmReference);
+    DeleteBitmap(pStage->state.hbmFinal);
+}
+
+struct Rule {
+    i32 MixOp, SrcIdx1, SrcIdx2, AplhaIdx;
+};
+
+void SetRules(Stage *pStage, const std::vector<Rule> &rules)
+{
+    RemoveAllMixRules(&pStage->state);
+    for (const Rule &rule : rules) {
+        MixRule *pRule = AddMixRule(&pStage->state);
+        pRule->MixOp = rule.MixOp;
+        pRule->SrcIdx1 = rule.SrcIdx1;
+        pRule->SrcIdx2 = rule.SrcIdx2;
+        pRule->AplhaIdx = rule.AplhaIdx;
+        pRule->BlendWeight.Integer.nValue = 77;
+    }
+}
+
+Traffic TrafficOf(const Stage &stage, u32 nFrom)
+{
+    Traffic traffic = {BitmapPixels(stage.hbmReference), {}, nFrom, BitmapBytes(stage.hbmReference) / 4};
+    for (u32 i = 0; i < nFrom; i++)
+        traffic.apFrom[i] = BitmapPixels(stage.asPlane[i].Info.hbmResolved);
+    return traffic;
+}
+
+// Times of a mix and of its reference, round by round.
+struct Times {
+    std::vector<double> afMix;
+    std::vector<double> afReference;
+};
+
+// Both references are measured in turn with the mix alone, so that either finds memory as the other left it; the
+// faster one counts, with the mixes measured between its own.
+Times TimeMix(Stage *pStage, u32 bOnePass, u32 nFrom, int nThreads)
+{
+    const Traffic traffic = TrafficOf(*pStage, nFrom);
+    tbb::task_arena arena(nThreads);
+    const auto against = [&](void (*pfnMove)(const Traffic &)) {
+        const auto [afMix, afReference] = TimeInterleaved(
+            ROUNDS, 1, [&] { arena.execute([&] { MixPlanes(&pStage->state, bOnePass); }); },
+            [&] { arena.execute([&] { pfnMove(traffic); }); });
+        return Times{afMix, afReference};
+    };
+    const Times through = against(MoveThroughCaches);
+    const Times past = against(MovePastCaches);
+    return Median(through.afReference) < Median(past.afReference) ? through : past;
+}
+
+std::string Label(const char *pszWhat, const Format &format, int nThreads)
+{
+    return std::string("PlaneMixer/") + pszWhat + ", " + format.pszName +
+           (nThreads == 1 ? ", one thread" : ", all threads");
+}
+
+struct OperatorCase {
+    const char *pszName;
+    i32 nMixOp;
+    u32 nFrom;
+};
+
+constexpr OperatorCase asOperator[] = {
+    {"Blend", MIXOP_BLEND, 2},
+    {"Overwrite Background", MIXOP_OVERWRITE_BACKGROUND, 2},
+    {"Only Write Foreground", MIXOP_ONLY_WRITE_FOREGROUND, 2},
+    {"Blend XOR", MIXOP_BLEND_XOR, 2},
+    {"Blend Max", MIXOP_BLEND_MAX, 2},
+    {"Blend using Alpha Channel", MIXOP_BLEND_ALPHA, 3},
+    {"Blend using Boolean Channel", MIXOP_BLEND_BOOLEAN, 3},
+    {"Color Gun Shift I", MIXOP_GUN_SHIFT_1, 1},
+    {"Color Gun Shift II", MIXOP_GUN_SHIFT_2, 1},
+    {"Negative", MIXOP_NEGATIVE, 1},
+};
+
+// What the second thread brings, to a mix and to its reference.
+void ReportGain(const char *pszName, const Times &one, const Times &all, double fGoal, bool bOverReference)
+{
+    const double fGain = Median(one.afMix) / Median(all.afMix);
+    const double fReferenceGain = Median(one.afReference) / Median(all.afReference);
+    const std::string label = std::string("PlaneMixer/all threads over one, 4K: ") + pszName;
+    ReportFigure(label.c_str(), bOverReference ? fGain / fReferenceGain : fGain, fGoal, bOverReference ? "x ref" : "x",
+                 BenchGoal::AT_LEAST);
+}
+
+void MeasureOperators(Stage *pStage, const Format &format, bool bGain)
+{
+    for (const OperatorCase &op : asOperator) {
+        SetRules(pStage, {{op.nMixOp, 0, 1, 2}});
+        Times aTimes[2];
+        for (u32 i = 0; i < 2; i++) {
+            const int nThreads = i == 0 ? 1 : tbb::info::default_concurrency();
+            aTimes[i] = TimeMix(pStage, 0, op.nFrom, nThreads);
+            ReportFigure(Label(op.pszName, format, nThreads).c_str(),
+                         MedianRatio(aTimes[i].afMix, aTimes[i].afReference), 1.10, "x", BenchGoal::AT_MOST);
+        }
+        if (bGain && op.nMixOp == MIXOP_BLEND)
+            ReportGain(op.pszName, aTimes[0], aTimes[1], 0.95, true);
+    }
+}
+
+// Eight rules over four planes, each on the result of the one before.
+std::vector<Rule> LightRules()
+{
+    return {{MIXOP_BLEND_XOR, 0, 1, 0},     {MIXOP_BLEND_MAX, 4, 2, 0},   {MIXOP_OVERWRITE_BACKGROUND, 5, 3, 0},
+            {MIXOP_NEGATIVE, 6, 0, 0},      {MIXOP_GUN_SHIFT_1, 7, 0, 0}, {MIXOP_ONLY_WRITE_FOREGROUND, 8, 0, 0},
+            {MIXOP_BLEND_BOOLEAN, 9, 1, 4}, {MIXOP_BLEND_XOR, 10, 6, 0}};
+}
+
+std::vector<Rule> HeavyRules()
+{
+    std::vector<Rule> rules = LightRules();
+    rules[1].MixOp = MIXOP_BLEND;
+    rules[4] = {MIXOP_INTENSITY_SCALE_RGB, 7, 2, 0};
+    rules[7].MixOp = MIXOP_BLEND;
+    return rules;
+}
+
+bool HasAvx512()
+{
+#if defined(__x86_64__)
+    return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl");
+#else
+    return false;
+#endif
+}
+
+void MeasureChains(Stage *pStage, const Format &format, bool bGain)
+{
+    const struct {
+        const char *pszName;
+        std::vector<Rule> rules;
+        double fGoal;
+    } asChain[] = {{"one pass, 8 rules without multiplies", LightRules(), 1.1},
+                   {"one pass, 8 rules, 2 Blends and a scale", HeavyRules(), HasAvx512() ? 1.15 : 1.9}};
+    for (const auto &chain : asChain) {
+        SetRules(pStage, chain.rules);
+        Times aTimes[2];
+        for (u32 i = 0; i < 2; i++) {
+            const int nThreads = i == 0 ? 1 : tbb::info::default_concurrency();
+            aTimes[i] = TimeMix(pStage, 1, 4, nThreads);
+            ReportFigure(Label(chain.pszName, format, nThreads).c_str(),
+                         MedianRatio(aTimes[i].afMix, aTimes[i].afReference), chain.fGoal, "x", BenchGoal::AT_MOST);
+        }
+        if (bGain)
+            ReportGain(chain.pszName, aTimes[0], aTimes[1], 1.8, false);
+    }
+}
+
+pixman_image_t *PixmanPicture(pixman_format_code_t eFormat, const HostBitmap *hbm)
+{
+    return pixman_image_create_bits(eFormat, hbm->nWidth, hbm->nHeight, BitmapPixels(hbm),
+                                    static_cast<int>(hbm->cbRow));
+}
+
+// The same traffic: reads the source and the target, writes the target, weighs by one alpha.
+void MeasurePixman(Stage *pStage, const Format &format, double fGoal)
+{
+    SetRules(pStage, {{MIXOP_BLEND, 0, 1, 0}});
+    const pixman_color_t colour = {0, 0, 0, 77 * 257};
+    pixman_image_t *pMask = pixman_image_create_solid_fill(&colour);
+    pixman_image_t *pFrom = PixmanPicture(PIXMAN_x8r8g8b8, pStage->asPlane[0].Info.hbmResolved);
+    pixman_image_t *pTo = PixmanPicture(PIXMAN_x8r8g8b8, pStage->hbmReference);
+    tbb::task_arena arena(1);
+    const auto [afMix, afPixman] = TimeInterleaved(
+        ROUNDS, 1, [&] { arena.execute([&] { MixPlanes(&pStage->state, 0); }); },
+        [&] {
+            pixman_image_composite32(PIXMAN_OP_OVER, pFrom, pMask, pTo, 0, 0, 0, 0, 0, 0, format.nWidth,
+                                     format.nHeight);
+        });
+    for (pixman_image_t *pImage : {pMask, pFrom, pTo})
+        pixman_image_unref(pImage);
+    ReportFigure(Label("pixman's OVER over Blend", format, 1).c_str(), MedianRatio(afPixman, afMix), fGoal, "x",
+                 BenchGoal::AT_LEAST);
+}
+
+i32 ByteSum(u32 dwPixel)
+{
+    return static_cast<i32>((dwPixel & 0xFF) + (dwPixel >> 8 & 0xFF) + (dwPixel >> 16 & 0xFF));
+}
+
+// Displace as it is described: a sine and a cosine a pixel.
+void DisplaceByMathLibrary(HostBitmap *hbmTo, const HostBitmap *hbmFrom, const HostBitmap *hbmDirection)
+{
+    for (i32 y = 0; y < hbmTo->nHeight; y++)
+        for (i32 x = 0; x < hbmTo->nWidth; x++) {
+            const i32 i = y * hbmTo->nWidth + x;
+            const f32 fFar = static_cast<f32>(ByteSum(BitmapPixels(hbmFrom)[i])) * DISPLACE_MAGNITUDE_UNIT;
+            const f32 fAngle = static_cast<f32>(ByteSum(BitmapPixels(hbmDirection)[i])) * DISPLACE_ANGLE_UNIT;
+            const i32 xFrom = ReflectCoordinate(x + static_cast<i32>(fFar * std::cos(fAngle)), hbmTo->nWidth);
+            const i32 yFrom = ReflectCoordinate(y + static_cast<i32>(fFar * std::sin(fAngle)), hbmTo->nHeight);
+            BitmapPixels(hbmTo)[i] = BitmapPixels(hbmFrom)[yFrom * hbmTo->nWidth + xFrom];
+        }
+}
+
+void MeasureDisplace(Stage *pStage, const Format &format)
+{
+    SetRules(pStage, {{MIXOP_DISPLACE, 0, 1, 0}});
+    tbb::task_arena arena(1);
+    const auto [afMix, afMath] = TimeInterleaved(
+        ROUNDS, 1, [&] { arena.execute([&] { MixPlanes(&pStage->state, 0); }); },
+        [&] {
+            DisplaceByMathLibrary(pStage->hbmReference, pStage->asPlane[0].Info.hbmResolved,
+                                  pStage->asPlane[1].Info.hbmResolved);
+        });
+    ReportFigure(Label("the math library's Displace over ours", format, 1).c_str(), MedianRatio(afMath, afMix), 10, "x",
+                 BenchGoal::AT_LEAST);
+}
+
+} // namespace
+
+int main()
+{
+    static Stage stage;
+    for (const Format &format : asFormat) {
+        const bool bLarge = &format != asFormat;
+        SetUpStage(&stage, format);
+        MeasureOperators(&stage, format, bLarge);
+        MeasureChains(&stage, format, bLarge);
+        MeasurePixman(&stage, format, bLarge ? 1.25 : 2);
+        MeasureDisplace(&stage, format);
+        TearDownStage(&stage);
+    }
+    return 0;
+}

@@ -1,0 +1,42 @@
+// MixPlan.h -- a program of the mix kernels made ready: only what is needed, and where each result stays until then
+#pragma once
+
+#include "output/remap.h"
+
+#include <cstddef>
+
+constexpr u32 NO_SLOT = ALL_ONES;
+constexpr u32 MIX_IMAGES_MAX = 3 * MIX_STEPS_MAX;
+
+// Exactly one of the four: an image, the block in the registers, a buffer that holds an earlier result, zeros.
+struct PlannedSource {
+    const u32 *pImage;
+    bool bRegisters;
+    u32 iSlot; // NO_SLOT: not in a buffer
+};
+
+struct PlannedStep {
+    MixKernel eKernel;
+    u32 nWeight;
+    PlannedSource asFrom[3];
+    u32 nSources; // entries of asFrom that count
+    u32 iSlot;    // buffer that keeps the result for later steps, and that a spatial step fills; NO_SLOT: none
+    u32 *pTo;     // image that receives the result; null: none
+};
+
+struct MixPlan {
+    i32 nWidth;
+    i32 nHeight;
+    size_t nPixels;
+    u32 nSlots;
+    u32 nImages; // that are read pixel by pixel, each once in apImage
+    const u32 *apImage[MIX_IMAGES_MAX];
+    bool bDisplaces;  // reads around each pixel
+    bool bPastCaches; // the results are too large to be found in a cache later
+    u32 nSteps;
+    PlannedStep asStep[MIX_STEPS_MAX];
+};
+
+// Leaves out the steps whose results reach no image. Asserts that steps read earlier steps only, and spatial ones
+// an image. [any-thread]
+MixPlan PlanProgram(const MixProgram &prog);
