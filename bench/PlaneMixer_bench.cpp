@@ -38,7 +38,7 @@ HostBitmap *NoisePicture(const Format &format, u32 dwSeed)
     HostBitmap *hbm = CreateBitmap(format.nWidth, format.nHeight);
     std::minstd_rand random(dwSeed);
     for (u64 i = 0; i < BitmapBytes(hbm) / 4; i++)
-        BitmapPixels(hbm)[i] = static_cast<u32>(random() >> 4) & 0x00FFFFFFu;
+        BitmapPixels(hbm)[i] = static_cast<u32>(random() >> 4) | 0xFF000000u;
     return hbm;
 }
 
@@ -216,14 +216,14 @@ pixman_image_t *PixmanPicture(pixman_format_code_t eFormat, const HostBitmap *hb
                                     static_cast<int>(hbm->cbRow));
 }
 
-// The same traffic: reads the source and the target, writes the target, weighs by one alpha.
+// The same traffic: reads the source and the target, writes the target. OVER looks at the source's alpha too.
 void MeasurePixman(Stage *pStage, const Format &format, double fGoal)
 {
     SetRules(pStage, {{MIXOP_BLEND, 0, 1, 0}});
     const pixman_color_t colour = {0, 0, 0, 77 * 257};
     pixman_image_t *pMask = pixman_image_create_solid_fill(&colour);
-    pixman_image_t *pFrom = PixmanPicture(PIXMAN_x8r8g8b8, pStage->asPlane[0].Info.hbmResolved);
-    pixman_image_t *pTo = PixmanPicture(PIXMAN_x8r8g8b8, pStage->hbmReference);
+    pixman_image_t *pFrom = PixmanPicture(PIXMAN_a8r8g8b8, pStage->asPlane[0].Info.hbmResolved);
+    pixman_image_t *pTo = PixmanPicture(PIXMAN_a8r8g8b8, pStage->hbmReference);
     tbb::task_arena arena(1);
     const auto [afMix, afPixman] = TimeInterleaved(
         ROUNDS, 1, [&] { arena.execute([&] { MixPlanes(&pStage->state, 0); }); },
