@@ -5,7 +5,7 @@
 
 // How long before the gate opens the polling begins: longer than a wake-up is late, short enough to cost under 2 % of a
 // core at 60 frames a second.
-constexpr i64 PACER_POLL_NS = 200000;
+constexpr i64 PACER_POLL_NS = 300000;
 
 // Opens the timer. Its descriptor becomes readable when polling is to begin; watch it in the event loop, so that a
 // wait for events ends in time. -1 on failure: then poll all the time. [main-thread]

@@ -66,6 +66,7 @@ void RunMainLoop()
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     ClosePacer();
     close(fdSignals);
+    bExitRequested = false;
 }
 
 void RequestExit()
