@@ -46,20 +46,22 @@ bool WriteRawFrame(const HostBitmap *hbm)
     return std::fflush(stdout) == 0;
 }
 
-void WriteFrame(const HostBitmap *hbm, void *pv)
+// Every frame counts as shown, those of the warm-up too.
+u32 WriteFrame(const HostBitmap *hbm, void *pv)
 {
     auto *pfw = static_cast<FrameWriter *>(pv);
     if (pfw->dwNumber == 0)
-        return;
+        return 1;
     errno = 0;
     if (pfw->pro->out == "-") {
         if (!WriteRawFrame(hbm))
             pfw->sError = std::string("frames cannot be written to standard output: ") + std::strerror(errno);
-        return;
+        return 1;
     }
     const std::u16string path = FormatNumberPattern(pfw->pro->pattern, pfw->dwNumber);
     if (!SavePicture(hbm, path.c_str(), 95))
         pfw->sError = ToUtf8(path) + " cannot be written" + (errno ? std::string(": ") + std::strerror(errno) : "");
+    return 1;
 }
 
 void SetUpRun(const RenderOptions &ro)

@@ -14,7 +14,9 @@
 #include "modules/OpenGLTest.h"
 #include "modules/ShaderList.h"
 #include "modules/SoundMonitor.h"
+#include "output/ModuleMessages.h"
 #include "output/PlaneMixer.h"
+#include "output/VisualsCommands.h"
 #include "platform/AtomicFile.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
@@ -68,6 +70,8 @@ u32 ReadStoredSettings()
 {
     SetSaveFolder(JoinPath(FolderPath(PATH_DATA), u".saving"));
     ReadGlobals(&GlobalSettings, pOptions->preset);
+    SetUpFrameThickness();
+    GlobalSettings.pfnShowMessage = ShowModuleMessage;
     return 1;
 }
 

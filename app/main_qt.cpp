@@ -27,18 +27,20 @@ void PublishWindow(void *pvWindow)
 }
 
 // For the start-up benchmark: says on standard output when the first frame stands on the screen, and ends.
-void EndAtFirstFrame(const HostBitmap *, void *)
+u32 EndAtFirstFrame(const HostBitmap *, void *)
 {
     std::puts("first frame");
     std::fflush(stdout);
     RequestExit();
+    return 0;
 }
 
 // Behind the window's presenter: what is called here comes after the first frame.
-void FinishStart(const HostBitmap *, void *)
+u32 FinishStart(const HostBitmap *, void *)
 {
     RemovePresenter(FinishStart, nullptr);
     RunPendingSteps();
+    return 0;
 }
 
 void RunShow()

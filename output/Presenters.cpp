@@ -1,7 +1,7 @@
 // Presenters.cpp -- where finished frames go
 #include "output/Presenters.h"
 
-#include "app/GlobalSettings.h"
+#include "output/FrameStats.h"
 
 namespace {
 
@@ -36,7 +36,10 @@ void PresentFrame(const HostBitmap *hbm)
 {
     if (!hbm)
         return;
-    for (u32 i = 0; i < nPresenters; i++)
-        asPresenter[i].pfn(hbm, asPresenter[i].pvContext);
-    GlobalSettings.dwFramesShown++;
+    u32 bShown = 0;
+    const u32 nBefore = nPresenters;
+    for (u32 i = 0; i < nPresenters && i < nBefore; i++)
+        bShown |= asPresenter[i].pfn(hbm, asPresenter[i].pvContext);
+    if (bShown)
+        CountShownFrame();
 }

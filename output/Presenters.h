@@ -6,12 +6,14 @@
 
 constexpr u32 PRESENTERS_MAX = 8;
 
-// Receives every finished frame, on the main thread; the bitmap is valid during the call.
-using PresenterFn = void (*)(const HostBitmap *hbm, void *pvContext);
+// Receives every finished frame, on the main thread; the bitmap is valid during the call. Non-zero: the frame counts as
+// shown.
+using PresenterFn = u32 (*)(const HostBitmap *hbm, void *pvContext);
 
 // Adds a receiver behind those that stand; 0 if the list is full. [main-thread]
 u32 AddPresenter(PresenterFn pfn, void *pvContext);
 void RemovePresenter(PresenterFn pfn, void *pvContext);
 
-// Hands a finished frame to all of them in order and counts it as shown. [main-thread]
+// Hands a finished frame to all of them in order, and counts it as shown if one of them says so. Nothing for null.
+// [main-thread]
 void PresentFrame(const HostBitmap *hbm);

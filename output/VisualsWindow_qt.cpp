@@ -2,29 +2,41 @@
 #include "output/VisualsWindow_qt.h"
 
 #include "app/GlobalSettings.h"
+#include "engine/PresetManager.h"
+#include "output/FrameStats.h"
+#include "output/NativeWindow_qt.h"
 #include "output/Presenters.h"
 #include "output/Stretch.h"
+#include "output/VisualsCommands.h"
+#include "output/VisualsMenu_qt.h"
+#include "platform/Clock.h"
 #include "platform/Notices.h"
+#include "toolkit/WindowEvents_qt.h"
 
 #include <QApplication>
+#include <QBackingStore>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QScreen>
+#include <QUrl>
 #include <QWindow>
 #include <QtMath>
 
-#include <xcb/xcb.h>
+#include <algorithm>
 
 namespace {
 
-constexpr int SETTLE_MS = 200; // a size must rest for so long before the buffer follows it
-constexpr int MIN_SIDE = 128;
+constexpr int SETTLE_MS = 200;        // a size must rest for so long before the buffer follows it
+constexpr int POINTER_REST_MS = 3000; // in full screen a pointer that rests is in the way
+constexpr u64 FRAMES_STAY_AWAY_MS = 100;
 constexpr QSize FIRST_SIZE(1280, 720);
 
-void PresentToWindow(const HostBitmap *hbm, void *pv)
+u32 PresentToWindow(const HostBitmap *hbm, void *pv)
 {
-    static_cast<VisualsWindow *>(pv)->Present(hbm);
+    return static_cast<VisualsWindow *>(pv)->Present(hbm);
 }
 
 // A notice must also show while a module that hangs keeps frames from coming.
@@ -32,6 +44,34 @@ void RepaintWindows()
 {
     for (QWidget *pWindow : QApplication::topLevelWidgets())
         pWindow->update();
+}
+
+// What a module writes is not trusted: only addresses for a browser or a mail program are opened, never files.
+void OpenLink(const QString &text)
+{
+    const QUrl url = QUrl::fromUserInput(text);
+    static const QStringList schemes = {QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("ftp"),
+                                        QStringLiteral("mailto")};
+    if (schemes.contains(url.scheme()))
+        QDesktopServices::openUrl(url);
+}
+
+const HostBitmap *CurrentPicture()
+{
+    const PresetState *lppsi = CurrentPreset();
+    return lppsi && lppsi->phbmOutput ? *lppsi->phbmOutput : nullptr;
+}
+
+bool HasPlainPixels(const QImage &image)
+{
+    return image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32_Premultiplied ||
+           image.format() == QImage::Format_ARGB32;
+}
+
+StretchTarget TargetOf(QImage *pImage, QSize size)
+{
+    return {pImage->bits(), std::min(size.width(), pImage->width()), std::min(size.height(), pImage->height()),
+            static_cast<u64>(pImage->bytesPerLine())};
 }
 
 } // namespace
@@ -42,14 +82,12 @@ VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoSystemBackground);
     setMouseTracking(true);
-    setMinimumSize(MIN_SIDE, MIN_SIDE);
+    FrameChanged();
     resize(FIRST_SIZE.boundedTo(screen()->availableSize()));
-    SettleTimer.setSingleShot(true);
-    SettleTimer.setInterval(SETTLE_MS);
-    connect(&SettleTimer, &QTimer::timeout, this, [] {
-        if (GlobalSettings.AutoAdjustBuffer && !GlobalSettings.bRecorderRunning)
-            GlobalSettings.bResizePending = 1;
-    });
+    nDisplayBits = static_cast<u32>(screen()->depth());
+    ResetOverlays();
+    ConnectTimers();
+    InstallHooks();
     AddPresenter(PresentToWindow, this);
     GlobalSettings.bVisualsWindow = 1;
     pfnNoticeAdded = RepaintWindows;
@@ -62,18 +100,53 @@ VisualsWindow::~VisualsWindow()
     GlobalSettings.hwndVisuals.bVisible = 0;
     GlobalSettings.hwndVisuals.qwNativeId = 0;
     RemovePresenter(PresentToWindow, this);
+    SetVisualsWindowHooks({});
+}
+
+void VisualsWindow::ConnectTimers()
+{
+    SettleTimer.setSingleShot(true);
+    SettleTimer.setInterval(SETTLE_MS);
+    connect(&SettleTimer, &QTimer::timeout, this, [this] { Settled(); });
+    PointerTimer.setSingleShot(true);
+    PointerTimer.setInterval(POINTER_REST_MS);
+    connect(&PointerTimer, &QTimer::timeout, this, [this] {
+        if (bFullScreen)
+            setCursor(Qt::BlankCursor);
+    });
+    connect(&OverlayTimer, &QTimer::timeout, this, [this] { TickOverlayTexts(); });
+    OverlayTimer.start(OVERLAY_TICK_MS);
+    connect(qApp, &QGuiApplication::screenRemoved, this, [this] { ScreenRemoved(); });
+}
+
+void VisualsWindow::InstallHooks()
+{
+    SetVisualsWindowHooks({
+        .pvWindow = this,
+        .pfnSetFullScreen = [](void *pv, u32 bOn) { static_cast<VisualsWindow *>(pv)->SetFullScreen(bOn); },
+        .pfnSetClientSize =
+            [](void *pv, i32 w, i32 h) {
+                static_cast<VisualsWindow *>(pv)->SetClientSize({w, h});
+            },
+        .pfnSetTopmost = [](void *pv, u32 bOn) { static_cast<VisualsWindow *>(pv)->SetTopmost(bOn); },
+        .pfnFrameChanged = [](void *pv) { static_cast<VisualsWindow *>(pv)->FrameChanged(); },
+        .pfnClose = [](void *pv) { static_cast<VisualsWindow *>(pv)->close(); },
+    });
 }
 
 // The toolkit rounds its backing store likewise; with a fractional ratio this may be a pixel more than the window
-// shows.
+// shows, so what the window system said comes first.
 QSize VisualsWindow::DeviceSize() const
 {
-    return (QSizeF(size()) * devicePixelRatioF()).toSize();
+    const QSize rounded = (QSizeF(size()) * devicePixelRatioF()).toSize();
+    const QSize apart = NativeSize - rounded;
+    const bool bSameSize = NativeSize.isValid() && qAbs(apart.width()) <= 1 && qAbs(apart.height()) <= 1;
+    return bSameSize ? NativeSize : rounded;
 }
 
 bool VisualsWindow::IsOnScreen() const
 {
-    return isVisible() && !isMinimized() && windowHandle() && windowHandle()->isExposed();
+    return isVisible() && !isMinimized() && windowHandle() && windowHandle()->isExposed() && !bCovered;
 }
 
 void VisualsWindow::PublishWindow() const
@@ -89,31 +162,63 @@ void VisualsWindow::PublishWindow() const
     phw->dwButtons = dwMouseButtons;
 }
 
-// The picture is made here and painted at once: a frame must not wait for the next turn of the event loop.
-void VisualsWindow::Present(const HostBitmap *hbm)
+// The picture is painted at once: a frame must not wait for the next turn of the event loop.
+u32 VisualsWindow::Present(const HostBitmap *hbm)
 {
+    qwPresented = TickCount();
     if (!IsOnScreen())
-        return;
+        return 1;
+    hbmPresented = hbm;
+    bDrawn = false;
+    repaint();
+    hbmPresented = nullptr;
+    nFramesOnScreen += bDrawn;
+    return bDrawn;
+}
+
+void VisualsWindow::Compose(const StretchTarget &target, const HostBitmap *hbm)
+{
+    StretchPicture(target, hbm, true);
+    Overlays.Paint(target, devicePixelRatioF());
+}
+
+// Straight into the pixels that the toolkit hands to the window system: one copy less for every frame.
+bool VisualsWindow::ComposeDirectly()
+{
+    QPaintDevice *pDevice = backingStore() ? backingStore()->paintDevice() : nullptr;
+    if (!hbmPresented || !pDevice || pDevice->devType() != QInternal::Image)
+        return false;
+    auto *pImage = static_cast<QImage *>(pDevice);
+    if (!HasPlainPixels(*pImage))
+        return false;
+    Compose(TargetOf(pImage, DeviceSize()), hbmPresented);
+    return true;
+}
+
+// Where the toolkit's own pixels are out of reach, and for paint requests between frames.
+bool VisualsWindow::ComposeAside(QPainter *pPainter)
+{
+    const HostBitmap *hbm = hbmPresented ? hbmPresented : CurrentPicture();
     if (Picture.size() != DeviceSize())
         Picture = QImage(DeviceSize(), QImage::Format_RGB32);
-    if (Picture.isNull())
-        return;
+    if (!hbm || Picture.isNull())
+        return false;
+    Compose(TargetOf(&Picture, DeviceSize()), hbm);
     Picture.setDevicePixelRatio(devicePixelRatioF());
-    StretchPicture({Picture.bits(), Picture.width(), Picture.height(), static_cast<u64>(Picture.bytesPerLine())}, hbm,
-                   true);
-    repaint();
-    nFramesOnScreen++;
+    pPainter->drawImage(QPoint(0, 0), Picture);
+    return true;
 }
 
 void VisualsWindow::paintEvent(QPaintEvent *)
 {
+    bDrawn = ComposeDirectly();
+    if (bDrawn && nNoticesRead == NoticeCount())
+        return;
     QPainter painter(this);
-    if (Picture.isNull())
+    if (!bDrawn)
+        bDrawn = ComposeAside(&painter);
+    if (!bDrawn)
         painter.fillRect(rect(), Qt::black);
-    else if (Picture.size() == DeviceSize())
-        painter.drawImage(QPoint(0, 0), Picture); // pixel by pixel
-    else
-        painter.drawImage(rect(), Picture); // between a resize and the next frame
     PaintNotices(&painter);
 }
 
@@ -130,11 +235,75 @@ void VisualsWindow::PaintNotices(QPainter *pPainter)
     pPainter->drawText(box, Qt::AlignLeft | Qt::TextWordWrap, text);
 }
 
+void VisualsWindow::TickOverlayTexts()
+{
+    TickOverlays({width(), height(), &Overlays, OverlayPainter::Measure});
+    if (Overlays.IsOutOfDate() && TickCount() - qwPresented > FRAMES_STAY_AWAY_MS)
+        update(); // no frame comes that would bring them along
+}
+
 // The buffer follows when the window has come to rest.
 void VisualsWindow::PlaceChanged()
 {
     GlobalSettings.bResizePending = 0;
+    RelayoutOverlays();
+    TickOverlayTexts();
     SettleTimer.start();
+}
+
+void VisualsWindow::Settled()
+{
+    if (!GlobalSettings.AutoAdjustBuffer || GlobalSettings.bRecorderRunning)
+        return;
+    GlobalSettings.bResizePending = 1;
+    ResetFrameStats();
+}
+
+void VisualsWindow::SetFullScreen(bool bOn)
+{
+    if (bOn)
+        showFullScreen();
+    else
+        showNormal();
+    unsetCursor();
+    PointerTimer.start();
+}
+
+void VisualsWindow::SetClientSize(QSize size)
+{
+    if (isMaximized())
+        showNormal();
+    if (!SetNativeClientSize(this, size))
+        resize((QSizeF(size) / devicePixelRatioF()).toSize());
+}
+
+// The widget's own flags would make the window anew; those of the native window do not.
+void VisualsWindow::SetTopmost(bool bOn)
+{
+    if (windowHandle())
+        windowHandle()->setFlag(Qt::WindowStaysOnTopHint, bOn);
+}
+
+void VisualsWindow::FrameChanged()
+{
+    const int nSide = qCeil(SmallestVisualsSide() / devicePixelRatioF());
+    setMinimumSize(nSide, nSide);
+}
+
+// The picture moves to the monitor that is left.
+void VisualsWindow::ScreenRemoved()
+{
+    if (!bFullScreen)
+        return;
+    showNormal();
+    setGeometry(screen()->geometry());
+    showFullScreen();
+}
+
+void VisualsWindow::showEvent(QShowEvent *pEvent)
+{
+    QWidget::showEvent(pEvent);
+    WatchVisibility(this);
 }
 
 void VisualsWindow::moveEvent(QMoveEvent *)
@@ -156,23 +325,81 @@ void VisualsWindow::closeEvent(QCloseEvent *pEvent)
 void VisualsWindow::keyPressEvent(QKeyEvent *pEvent)
 {
     nNoticesRead = NoticeCount();
-    QWidget::keyPressEvent(pEvent);
+    if (HandleVisualsKey(KeyEventOf(*pEvent)))
+        TickOverlayTexts();
+}
+
+void VisualsWindow::keyReleaseEvent(QKeyEvent *pEvent)
+{
+    HandleVisualsKey(KeyEventOf(*pEvent));
+}
+
+// The tabulator is a key of ours, not a way to the next field.
+bool VisualsWindow::focusNextPrevChild(bool)
+{
+    return false;
+}
+
+void VisualsWindow::wheelEvent(QWheelEvent *pEvent)
+{
+    HandleVisualsWheel(WheelDeltaOf(*pEvent));
+    TickOverlayTexts();
+}
+
+void VisualsWindow::ShowPointer(const QPointF &place)
+{
+    if (Overlays.LinkAt(place).isEmpty())
+        unsetCursor();
+    else
+        setCursor(Qt::PointingHandCursor);
+    PointerTimer.start();
 }
 
 void VisualsWindow::mouseMoveEvent(QMouseEvent *pEvent)
 {
     TakeMouse(pEvent);
+    ShowPointer(pEvent->position());
 }
 
+// A press on an overlay is no module's.
 void VisualsWindow::mousePressEvent(QMouseEvent *pEvent)
 {
     nNoticesRead = NoticeCount();
-    TakeMouse(pEvent);
+    if (OverlayPainter::OverlayAt(pEvent->position()) == OVERLAYS)
+        TakeMouse(pEvent);
+    else if (pEvent->button() == Qt::LeftButton)
+        OpenLink(Overlays.LinkAt(pEvent->position()));
+    if (pEvent->button() == Qt::RightButton)
+        OpenMenu(pEvent->globalPosition().toPoint());
 }
 
 void VisualsWindow::mouseReleaseEvent(QMouseEvent *pEvent)
 {
     TakeMouse(pEvent);
+}
+
+void VisualsWindow::mouseDoubleClickEvent(QMouseEvent *pEvent)
+{
+    const bool bOnPicture = OverlayPainter::OverlayAt(pEvent->position()) == OVERLAYS;
+    if (bOnPicture && pEvent->button() == Qt::LeftButton)
+        RunVisualsCommand(VisualsCommand::ToggleFullScreen, 0);
+    else
+        mousePressEvent(pEvent);
+}
+
+// The menu key; the mouse's right button was seen before.
+void VisualsWindow::contextMenuEvent(QContextMenuEvent *pEvent)
+{
+    if (pEvent->reason() != QContextMenuEvent::Mouse)
+        OpenMenu(pEvent->globalPos());
+}
+
+// Its own loop is none: frames go on under it. The release of the button that opened it goes to the menu.
+void VisualsWindow::OpenMenu(const QPoint &place)
+{
+    dwMouseButtons = 0;
+    unsetCursor();
+    BuildVisualsMenu(this)->popup(place);
 }
 
 void VisualsWindow::TakeMouse(const QMouseEvent *pEvent)
@@ -183,21 +410,38 @@ void VisualsWindow::TakeMouse(const QMouseEvent *pEvent)
     dwMouseButtons = static_cast<u32>(pEvent->buttons().toInt()) & 7;
 }
 
+// The window manager owns the caption: a double click there arrives as "maximised", and that is full screen here. What
+// else it does to the window is taken over as it is.
+void VisualsWindow::changeEvent(QEvent *pEvent)
+{
+    QWidget::changeEvent(pEvent);
+    if (pEvent->type() != QEvent::WindowStateChange || isMinimized())
+        return;
+    if (isMaximized() && !bFullScreen)
+        RunVisualsCommand(VisualsCommand::FullScreenOn, 0);
+    else
+        bFullScreen = isFullScreen();
+}
+
 bool VisualsWindow::event(QEvent *pEvent)
 {
-    if (pEvent->type() == QEvent::ScreenChangeInternal)
+    if (pEvent->type() == QEvent::ScreenChangeInternal) {
+        nDisplayBits = static_cast<u32>(screen()->depth());
+        FrameChanged();
         PlaceChanged(); // another screen may have another pixel ratio
+    }
     return QWidget::event(pEvent);
 }
 
 // A window that somebody else destroys (a window manager, a tool) is a closed one; the toolkit does not say so.
 bool VisualsWindow::nativeEvent(const QByteArray &type, void *pMessage, qintptr *)
 {
-    if (type == "xcb_generic_event_t") {
-        const auto *pDestroy = static_cast<const xcb_destroy_notify_event_t *>(pMessage);
-        const bool bDestroyed = (pDestroy->response_type & 0x7F) == XCB_DESTROY_NOTIFY;
-        if (bDestroyed && pDestroy->window == static_cast<xcb_window_t>(internalWinId()))
-            pfnClosed();
-    }
+    const NativeNews news = ReadNativeEvent(type, pMessage, static_cast<u64>(internalWinId()));
+    if (news.bDestroyed)
+        pfnClosed();
+    if (news.bVisibility)
+        bCovered = news.bCovered;
+    if (news.size.isValid())
+        NativeSize = news.size;
     return false;
 }

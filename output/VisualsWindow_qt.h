@@ -2,6 +2,7 @@
 #pragma once
 
 #include "include/hosttypes.h"
+#include "output/OverlayPainter_qt.h"
 #include "platform/BaseTypes.h"
 
 #include <QImage>
@@ -9,7 +10,8 @@
 #include <QTimer>
 #include <QWidget>
 
-// Shows every finished frame, stretched over its client area; keeps the modules' view of the window true. [main-thread]
+// Shows every finished frame, stretched over its client area, with the overlays over it; turns keys and the mouse into
+// commands; keeps the modules' view of the window true. [main-thread]
 class VisualsWindow : public QWidget {
   public:
     // pfnClosed is called when the window is closed, or destroyed from outside; it may be called more than once.
@@ -17,8 +19,9 @@ class VisualsWindow : public QWidget {
     ~VisualsWindow() override;
     // The window's state goes into GlobalSettings.hwndVisuals. Between frames only.
     void PublishWindow() const;
-    // Takes a finished frame over to the screen; nothing while no part of the window can be seen.
-    void Present(const HostBitmap *hbm);
+    // Takes a finished frame over to the screen; nothing is drawn while no part of the window can be seen. Non-zero:
+    // the frame counts as shown.
+    u32 Present(const HostBitmap *hbm);
     // Frames that went to the screen.
     u64 FramesOnScreen() const
     {
@@ -27,28 +30,57 @@ class VisualsWindow : public QWidget {
 
   protected:
     void paintEvent(QPaintEvent *pEvent) override;
+    void showEvent(QShowEvent *pEvent) override;
     void moveEvent(QMoveEvent *pEvent) override;
     void resizeEvent(QResizeEvent *pEvent) override;
     void closeEvent(QCloseEvent *pEvent) override;
     void keyPressEvent(QKeyEvent *pEvent) override;
+    void keyReleaseEvent(QKeyEvent *pEvent) override;
+    void wheelEvent(QWheelEvent *pEvent) override;
     void mouseMoveEvent(QMouseEvent *pEvent) override;
     void mousePressEvent(QMouseEvent *pEvent) override;
     void mouseReleaseEvent(QMouseEvent *pEvent) override;
+    void mouseDoubleClickEvent(QMouseEvent *pEvent) override;
+    void contextMenuEvent(QContextMenuEvent *pEvent) override;
+    void changeEvent(QEvent *pEvent) override;
     bool event(QEvent *pEvent) override;
+    bool focusNextPrevChild(bool bNext) override;
     bool nativeEvent(const QByteArray &type, void *pMessage, qintptr *pResult) override;
 
   private:
+    void ConnectTimers();
+    void InstallHooks();
+    bool ComposeDirectly();
+    bool ComposeAside(QPainter *pPainter);
+    void Compose(const StretchTarget &target, const HostBitmap *hbm);
     void PaintNotices(QPainter *pPainter);
     void TakeMouse(const QMouseEvent *pEvent);
+    void ShowPointer(const QPointF &place);
+    void OpenMenu(const QPoint &place);
     void PlaceChanged();
+    void Settled();
+    void TickOverlayTexts();
+    void SetFullScreen(bool bOn);
+    void SetClientSize(QSize size);
+    void SetTopmost(bool bOn);
+    void FrameChanged();
+    void ScreenRemoved();
     QSize DeviceSize() const;
     bool IsOnScreen() const;
 
     void (*pfnClosed)();
-    QImage Picture;     // the last frame at the window's size in device pixels
+    OverlayPainter Overlays;
+    const HostBitmap *hbmPresented = nullptr; // during Present
+    QImage Picture;                           // for paint requests that do not come from Present
+    QSize NativeSize;                         // client area as the window system told it; invalid: unknown
     QTimer SettleTimer; // runs while the window is moved or sized; its end asks for a new buffer size
-    QPoint MousePlace;  // device pixels from the top left
+    QTimer OverlayTimer;
+    QTimer PointerTimer; // its end hides the pointer in full screen
+    QPoint MousePlace;   // device pixels from the top left
     u32 dwMouseButtons = 0;
     u64 nFramesOnScreen = 0;
+    u64 qwPresented = 0;  // tick of the last frame
     u32 nNoticesRead = 0; // notices that stood there when the user last pressed something
+    bool bCovered = false;
+    bool bDrawn = false; // the frame that is being presented
 };

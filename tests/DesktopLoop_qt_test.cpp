@@ -22,9 +22,10 @@ constexpr i32 GIVE_UP_MS = 60000;
 
 u32 nFrames = 0;
 
-void CountFrame(const HostBitmap *, void *)
+u32 CountFrame(const HostBitmap *, void *)
 {
     nFrames++;
+    return 1;
 }
 
 class Desktop : public testing::Test {

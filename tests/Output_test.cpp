@@ -74,11 +74,14 @@ TEST(Stretch, TakesTheNearestPixelBeforeAtAnySizeAndTurnsThePicture)
     DeleteBitmap(hbm);
 }
 
-TEST(Presenters, EveryFrameGoesToAllOfThemInOrderAndCountsAsShown)
+TEST(Presenters, EveryFrameGoesToAllOfThemInOrderAndCountsAsShownOnce)
 {
     static std::string sSeen;
     sSeen.clear();
-    const PresenterFn pfn = [](const HostBitmap *, void *pv) { sSeen += static_cast<const char *>(pv); };
+    const PresenterFn pfn = [](const HostBitmap *, void *pv) {
+        sSeen += static_cast<const char *>(pv);
+        return sSeen.back() == 'b' ? 1u : 0u;
+    };
     char szA[] = "a", szB[] = "b";
     HostBitmap hbm = {};
     GlobalSettings.dwFramesShown = 5;

@@ -1,0 +1,88 @@
+// NativeWindow_qt.cpp -- what only the window system knows of a window
+#include "output/NativeWindow_qt.h"
+
+#include <QGuiApplication>
+#include <QWidget>
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+xcb_connection_t *Connection()
+{
+    const auto *pX11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return pX11 ? pX11->connection() : nullptr;
+}
+
+xcb_window_t WindowOf(const QWidget *pWindow)
+{
+    return static_cast<xcb_window_t>(pWindow->internalWinId());
+}
+
+struct FreeDeleter {
+    void operator()(void *pv) const
+    {
+        std::free(pv);
+    }
+};
+
+} // namespace
+
+NativeNews ReadNativeEvent(const QByteArray &type, const void *pMessage, u64 qwWindow)
+{
+    NativeNews news;
+    if (type != "xcb_generic_event_t")
+        return news;
+    const auto *pEvent = static_cast<const xcb_generic_event_t *>(pMessage);
+    const auto window = static_cast<xcb_window_t>(qwWindow);
+    switch (pEvent->response_type & 0x7F) {
+    case XCB_DESTROY_NOTIFY:
+        news.bDestroyed = static_cast<const xcb_destroy_notify_event_t *>(pMessage)->window == window;
+        break;
+    case XCB_VISIBILITY_NOTIFY: {
+        const auto *p = static_cast<const xcb_visibility_notify_event_t *>(pMessage);
+        news.bVisibility = p->window == window;
+        news.bCovered = p->state == XCB_VISIBILITY_FULLY_OBSCURED;
+        break;
+    }
+    case XCB_CONFIGURE_NOTIFY: {
+        const auto *p = static_cast<const xcb_configure_notify_event_t *>(pMessage);
+        if (p->window == window)
+            news.size = QSize(p->width, p->height);
+        break;
+    }
+    default:
+        break;
+    }
+    return news;
+}
+
+// The toolkit's own choice of events stays.
+void WatchVisibility(QWidget *pWindow)
+{
+    xcb_connection_t *pConnection = Connection();
+    if (!pConnection || !pWindow->internalWinId())
+        return;
+    const xcb_window_t window = WindowOf(pWindow);
+    const std::unique_ptr<xcb_get_window_attributes_reply_t, FreeDeleter> pNow(
+        xcb_get_window_attributes_reply(pConnection, xcb_get_window_attributes(pConnection, window), nullptr));
+    if (!pNow)
+        return;
+    const u32 dwMask = pNow->your_event_mask | XCB_EVENT_MASK_VISIBILITY_CHANGE;
+    xcb_change_window_attributes(pConnection, window, XCB_CW_EVENT_MASK, &dwMask);
+    xcb_flush(pConnection);
+}
+
+bool SetNativeClientSize(QWidget *pWindow, QSize size)
+{
+    xcb_connection_t *pConnection = Connection();
+    if (!pConnection || !pWindow->internalWinId())
+        return false;
+    const u32 adwSize[] = {static_cast<u32>(size.width()), static_cast<u32>(size.height())};
+    xcb_configure_window(pConnection, WindowOf(pWindow), XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, adwSize);
+    xcb_flush(pConnection);
+    return true;
+}

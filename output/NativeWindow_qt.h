@@ -1,0 +1,24 @@
+// NativeWindow_qt.h -- what only the window system knows of a window
+#pragma once
+
+#include "platform/BaseTypes.h"
+
+#include <QByteArray>
+#include <QSize>
+
+class QWidget;
+
+// What a native event says about a window.
+struct NativeNews {
+    bool bDestroyed = false;  // somebody else destroyed it
+    bool bVisibility = false; // bCovered is news
+    bool bCovered = false;    // no pixel of it can be seen
+    QSize size;               // of the client area in device pixels; invalid: no news
+};
+
+// Reads one event that came for the window with that id. Nothing on other systems than X11.
+NativeNews ReadNativeEvent(const QByteArray &type, const void *pMessage, u64 qwWindow);
+// Asks for notices when the window is covered and uncovered. Needs its native window.
+void WatchVisibility(QWidget *pWindow);
+// Sets the client area to exactly so many device pixels; false where only the toolkit can do it.
+bool SetNativeClientSize(QWidget *pWindow, QSize size);

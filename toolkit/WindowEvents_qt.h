@@ -1,0 +1,12 @@
+// WindowEvents_qt.h -- the one place that knows how the toolkit's events become the program's
+#pragma once
+
+#include "toolkit/KeyCodes.h"
+
+class QKeyEvent;
+class QWheelEvent;
+
+// The key, up or down by the event's type. A key of a layout without Latin letters counts by its place on the keyboard.
+KeyEvent KeyEventOf(const QKeyEvent &event);
+// Vertical delta of the wheel, above 0 away from the user; 0: it moved sideways.
+i32 WheelDeltaOf(const QWheelEvent &event);
