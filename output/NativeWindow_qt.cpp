@@ -29,6 +29,23 @@ struct FreeDeleter {
     }
 };
 
+// With a scale that is no whole number the toolkit asks for sizes in steps of two pixels: not every size is one.
+void DropSizeSteps(xcb_connection_t *pConnection, xcb_window_t window)
+{
+    constexpr u32 HINT_WORDS = 18; // of the size hints; the first one holds flags
+    constexpr u32 STEPS = 1u << 6, BASE = 1u << 8;
+    const std::unique_ptr<xcb_get_property_reply_t, FreeDeleter> pReply(xcb_get_property_reply(
+        pConnection,
+        xcb_get_property(pConnection, 0, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 0, HINT_WORDS),
+        nullptr));
+    if (!pReply || pReply->format != 32 || pReply->value_len == 0)
+        return;
+    auto *pdwHint = static_cast<u32 *>(xcb_get_property_value(pReply.get()));
+    pdwHint[0] &= ~(STEPS | BASE);
+    xcb_change_property(pConnection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS,
+                        32, pReply->value_len, pdwHint);
+}
+
 } // namespace
 
 NativeNews ReadNativeEvent(const QByteArray &type, const void *pMessage, u64 qwWindow)
@@ -81,6 +98,7 @@ bool SetNativeClientSize(QWidget *pWindow, QSize size)
     xcb_connection_t *pConnection = Connection();
     if (!pConnection || !pWindow->internalWinId())
         return false;
+    DropSizeSteps(pConnection, WindowOf(pWindow));
     const u32 adwSize[] = {static_cast<u32>(size.width()), static_cast<u32>(size.height())};
     xcb_configure_window(pConnection, WindowOf(pWindow), XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, adwSize);
     xcb_flush(pConnection);
