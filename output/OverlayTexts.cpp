@@ -135,6 +135,8 @@ void UpdateMessages()
         return;
     if (std::u16string_view(pvw->szText) == pvw->szLastText)
         return;
+    if (!*pvw->szLastText)
+        pvw->bRelayout = 1; // the size of no text is none to keep
     CopyText(pvw->szLastText, pvw->szText);
     const std::u16string text = ExpandColorFields(pvw->szText, UIColorTable[UICOLOR_WINDOW_BACKGROUND].dwColor,
                                                   UIColorTable[UICOLOR_WINDOW_TEXT].dwColor);

@@ -21,7 +21,6 @@
 #include <QMenu>
 #include <QPainter>
 #include <QScreen>
-#include <QUrl>
 #include <QWindow>
 #include <QtMath>
 
@@ -53,7 +52,7 @@ void OpenLink(const QString &text)
     static const QStringList schemes = {QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("ftp"),
                                         QStringLiteral("mailto")};
     if (schemes.contains(url.scheme()))
-        QDesktopServices::openUrl(url);
+        pfnOpenAddress(url);
 }
 
 const HostBitmap *CurrentPicture()
@@ -75,6 +74,8 @@ StretchTarget TargetOf(QImage *pImage, QSize size)
 }
 
 } // namespace
+
+void (*pfnOpenAddress)(const QUrl &url) = [](const QUrl &url) { QDesktopServices::openUrl(url); };
 
 VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
 {

@@ -8,7 +8,11 @@
 #include <QImage>
 #include <QPoint>
 #include <QTimer>
+#include <QUrl>
 #include <QWidget>
+
+// Opens an address in the user's browser or mail program; exchanged by tests.
+extern void (*pfnOpenAddress)(const QUrl &url);
 
 // Shows every finished frame, stretched over its client area, with the overlays over it; turns keys and the mouse into
 // commands; keeps the modules' view of the window true. [main-thread]
