@@ -4,6 +4,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -61,8 +62,17 @@ bool SameLook(const RichRun &a, const RichRun &b)
     return bare == b;
 }
 
+// Control characters and those that text layouts keep for themselves are no text.
+bool IsTextCharacter(char16_t ch)
+{
+    const bool bReserved = (ch >= 0xFDD0 && ch <= 0xFDEF) || ch >= 0xFFFC || ch == 0x2028 || ch == 0x2029;
+    return (ch >= 0x20 || ch == u'\t') && !bReserved;
+}
+
 void AddToText(RichReader *prr, std::u16string_view piece)
 {
+    if (!std::all_of(piece.begin(), piece.end(), IsTextCharacter))
+        return;
     std::vector<RichRun> &aRun = prr->doc.back().aRun;
     if (aRun.empty() || !SameLook(aRun.back(), prr->now.look))
         aRun.push_back(prr->now.look);
@@ -146,7 +156,7 @@ void SetSize(RichReader *prr, const Word &word)
 void ReadUnicode(RichReader *prr, const Word &word)
 {
     const auto ch = static_cast<char16_t>(word.nValue);
-    if (ch >= 0x20 && !prr->nSkip)
+    if (!prr->nSkip)
         AddCharacters(prr, {&ch, 1});
     prr->nSkip = prr->now.nUnicodeSkip;
 }
@@ -262,8 +272,7 @@ void ReadHex(RichReader *prr)
         return;
     prr->i += 2;
     const char ch = static_cast<char>(nHigh * 16 + nLow);
-    if (static_cast<u8>(ch) >= 0x20)
-        AddCharacters(prr, FromUtf8({&ch, 1}));
+    AddCharacters(prr, FromUtf8({&ch, 1}));
 }
 
 void ReadEscape(RichReader *prr)
@@ -357,7 +366,6 @@ bool ReadNext(RichReader *prr)
         return true;
     case u'\n':
     case u'\r':
-    case u'\0':
         return true;
     default:
         AddCharacters(prr, {&ch, 1});
@@ -449,7 +457,7 @@ RichDocument ReadPlainText(std::u16string_view text)
         doc.emplace_back();
         if (!line.empty()) {
             doc.back().aRun.emplace_back();
-            doc.back().aRun.back().text = line;
+            std::copy_if(line.begin(), line.end(), std::back_inserter(doc.back().aRun.back().text), IsTextCharacter);
         }
         i = iEnd + 1;
     }

@@ -247,6 +247,48 @@ case_pixel_ratios() {
     done
 }
 
+# darkened CROP: that part of the window lies under an overlay
+darkened() {
+    shoot now && convert "miff:$folder/now" -crop "$1" +repage "miff:$folder/part" && [ "$(measure part maxima)" -le 300 ]
+}
+
+# choose KEY...: these keys in the context menu
+choose() {
+    xdotool mousemove --window "$window" 300 300 click 3
+    sleep 0.5
+    xdotool key --delay 60 "$@"
+}
+
+double_click() {
+    xdotool mousemove --window "$window" 300 200 click --repeat 2 --delay 60 1
+}
+
+case_overlays_menu_and_full_screen() {
+    ramp_modules
+    start
+    wait_for_window "Visuals Window"
+    wait_for "a picture that fills the first size" shows_ramp 1280x720
+    press "$window" r
+    wait_for "the metrics at the top left" darkened 100x8+8+5
+    press "$window" h
+    wait_for "the help at the bottom right" darkened 100x8+1160+706
+    ! darkened 100x8+8+706 || fail "there is an overlay at the bottom left"
+    xdotool mousemove --window "$window" 40 20 click 1
+    press "$window" r
+    press "$window" h
+    wait_for "the end of all overlays after a click into one" shows_ramp 1280x720
+
+    choose Down Down Down Right Down Return
+    wait_for "the second window size of the menu" eval '[ $(geometry) = 720x480 ]'
+    wait_for "a picture that fills it" shows_ramp 720x480
+    double_click
+    wait_for "a picture that fills the screen" shows_ramp 1600x1000
+    press "$window" Escape
+    wait_for "the size of before" shows_ramp 720x480
+    choose Up Return
+    expect_good_end "the last entry of the menu"
+}
+
 case_closed_by_the_window_manager() {
     ramp_modules
     start
