@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -98,10 +99,32 @@ u16 By255(u16 n)
     return static_cast<u16>(static_cast<u16>(n + 1 + (n >> 8)) >> 8);
 }
 
-// The compiler makes vectors of this loop.
+// Eight words; the compilers have this type on every processor.
+using Words = u16 __attribute__((vector_size(16)));
+constexpr i64 VECTOR_BYTES = sizeof(Words);
+
+// By255 of eight products.
+Words ScaleWords(Words words, u16 wRest)
+{
+    const Words products = words * wRest;
+    return (products + 1 + (products >> 8)) >> 8;
+}
+
+void BlendVector(u8 *pbTo, const u8 *pbFrom, u16 wRest)
+{
+    Words to, from;
+    std::memcpy(&to, pbTo, sizeof to);
+    std::memcpy(&from, pbFrom, sizeof from);
+    to = from + (ScaleWords(to & 0xFF, wRest) | (ScaleWords(to >> 8, wRest) << 8)); // no byte runs over
+    std::memcpy(pbTo, &to, sizeof to);
+}
+
 void BlendBytes(u8 *pbTo, const u8 *pbFrom, i64 nBytes, u16 wRest)
 {
-    for (i64 i = 0; i < nBytes; i++)
+    i64 i = 0;
+    for (; i + VECTOR_BYTES <= nBytes; i += VECTOR_BYTES)
+        BlendVector(pbTo + i, pbFrom + i, wRest);
+    for (; i < nBytes; i++)
         pbTo[i] = static_cast<u8>(pbFrom[i] + By255(static_cast<u16>(pbTo[i] * wRest)));
 }
 

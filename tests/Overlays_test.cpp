@@ -228,6 +228,18 @@ TEST_F(Overlays, BlendingKeepsTheKeyOpenAndStaysInsideTheTarget)
     BlendOverlay(target, 9, -9, {adw, 2, 2, 8, 180, false});
     for (u32 y = 0; y < 3; y++)
         EXPECT_EQ(0xFF64C8FFu, adwTarget[y * 5 + 4]) << "beside the target";
+
+    std::array<u32, 256> adwFrom, adwTo; // every value below every alpha
+    for (u32 bAlpha = 0; bAlpha < 256; bAlpha++) {
+        adwFrom.fill(0xFF000000);
+        MakeOverlayTranslucent(adwFrom.data(), adwFrom.size(), static_cast<u8>(bAlpha));
+        for (u32 i = 0; i < 256; i++)
+            adwTo[i] = i * 0x010101;
+        BlendOverlay({adwTo.data(), 253, 1, 1024}, 0, 0,
+                     {adwFrom.data(), 256, 1, 1024, static_cast<u8>(bAlpha), false});
+        for (u32 i = 0; i < 253; i++)
+            ASSERT_EQ(i * (255 - bAlpha) / 255 * 0x010101, adwTo[i] & 0xFFFFFF) << i << " below " << bAlpha;
+    }
 }
 
 TEST_F(Overlays, KeysActOnceAndOnlyThePadChangesTheRate)
