@@ -66,7 +66,7 @@ struct GlobalSettingsRecord {
     HostWindow hwndVisuals; // the visuals window as modules see it
     u32 bVisualsWindow;     // the window exists: the buffer follows its size
     u32 bResizePending;     // a buffer resize is wanted
-    u32 bRecorderRunning;   // the frame recorder runs
+    u32 bRecording;         // the frame recorder is armed or runs
     u32 dwFramesShown;      // frames shown; drives fractional calls per frame
     u32 nMessageSeconds;    // how long module messages stay
     u32 dwPlaneWaitMs;      // longest wait for the planes of a frame; WAIT_FOREVER to drop none

@@ -6,6 +6,7 @@
 #include "app/Startup.h"
 #include "app/Toolkit_qt.h"
 #include "engine/PlaneThreads.h"
+#include "output/FrameRecorder.h"
 #include "output/Presenters.h"
 #include "output/VisualsWindow_qt.h"
 #include "platform/Signals.h"
@@ -45,6 +46,7 @@ u32 FinishStart(const HostBitmap *, void *)
 
 void RunShow()
 {
+    AddPresenter(RecordStep, nullptr); // before the window: what is saved is what is shown next
     VisualsWindow window(RequestExit);
     window.show();
     window.PublishWindow();
@@ -55,6 +57,7 @@ void RunShow()
     StartPreset();
     ShowErrorsOver(&window);
     RunMainLoop();
+    FinishFrameRecorder();
     SaveSettings();
     SetBeforeFrame(nullptr, nullptr);
 }

@@ -45,7 +45,7 @@ u32 ComputeBufferSize(i32 nDetailScale)
 {
     if (!GlobalSettings.bVisualsWindow)
         return 0;
-    if (GlobalSettings.bRecorderRunning) {
+    if (GlobalSettings.bRecording) {
         GlobalSettings.nBufferWidth = GlobalSettings.FrameRecordWidth;
         GlobalSettings.nBufferHeight = GlobalSettings.FrameRecordHeight;
         return 1;

@@ -14,6 +14,7 @@
 namespace {
 
 i64 qwLastFrameCount = 0; // start of the last step that passed the gate
+i64 nHeldUntil = 0;       // performance count; no step passes before it
 i64 nStepStart = 0;       // the same moment on the real clock
 FrameStages Stages;
 
@@ -27,7 +28,7 @@ i64 FrameInterval()
 bool FrameIsDue()
 {
     const i64 qwNow = PerfCounter();
-    if (qwNow - qwLastFrameCount <= FrameInterval())
+    if (qwNow - qwLastFrameCount <= FrameInterval() || qwNow < nHeldUntil)
         return false;
     qwLastFrameCount = qwNow;
     return true;
@@ -94,5 +95,10 @@ const FrameStages &LastFrameStages()
 
 i64 NextFrameCount()
 {
-    return qwLastFrameCount + FrameInterval() + 1;
+    return std::max(qwLastFrameCount + FrameInterval() + 1, nHeldUntil);
+}
+
+void HoldFrames(i64 nUntilCount)
+{
+    nHeldUntil = nUntilCount;
 }

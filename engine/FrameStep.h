@@ -19,3 +19,5 @@ const FrameStages &LastFrameStages();
 
 // Performance count from which on the gate is open.
 i64 NextFrameCount();
+// Keeps the gate shut up to that performance count, whatever the rate: a rest in which events are served. 0: no more.
+void HoldFrames(i64 nUntilCount);

@@ -2,7 +2,9 @@
 #include "output/VisualsCommands.h"
 
 #include "app/GlobalSettings.h"
+#include "output/FrameRecorder.h"
 #include "output/Overlays.h"
+#include "output/RecordingSettings.h"
 
 #include <algorithm>
 
@@ -13,6 +15,7 @@ constexpr i32 THICKNESS_FIRST = 6;
 constexpr i32 THICKNESS_STORED_MAX = 32;
 constexpr i32 RATE_MIN = 20, RATE_MAX = 480;
 constexpr i32 SMALLEST_SIDE = 128; // without the frame
+constexpr u32 RECORD_DELAY_MS = 3000;
 
 using enum VisualsCommand;
 
@@ -57,7 +60,8 @@ constexpr VisualsMenuRow asMenuTail[] = {
     {MenuRow::Entry, u"Record for 20 seconds", RecordSeconds, 20},
     {MenuRow::Entry, u"Record for 30 seconds", RecordSeconds, 30},
     {MenuRow::Entry, u"Record for 1 minute", RecordSeconds, 60},
-    {MenuRow::Entry, u"Toggle frame recorder", ToggleRecorder, 0},
+    {MenuRow::Entry, u"Toggle frame recorder", RecordSeconds, RECORD_SECONDS_ENDLESS},
+    {MenuRow::Entry, u"Recording Options...", RecordingOptions, 0},
     {MenuRow::EndOfSubMenu, nullptr, None, 0},
     {MenuRow::Line, nullptr, None, 0},
     {MenuRow::Entry, u"Exit Vorticade", Exit, 0},
@@ -129,6 +133,12 @@ void ChangeRate(i32 nBy)
     GlobalSettings.FPSTarget = std::clamp(GlobalSettings.FPSTarget + nBy, RATE_MIN, RATE_MAX);
 }
 
+void OpenRecordingOptions()
+{
+    if (Hooks.pfnRecordingOptions)
+        Hooks.pfnRecordingOptions(Hooks.pvWindow);
+}
+
 void Close()
 {
     if (Hooks.pfnClose)
@@ -160,10 +170,10 @@ std::span<const VisualsMenuRow> VisualsMenu()
     return asMenu;
 }
 
-// The recorder is not there yet.
+// Keystrokes to other programs are not there yet.
 bool VisualsCommandIsEnabled(VisualsCommand eCommand)
 {
-    return eCommand != ScreenCapture && eCommand != RecordSeconds && eCommand != ToggleRecorder;
+    return eCommand != RecordSeconds || GlobalSettings.FrameRecordMethod == RECORD_METHOD_FRAMES;
 }
 
 bool VisualsCommandIsChecked(VisualsCommand eCommand)
@@ -217,7 +227,9 @@ void RunVisualsCommand(VisualsCommand eCommand, u32 dwArgument)
     case Exit:
         return Close();
     case RecordSeconds:
-    case ToggleRecorder:
+        return ToggleFrameRecorder(RECORD_DELAY_MS, dwArgument);
+    case RecordingOptions:
+        return OpenRecordingOptions();
     case None:
         return;
     }

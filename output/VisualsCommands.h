@@ -16,7 +16,7 @@ enum class VisualsCommand : u32 {
     ToggleOverlay, // argument: OverlayId
     ScreenCapture,
     RecordSeconds, // argument: seconds
-    ToggleRecorder,
+    RecordingOptions,
     FrameThicker,
     FrameThinner,
     RaiseRate,
@@ -53,6 +53,7 @@ struct VisualsWindowHooks {
     void (*pfnSetClientSize)(void *pvWindow, i32 nWidth, i32 nHeight);
     void (*pfnSetTopmost)(void *pvWindow, u32 bOn);
     void (*pfnFrameChanged)(void *pvWindow); // the smallest size is another one
+    void (*pfnRecordingOptions)(void *pvWindow);
     void (*pfnClose)(void *pvWindow);
 };
 void SetVisualsWindowHooks(const VisualsWindowHooks &hooks);

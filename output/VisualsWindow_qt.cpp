@@ -3,9 +3,11 @@
 
 #include "app/GlobalSettings.h"
 #include "engine/PresetManager.h"
+#include "output/FrameRecorder.h"
 #include "output/FrameStats.h"
 #include "output/NativeWindow_qt.h"
 #include "output/Presenters.h"
+#include "output/RecordingDialog_qt.h"
 #include "output/Stretch.h"
 #include "output/VisualsCommands.h"
 #include "output/VisualsMenu_qt.h"
@@ -32,6 +34,7 @@ constexpr int SETTLE_MS = 200;        // a size must rest for so long before the
 constexpr int POINTER_REST_MS = 3000; // in full screen a pointer that rests is in the way
 constexpr u64 FRAMES_STAY_AWAY_MS = 100;
 constexpr QSize FIRST_SIZE(1280, 720);
+constexpr char TITLE[] = "Visuals Window";
 
 u32 PresentToWindow(const HostBitmap *hbm, void *pv)
 {
@@ -43,6 +46,14 @@ void RepaintWindows()
 {
     for (QWidget *pWindow : QApplication::topLevelWidgets())
         pWindow->update();
+}
+
+void ShowStatusInTitle(const char16_t *pszText)
+{
+    const QString title = QLatin1String(TITLE) + QStringLiteral(" - ") + QString::fromUtf16(pszText);
+    for (QWidget *pWindow : QApplication::topLevelWidgets())
+        if (dynamic_cast<VisualsWindow *>(pWindow))
+            pWindow->setWindowTitle(title);
 }
 
 // What a module writes is not trusted: only addresses for a browser or a mail program are opened, never files.
@@ -79,7 +90,7 @@ void (*pfnOpenAddress)(const QUrl &url) = [](const QUrl &url) { QDesktopServices
 
 VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
 {
-    setWindowTitle(QStringLiteral("Visuals Window"));
+    setWindowTitle(QLatin1String(TITLE));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoSystemBackground);
     setMouseTracking(true);
@@ -92,11 +103,13 @@ VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
     AddPresenter(PresentToWindow, this);
     GlobalSettings.bVisualsWindow = 1;
     pfnNoticeAdded = RepaintWindows;
+    pfnRecorderStatus = ShowStatusInTitle;
 }
 
 VisualsWindow::~VisualsWindow()
 {
     pfnNoticeAdded = nullptr;
+    pfnRecorderStatus = nullptr;
     GlobalSettings.bVisualsWindow = 0;
     GlobalSettings.hwndVisuals.bVisible = 0;
     GlobalSettings.hwndVisuals.qwNativeId = 0;
@@ -131,6 +144,7 @@ void VisualsWindow::InstallHooks()
             },
         .pfnSetTopmost = [](void *pv, u32 bOn) { static_cast<VisualsWindow *>(pv)->SetTopmost(bOn); },
         .pfnFrameChanged = [](void *pv) { static_cast<VisualsWindow *>(pv)->FrameChanged(); },
+        .pfnRecordingOptions = [](void *pv) { ShowRecordingDialog(static_cast<VisualsWindow *>(pv)); },
         .pfnClose = [](void *pv) { static_cast<VisualsWindow *>(pv)->close(); },
     });
 }
@@ -254,7 +268,7 @@ void VisualsWindow::PlaceChanged()
 
 void VisualsWindow::Settled()
 {
-    if (!GlobalSettings.AutoAdjustBuffer || GlobalSettings.bRecorderRunning)
+    if (!GlobalSettings.AutoAdjustBuffer || GlobalSettings.bRecording)
         return;
     GlobalSettings.bResizePending = 1;
     ResetFrameStats();

@@ -283,7 +283,7 @@ TEST_F(BufferSizes, StayUsableWithoutAWindowOrWithAnUnknownSize)
 TEST_F(BufferSizes, BelongToTheRecorderWhileItRuns)
 {
     SetWindow(500, 400);
-    GlobalSettings.bRecorderRunning = 1;
+    GlobalSettings.bRecording = 1;
     GlobalSettings.FrameRecordWidth = 64;
     GlobalSettings.FrameRecordHeight = 9000;
     EXPECT_NE(0u, ComputeBufferSize(100));

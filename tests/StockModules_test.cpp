@@ -64,7 +64,7 @@ class StockModules : public EngineTest {
     }
     void TearDown() override
     {
-        GlobalSettings.bRecorderRunning = 0;
+        GlobalSettings.bRecording = 0;
         EngineTest::TearDown();
         FreeShaderList();
         CloseGLDisplay();
@@ -111,7 +111,7 @@ class StockModules : public EngineTest {
     // The recorder's size is taken as it stands, down to a single pixel.
     void Resize(Size size)
     {
-        GlobalSettings.bRecorderRunning = 1;
+        GlobalSettings.bRecording = 1;
         GlobalSettings.FrameRecordWidth = size.nWidth;
         GlobalSettings.FrameRecordHeight = size.nHeight;
         ResizePresetBuffers(lppsi, GlobalSettings.DetailScale);

@@ -1,0 +1,290 @@
+// RecordingDialog_qt.cpp -- the dialog "Recording Settings"
+#include "output/RecordingDialog_qt.h"
+
+#include "output/FrameRecorder.h"
+#include "output/RecordingSettings.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSlider>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int TEXT_CHARS_MAX = 259;
+constexpr int LINE_STEP_MS = 5, PAGE_STEP_MS = 50;
+constexpr int WIDEST_TEXT = 560;
+
+constexpr char16_t ABOUT_RECORDER[] =
+    u"Vorticade Frame Recorder captures each animation frame to a numbered file in a specified image format. Unlike "
+    u"live-capture recording, it can be done at higher resolutions and is not limited by the output window's "
+    u"dimensions or real-time constraints.  You'll need a tool like XVid to convert the frame files into a video file.";
+
+QString Text(const char16_t *psz)
+{
+    return QString::fromUtf16(psz);
+}
+
+class RecordingDialog : public QDialog {
+  public:
+    explicit RecordingDialog(QWidget *pParent);
+
+  private:
+    QWidget *MakeRecorderGroup();
+    QGroupBox *MakeSizeGroup();
+    QGroupBox *MakeRestGroup();
+    QHBoxLayout *MakeFolderRow();
+    QHBoxLayout *MakeDemoRow();
+    RecordingChoice Choice() const;
+    void Fill(const RecordingChoice &choice);
+    void ShowCheck();
+    void ShowTrouble();
+    void PickFolder();
+    void CreateFolder();
+    void Store();
+
+    QRadioButton *pKeystrokes, *pFrames;
+    QLineEdit *pFolder, *pFormat, *pDemo;
+    QLabel *pTrouble;
+    QPushButton *pCreate;
+    QSpinBox *pWidth, *pHeight, *pDelay;
+    QSlider *pRest;
+};
+
+QSpinBox *MakeNumber(int nMin, int nMax, const QString &name)
+{
+    auto *pBox = new QSpinBox;
+    pBox->setRange(nMin, nMax);
+    pBox->setAccessibleName(name);
+    return pBox;
+}
+
+QLineEdit *MakeLine(const char *pszName)
+{
+    auto *pLine = new QLineEdit;
+    pLine->setMaxLength(TEXT_CHARS_MAX);
+    pLine->setObjectName(QLatin1String(pszName));
+    return pLine;
+}
+
+// The combinations are edited elsewhere; here they only stand in their place.
+QGroupBox *MakeKeystrokeGroup()
+{
+    auto *pGroup = new QGroupBox(QStringLiteral("3rd Party start/stop recording keystroke combinationss..."));
+    auto *pLayout = new QFormLayout(pGroup);
+    pLayout->addRow(QStringLiteral("Start"), new QLineEdit);
+    pLayout->addRow(QStringLiteral("Stop"), new QLineEdit);
+    pGroup->setEnabled(false);
+    return pGroup;
+}
+
+RecordingDialog::RecordingDialog(QWidget *pParent) : QDialog(pParent)
+{
+    setWindowTitle(QStringLiteral("Recording Settings"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    pKeystrokes = new QRadioButton(QStringLiteral("Record animations using 3rd Party Screen Recorder"));
+    pFrames = new QRadioButton(QStringLiteral("Record animations using Vorticade Frame Recorder"));
+    auto *pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    pButtons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("OK"));
+    pButtons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Cancel"));
+    auto *pLayout = new QVBoxLayout(this);
+    for (QWidget *pWidget : {static_cast<QWidget *>(pKeystrokes), static_cast<QWidget *>(MakeKeystrokeGroup()),
+                             static_cast<QWidget *>(pFrames), MakeRecorderGroup(), static_cast<QWidget *>(pButtons)})
+        pLayout->addWidget(pWidget);
+    connect(pButtons, &QDialogButtonBox::accepted, this, [this] { Store(); });
+    connect(pButtons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    Fill(CurrentRecordingChoice());
+    ShowCheck();
+}
+
+QWidget *RecordingDialog::MakeRecorderGroup()
+{
+    auto *pGroup = new QGroupBox(QStringLiteral("Vorticade Frame Recorder configuration..."));
+    auto *pAbout = new QLabel(Text(ABOUT_RECORDER));
+    pAbout->setWordWrap(true);
+    pAbout->setMinimumWidth(WIDEST_TEXT);
+    pFormat = MakeLine("format");
+    auto *pForm = new QFormLayout;
+    pForm->addRow(QStringLiteral("Frame folder"), MakeFolderRow());
+    pForm->addRow(QStringLiteral("Filename/number format"), pFormat);
+    pForm->addRow(QString(), new QLabel(QStringLiteral("eg. MyFilename-%05.png")));
+    auto *pLayout = new QVBoxLayout(pGroup);
+    pLayout->addWidget(pAbout);
+    pLayout->addLayout(pForm);
+    pLayout->addLayout(MakeDemoRow());
+    pLayout->addWidget(MakeSizeGroup());
+    pLayout->addWidget(MakeRestGroup());
+    connect(pFolder, &QLineEdit::textChanged, this, [this] { ShowTrouble(); });
+    connect(pFormat, &QLineEdit::textChanged, this, [this] { ShowTrouble(); });
+    return pGroup;
+}
+
+QHBoxLayout *RecordingDialog::MakeFolderRow()
+{
+    pFolder = MakeLine("folder");
+    auto *pPick = new QPushButton(QStringLiteral("..."));
+    connect(pPick, &QPushButton::clicked, this, [this] { PickFolder(); });
+    auto *pRow = new QHBoxLayout;
+    pRow->addWidget(pFolder);
+    pRow->addWidget(pPick);
+    return pRow;
+}
+
+QHBoxLayout *RecordingDialog::MakeDemoRow()
+{
+    pDemo = new QLineEdit;
+    pDemo->setReadOnly(true);
+    pDemo->setObjectName(QStringLiteral("demo"));
+    auto *pButton = new QPushButton(QStringLiteral("Demo"));
+    connect(pButton, &QPushButton::clicked, this, [this] { ShowCheck(); });
+    pTrouble = new QLabel;
+    pTrouble->setObjectName(QStringLiteral("trouble"));
+    pCreate = new QPushButton(QStringLiteral("Create folder"));
+    connect(pCreate, &QPushButton::clicked, this, [this] { CreateFolder(); });
+    auto *pTroubleRow = new QHBoxLayout;
+    pTroubleRow->addWidget(pTrouble, 1);
+    pTroubleRow->addWidget(pCreate);
+    auto *pColumn = new QVBoxLayout;
+    pColumn->addWidget(pDemo);
+    pColumn->addLayout(pTroubleRow);
+    auto *pRow = new QHBoxLayout;
+    pRow->addLayout(pColumn, 1);
+    pRow->addWidget(pButton, 0, Qt::AlignTop);
+    return pRow;
+}
+
+QGroupBox *RecordingDialog::MakeSizeGroup()
+{
+    auto *pGroup = new QGroupBox(QStringLiteral("Recording Resolution"));
+    auto *pLayout = new QHBoxLayout(pGroup);
+    pWidth = MakeNumber(RECORD_SIDE_MIN, RECORD_SIDE_MAX, QStringLiteral("H"));
+    pHeight = MakeNumber(RECORD_SIDE_MIN, RECORD_SIDE_MAX, QStringLiteral("V"));
+    for (const RecordingSize &size : RecordingSizes()) {
+        auto *pButton = new QPushButton(Text(size.pszName));
+        connect(pButton, &QPushButton::clicked, this, [this, size] {
+            pWidth->setValue(size.nWidth);
+            pHeight->setValue(size.nHeight);
+        });
+        pLayout->addWidget(pButton);
+    }
+    pLayout->addWidget(new QLabel(QStringLiteral("H")));
+    pLayout->addWidget(pWidth);
+    pLayout->addWidget(new QLabel(QStringLiteral("V")));
+    pLayout->addWidget(pHeight);
+    auto *pRotate = new QPushButton(QStringLiteral("Rotate"));
+    connect(pRotate, &QPushButton::clicked, this, [this] {
+        const int nWidth = pWidth->value();
+        pWidth->setValue(pHeight->value());
+        pHeight->setValue(nWidth);
+    });
+    pLayout->addWidget(pRotate);
+    return pGroup;
+}
+
+QGroupBox *RecordingDialog::MakeRestGroup()
+{
+    auto *pGroup = new QGroupBox(QStringLiteral("GPU Rest Between frames to prevent overheating"));
+    auto *pLayout = new QHBoxLayout(pGroup);
+    pRest = new QSlider(Qt::Horizontal);
+    pRest->setRange(0, RECORD_DELAY_MAX_MS);
+    pRest->setSingleStep(LINE_STEP_MS);
+    pRest->setPageStep(PAGE_STEP_MS);
+    pDelay = MakeNumber(0, RECORD_DELAY_MAX_MS, QStringLiteral("ms"));
+    pLayout->addWidget(pRest);
+    pLayout->addWidget(pDelay);
+    pLayout->addWidget(new QLabel(QStringLiteral("ms")));
+    connect(pRest, &QSlider::valueChanged, this, [this](int n) {
+        pDelay->setValue(n);
+        StoreRecordingDelay(n);
+    });
+    return pGroup;
+}
+
+RecordingChoice RecordingDialog::Choice() const
+{
+    return {pFrames->isChecked() ? RECORD_METHOD_FRAMES : RECORD_METHOD_KEYSTROKES,
+            pWidth->value(),
+            pHeight->value(),
+            pDelay->value(),
+            pFolder->text().toStdU16String(),
+            pFormat->text().toStdU16String()};
+}
+
+void RecordingDialog::Fill(const RecordingChoice &choice)
+{
+    (choice.nMethod == RECORD_METHOD_FRAMES ? pFrames : pKeystrokes)->setChecked(true);
+    pWidth->setValue(choice.nWidth);
+    pHeight->setValue(choice.nHeight);
+    pRest->setValue(choice.nDelayMs);
+    pDelay->setValue(choice.nDelayMs);
+    pFolder->setText(QString::fromStdU16String(choice.folder));
+    pFormat->setText(QString::fromStdU16String(choice.format));
+}
+
+void RecordingDialog::ShowCheck()
+{
+    const RecordingChoice choice = Choice();
+    std::u16string text;
+    CheckFramePath(choice.folder, choice.format, &text);
+    pDemo->setText(QString::fromStdU16String(text));
+    ShowTrouble();
+}
+
+void RecordingDialog::ShowTrouble()
+{
+    const RecordingChoice choice = Choice();
+    pTrouble->setText(QString::fromStdU16String(DescribeRecordingTrouble(choice)));
+    pCreate->setVisible(!choice.folder.empty() && !QDir(pFolder->text()).exists());
+}
+
+void RecordingDialog::PickFolder()
+{
+    auto *pPicker = new QFileDialog(this, QStringLiteral("Select the folder where you want to save the frame files."),
+                                    pFolder->text());
+    pPicker->setAttribute(Qt::WA_DeleteOnClose);
+    pPicker->setFileMode(QFileDialog::Directory);
+    pPicker->setOption(QFileDialog::ShowDirsOnly);
+    connect(pPicker, &QFileDialog::fileSelected, this, [this](const QString &path) {
+        pFolder->setText(QDir::toNativeSeparators(path));
+        ShowCheck();
+    });
+    pPicker->open();
+}
+
+void RecordingDialog::CreateFolder()
+{
+    if (!QDir().mkpath(pFolder->text()))
+        pTrouble->setText(QStringLiteral("The folder cannot be created there."));
+    else
+        ShowCheck();
+}
+
+void RecordingDialog::Store()
+{
+    StoreRecordingChoice(Choice());
+    accept();
+}
+
+QPointer<RecordingDialog> pOpen;
+
+} // namespace
+
+void ShowRecordingDialog(QWidget *pParent)
+{
+    if (!pOpen)
+        pOpen = new RecordingDialog(pParent);
+    pOpen->show();
+    pOpen->raise();
+    pOpen->activateWindow();
+}
