@@ -5,6 +5,7 @@
 #include "platform/Files.h"
 #include "platform/Text.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 
@@ -60,18 +61,26 @@ bool CanWritePicture(PictureFormat eFormat)
 
 u32 SavePicture(const HostBitmap *hbm, const char16_t *pszPath, u32 nQuality)
 {
+    errno = EINVAL;
     if (!hbm || !pszPath || !*pszPath)
         return 0;
     const FormatWriter *pWriter = FindWriter(PictureFormatOf(pszPath));
-    FILE *pFile = pWriter ? OpenFile(pszPath, "wb") : nullptr;
+    if (!pWriter)
+        return 0;
+    const std::string sPath = NativePathOfNewFile(pszPath);
+    FILE *pFile = std::fopen(sPath.c_str(), "wb");
     if (!pFile)
         return 0;
+    errno = 0;
     const bool bWritten = pWriter->pfnWrite(hbm, pFile, nQuality);
+    const int nError = bWritten ? 0 : errno;
     const bool bClosed = std::fclose(pFile) == 0;
     if (bWritten && bClosed)
         return 1;
+    const int nReason = nError ? nError : errno;
     std::error_code ignored;
     if (pWriter->bRemoveHalf)
-        std::filesystem::remove(NativePath(pszPath), ignored);
+        std::filesystem::remove(sPath, ignored);
+    errno = nReason;
     return 0;
 }

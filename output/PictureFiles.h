@@ -14,5 +14,5 @@ bool CanWritePicture(PictureFormat eFormat);
 
 // Writes the bitmap, opaque, in the format that the path names. nQuality is 0 to 100 and counts for JPEG only.
 // Returns 0 for a null bitmap, an empty path, a refused format or a failed write; a half-written encoded file is
-// removed. Overwrites without asking. [any-thread]
+// removed; errno tells why, 0 when it is not known. Overwrites without asking. [any-thread]
 u32 SavePicture(const HostBitmap *hbm, const char16_t *pszPath, u32 nQuality);

@@ -78,6 +78,12 @@ std::string NativePath(std::u16string_view path)
     return WithCaseOnDisk(s);
 }
 
+std::string NativePathOfNewFile(std::u16string_view path)
+{
+    const std::u16string_view name = NameAndExtension(path);
+    return NativePath(path.substr(0, path.size() - name.size())) + ToUtf8(name);
+}
+
 bool FileExists(std::u16string_view path)
 {
     struct stat st;

@@ -12,6 +12,10 @@
 // one. Parts that miss by case alone are given the case that they have on disk.
 std::string NativePath(std::u16string_view path);
 
+// The same for a file that is about to be made: the case of its folder counts as above, its own name stays as given.
+// Does not look at the folder's other files, so it is quick in a folder of many thousands.
+std::string NativePathOfNewFile(std::u16string_view path);
+
 // Exists and is not a folder / is a folder.
 bool FileExists(std::u16string_view path);
 bool FolderExists(std::u16string_view path);
