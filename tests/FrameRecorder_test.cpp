@@ -1,0 +1,192 @@
+// FrameRecorder_test.cpp -- tests FrameRecorder.cpp and RecordingSettings.cpp on a running preset
+#include "output/FrameRecorder.h"
+
+#include "output/RecordingSettings.h"
+#include "output/VisualsCommands.h"
+#include "platform/Files.h"
+#include "tests/EngineFixture.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> asStatus;
+
+class FrameRecorder : public EngineTest {
+  protected:
+    void SetUp() override
+    {
+        EngineTest::SetUp();
+        folder = fs::temp_directory_path() / ("recorder-" + std::to_string(getpid()));
+        fs::remove_all(folder);
+        fs::create_directories(folder / "100% of it");
+        GlobalSettings.bVisualsWindow = 1;
+        GlobalSettings.hwndVisuals.nWidth = 150;
+        GlobalSettings.hwndVisuals.nHeight = 140;
+        GlobalSettings.AutoAdjustBuffer = 1;
+        StoreRecordingChoice({RECORD_METHOD_FRAMES, 160, 128, 0, Folder("100% of it//\\"), u"f-%03d.ppm"});
+        asStatus.clear();
+        pfnRecorderStatus = [](const char16_t *psz) { asStatus.push_back(ToUtf8(psz)); };
+        MakePreset(1);
+        Add(MODULEINDEX_DRAWPAINTER);
+    }
+    void TearDown() override
+    {
+        FinishFrameRecorder();
+        pfnRecorderStatus = nullptr;
+        fs::remove_all(folder);
+        EngineTest::TearDown();
+    }
+    std::u16string Folder(const char *pszName) const
+    {
+        return FromUtf8((folder / pszName).string());
+    }
+    // One frame that goes the way of the show.
+    void Show(u64 nMs = 16)
+    {
+        if (Step(nMs))
+            RecordStep(*lppsi->phbmOutput);
+    }
+    std::vector<std::string> Files(const char *pszFolder) const
+    {
+        std::vector<std::string> as;
+        for (const auto &entry : fs::directory_iterator(folder / pszFolder))
+            as.push_back(entry.path().filename());
+        std::sort(as.begin(), as.end());
+        return as;
+    }
+
+    fs::path folder;
+};
+
+TEST_F(FrameRecorder, TenSecondsAreSixHundredFramesOfTheRecordingsOwnSize)
+{
+    GlobalSettings.TimeScale = 5;
+    ToggleFrameRecorder(3000, 10);
+    EXPECT_EQ(20u, GlobalSettings.TimeScale);
+    const u64 qwStart = TickCount();
+    while (TickCount() < qwStart + 2990)
+        Show();
+    EXPECT_EQ(1u, nRecordFrame) << "not before the delay is over";
+    EXPECT_EQ(160, GlobalSettings.nBufferWidth);
+    for (u32 i = 0; i < 700 && GlobalSettings.bRecording; i++)
+        Show();
+    EXPECT_EQ(5u, GlobalSettings.TimeScale);
+    EXPECT_EQ("Preparing to record...", asStatus.front());
+    EXPECT_EQ("Recording frame 2 of 600", asStatus.at(1));
+    EXPECT_EQ("Recording complete: 600 frames.", asStatus.back());
+    const std::vector<std::string> files = Files("100% of it");
+    ASSERT_EQ(600u, files.size());
+    EXPECT_EQ("f-001.ppm", files.front());
+    EXPECT_EQ("f-600.ppm", files.back());
+    EXPECT_EQ(15u + 160 * 128 * 3, fs::file_size(folder / "100% of it" / "f-001.ppm"));
+    Show();
+    Show();
+    EXPECT_EQ(150, GlobalSettings.nBufferWidth) << "the window's size again";
+}
+
+TEST_F(FrameRecorder, AFrameOfAnotherSizePutsOffTheRecordingAndTheHandStopsIt)
+{
+    GlobalSettings.TimeScale = 100;
+    ToggleFrameRecorder(0, RECORD_SECONDS_ENDLESS);
+    ToggleFrameRecorder(0, 10);
+    EXPECT_EQ("Recording complete: 0 frames.", asStatus.back());
+    EXPECT_EQ(20u, GlobalSettings.TimeScale) << "a scale of 100 is not restored";
+    ToggleFrameRecorder(0, RECORD_SECONDS_ENDLESS);
+    HostBitmap *hbmOther = CreateBitmap(131, 129);
+    RecordStep(hbmOther);
+    DeleteBitmap(hbmOther);
+    EXPECT_EQ(1u, nRecordFrame);
+    for (u32 i = 0; i < 5; i++)
+        Show();
+    EXPECT_EQ("Recording frame 6 (manual stop)", asStatus.back());
+    RecordingChoice choice = CurrentRecordingChoice(); // another size in the middle, as the dialog's OK brings it
+    choice.nWidth = 200;
+    choice.nHeight = 130;
+    StoreRecordingChoice(choice);
+    for (u32 i = 0; i < 4; i++)
+        Show();
+    ToggleFrameRecorder(0, 0);
+    EXPECT_EQ("Recording complete: 9 frames.", asStatus.back());
+    EXPECT_EQ(15u + 200 * 130 * 3, fs::file_size(folder / "100% of it" / "f-009.ppm"));
+}
+
+TEST_F(FrameRecorder, TheRestKeepsTheGateShutInsteadOfSleeping)
+{
+    StoreRecordingDelay(500);
+    ToggleFrameRecorder(0, 1);
+    Show();
+    const i64 nNext = NextFrameCount();
+    EXPECT_GE(nNext, PerfCounter() + PerfFrequency() / 2 - 1);
+    AdvanceFixedCounter(PerfFrequency() / 4);
+    EXPECT_EQ(0u, RunFrameStep(lppsi));
+    AdvanceFixedCounter(PerfFrequency() / 4);
+    EXPECT_EQ(1u, RunFrameStep(lppsi));
+    ToggleFrameRecorder(0, 1);
+    EXPECT_LT(NextFrameCount(), PerfCounter() + PerfFrequency() / 2) << "the end of a recording ends the rest";
+}
+
+TEST_F(FrameRecorder, PicturesThatCannotBeWrittenAreCountedAndTheRecordingGoesOn)
+{
+    CopyText(GlobalSettings.FrameRecordFolder, Folder("nowhere"));
+    ToggleFrameRecorder(0, RECORD_SECONDS_ENDLESS);
+    for (u32 i = 0; i < 4; i++)
+        Show();
+    ToggleFrameRecorder(0, 0);
+    EXPECT_EQ("Recording complete: 4 frames. 4 failed: " + (folder / "nowhere/f-001.ppm").string() +
+                  " cannot be written: No such file or directory",
+              asStatus.back());
+
+    const u32 dwTimeScale = GlobalSettings.TimeScale;
+    for (const char16_t *pszFormat : {u"%s.png", u"%n.png", u"%*d.png", u"%d-%d.png", u"f-%05.png"}) {
+        CopyText(GlobalSettings.FrameRecordFormat, pszFormat);
+        ToggleFrameRecorder(0, 10);
+        EXPECT_FALSE(GlobalSettings.bRecording) << ToUtf8(pszFormat);
+        EXPECT_EQ(0u, asStatus.back().find("Cannot record: ")) << asStatus.back();
+    }
+    EXPECT_EQ(dwTimeScale, GlobalSettings.TimeScale);
+}
+
+TEST_F(FrameRecorder, ACaptureAndAFrameOfOneMomentAreBothSaved)
+{
+    InitFolders({u"/nowhere/vorticade", FromUtf8(folder.string()), {}});
+    ToggleFrameRecorder(0, 10);
+    Show();
+    bCaptureRequested = 1;
+    Show();
+    Show();
+    FinishFrameRecorder();
+    EXPECT_EQ(0u, bCaptureRequested);
+    ASSERT_EQ(1u, Files("ScreenShots").size());
+    EXPECT_EQ("ScreenCapture_sx.png", ToUtf8(NameAndExtension(CapturePath(1041))));
+    EXPECT_EQ(0u, Files("ScreenShots")[0].find("ScreenCapture_"));
+    EXPECT_LE(2u, Files("100% of it").size());
+}
+
+TEST_F(FrameRecorder, TheCheckOfAPathSaysWhatIsWrong)
+{
+    std::u16string text;
+    const auto check = [&](std::u16string_view at, std::u16string_view format) {
+        const u32 bValid = CheckFramePath(at, format, &text);
+        return (bValid ? "+" : "-") + ToUtf8(text);
+    };
+    const std::string sNoNumber = "-The filename format doesn't contain a frame number format specifier (eg. %05d).";
+    EXPECT_EQ(0u, check(u"/a/b//", u"x%05i.jpg").find("+/a/b/x0"));
+    EXPECT_EQ(sNoNumber, check(u"/a", u"x.jpg"));
+    EXPECT_EQ(sNoNumber, check(u"/100%d", u"x%%.jpg")) << "the folder's percent sign is one";
+    EXPECT_EQ("-The resulting path is too long.", check(std::u16string(250, u'a'), u"longname%d.png"));
+    EXPECT_EQ("-The resulting path is too long.", check(std::u16string(242, u'a'), u"x%020d.png"));
+    EXPECT_NE(std::string::npos, check(u"/a", u"%s.png").find("must be of the form %d"));
+    EXPECT_EQ(u"The frame folder does not exist.",
+              DescribeRecordingTrouble({1, 640, 480, 0, u"/no/where", u"x%d.png"}));
+    EXPECT_NE(u"", DescribeRecordingTrouble({1, 640, 480, 0, u"/tmp", u"x%d.fst"}));
+    StoreRecordingChoice({7, 10, 99999, -3, u"", u""});
+    const RecordingChoice stored = CurrentRecordingChoice();
+    EXPECT_TRUE(stored.nMethod == 1 && stored.nWidth == 128 && stored.nHeight == 8192 && stored.nDelayMs == 0);
+}
+
+} // namespace
