@@ -22,6 +22,7 @@
 #include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
+#include "toolkit/Meters.h"
 
 #include <atomic>
 #include <cerrno>
@@ -84,6 +85,12 @@ u32 FindAccelerators()
     return 1;
 }
 
+u32 EmptyMeters()
+{
+    ClearPeakStores();
+    return 1;
+}
+
 u32 OpenSharedBlock()
 {
     return OpenSharedStatus();
@@ -125,6 +132,7 @@ constexpr Step asStartCore[] = {
     {"stored settings", ReadStoredSettings},
     {"shared block", OpenSharedBlock},
     {"sound monitor", BindSound},
+    {"meters", EmptyMeters},
     {"modules", LoadModules},
     {"OpenGL test", TestOpenGL},
 };
