@@ -105,6 +105,8 @@ void DrawPushButton(const DarkPiece &piece)
     const bool bDefault = pButton && pButton->features & QStyleOptionButton::DefaultButton && state.bEnabled;
     DrawOutlinedRect(piece.pPainter, piece.pOption->rect, bDefault ? ColorOf(Look().dwInk) : OutlineOf(state),
                      ButtonFillOf(state));
+    if (state.bFocus)
+        DrawFocusMark(piece.pPainter, piece.pStyle->subElementRect(QStyle::SE_PushButtonFocusRect, piece.pOption));
 }
 
 void DrawToolButtonPanel(const DarkPiece &piece)

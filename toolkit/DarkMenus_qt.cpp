@@ -1,6 +1,8 @@
-// DarkMenus_qt.cpp -- paints menus, menu bars and tool tips
+// DarkMenus_qt.cpp -- paints menus, menu bars, tool tips and the icons of message boxes
 #include "toolkit/DarkPaint_qt.h"
 #include "toolkit/DarkPieces_qt.h"
+
+#include "toolkit/UIColors.h"
 
 #include <QPainter>
 #include <QStyle>
@@ -61,15 +63,52 @@ void DrawItemTexts(const DarkPiece &piece, const QStyleOptionMenuItem *pItem, co
     const bool bMnemonic = piece.pStyle->styleHint(QStyle::SH_UnderlineShortcut, pItem, piece.pWidget);
     const int nFlags = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip |
                        (bMnemonic ? Qt::TextShowMnemonic : Qt::TextHideMnemonic);
-    const bool bMirrored = pItem->direction == Qt::RightToLeft;
-    const int eStart = bMirrored ? Qt::AlignRight : Qt::AlignLeft;
-    const int eEnd = bMirrored ? Qt::AlignLeft : Qt::AlignRight;
+    const auto align = [=](Qt::Alignment e) { return nFlags | QStyle::visualAlignment(pItem->direction, e).toInt(); };
     piece.pPainter->save();
     piece.pPainter->setFont(pItem->font);
     piece.pPainter->setPen(color);
-    piece.pPainter->drawText(text, nFlags | eStart, pItem->text.section(u'\t', 0, 0));
-    piece.pPainter->drawText(text, nFlags | eEnd, pItem->text.section(u'\t', 1));
+    piece.pPainter->drawText(text, align(Qt::AlignLeft), pItem->text.section(u'\t', 0, 0));
+    piece.pPainter->drawText(text, align(Qt::AlignRight), pItem->text.section(u'\t', 1));
     piece.pPainter->restore();
+}
+
+struct MessageIcon {
+    int ePixmap;
+    char chSign;
+    u32 (*pfnColor)();
+};
+
+constexpr MessageIcon asMessageIcon[] = {
+    {QStyle::SP_MessageBoxInformation, 'i', [] { return Look().dwLink; }},
+    {QStyle::SP_MessageBoxQuestion, '?', [] { return Look().dwInk; }},
+    {QStyle::SP_MessageBoxWarning, '!', [] { return ReadableColor(Look().dwWindow, 0x32B4FF, 4.5f); }},
+    {QStyle::SP_MessageBoxCritical, 'x', [] { return ReadableColor(Look().dwWindow, 0x5050FA, 4.5f); }},
+};
+
+// A ring with a sign in it.
+QPixmap PaintMessageIcon(const MessageIcon &icon, int nSide)
+{
+    QPixmap pixmap(nSide, nSide);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal fLine = nSide / 14.0;
+    const QRectF ring = QRectF(0, 0, nSide, nSide).adjusted(fLine, fLine, -fLine, -fLine);
+    const QColor color = ColorOf(icon.pfnColor());
+    painter.setPen(QPen(color, fLine, Qt::SolidLine, Qt::RoundCap));
+    painter.drawEllipse(ring);
+    if (icon.chSign == 'x') {
+        const QRectF cross = ring.adjusted(nSide * 0.24, nSide * 0.24, -nSide * 0.24, -nSide * 0.24);
+        painter.drawLine(cross.topLeft(), cross.bottomRight());
+        painter.drawLine(cross.topRight(), cross.bottomLeft());
+        return pixmap;
+    }
+    QFont font = painter.font();
+    font.setPixelSize(nSide * 11 / 20);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.drawText(ring, Qt::AlignCenter, QString(QLatin1Char(icon.chSign)));
+    return pixmap;
 }
 
 } // namespace
@@ -135,4 +174,24 @@ void DrawMenuBarSpace(const DarkPiece &piece)
 void DrawTipPanel(const DarkPiece &piece)
 {
     DrawOutlinedRect(piece.pPainter, piece.pOption->rect, ColorOf(Look().dwLineHover), ColorOf(Look().dwWindow));
+}
+
+// Room for the columns at both sides; a line takes less.
+QSize MenuItemSize(const QStyleOption *pOption, const QSize &below)
+{
+    const auto *pItem = qstyleoption_cast<const QStyleOptionMenuItem *>(pOption);
+    if (!pItem)
+        return below;
+    if (pItem->menuItemType == QStyleOptionMenuItem::Separator && pItem->text.isEmpty())
+        return {below.width(), 9};
+    return {below.width() + TEXT_MARGIN, std::max(below.height(), pItem->fontMetrics.height() + 8)};
+}
+
+QIcon MakeMessageIcon(int eStandardPixmap)
+{
+    QIcon icon;
+    for (const MessageIcon &row : asMessageIcon)
+        for (int nSide = 16; row.ePixmap == eStandardPixmap && nSide <= 128; nSide += 16)
+            icon.addPixmap(PaintMessageIcon(row, nSide));
+    return icon;
 }

@@ -1,6 +1,7 @@
 // DarkPieces_qt.h -- what the dark style paints in place of the style below it
 #pragma once
 
+#include <QIcon>
 #include <QRect>
 #include <QSize>
 
@@ -66,6 +67,9 @@ void DrawMenuItem(const DarkPiece &piece);
 void DrawMenuBarItem(const DarkPiece &piece);
 void DrawMenuBarSpace(const DarkPiece &piece);
 void DrawTipPanel(const DarkPiece &piece);
+QSize MenuItemSize(const QStyleOption *pOption, const QSize &below);
+// The icon of a message box, for SP_MessageBoxInformation and its like; a null one for anything else.
+QIcon MakeMessageIcon(int eStandardPixmap);
 
 // Lists and trees
 void DrawItemPanel(const DarkPiece &piece);

@@ -123,6 +123,7 @@ void Restyle()
 {
     bRestylePending = false;
     GiveColors();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::ApplicationPaletteChange); // no window paints in between
     for (QWidget *pWidget : QApplication::allWidgets()) {
         RefreshControlColors(pWidget);
         pWidget->update();
@@ -248,7 +249,20 @@ QSize DarkStyle::sizeFromContents(ContentsType eType, const QStyleOption *pOptio
         return CheckBoxSize(pOption, pWidget);
     if (eType == CT_GroupBox && pOption)
         return GroupBoxSize(pOption, size);
-    return QProxyStyle::sizeFromContents(eType, pOption, size, pWidget);
+    const QSize below = QProxyStyle::sizeFromContents(eType, pOption, size, pWidget);
+    if (eType == CT_MenuItem && pOption)
+        return MenuItemSize(pOption, below);
+    if (eType == CT_RadioButton && pOption)
+        return {below.width(), pOption->fontMetrics.height() + 2};
+    if (eType == CT_ItemViewItem)
+        return below + QSize(0, 3);
+    return below;
+}
+
+QIcon DarkStyle::standardIcon(StandardPixmap eIcon, const QStyleOption *pOption, const QWidget *pWidget) const
+{
+    const QIcon icon = MakeMessageIcon(eIcon);
+    return icon.isNull() ? QProxyStyle::standardIcon(eIcon, pOption, pWidget) : icon;
 }
 
 void InstallDarkLook(QApplication *pApp)

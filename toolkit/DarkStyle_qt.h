@@ -27,6 +27,7 @@ class DarkStyle : public QProxyStyle {
                          const QWidget *pWidget) const override;
     QSize sizeFromContents(ContentsType eType, const QStyleOption *pOption, const QSize &size,
                            const QWidget *pWidget) const override;
+    QIcon standardIcon(StandardPixmap eIcon, const QStyleOption *pOption, const QWidget *pWidget) const override;
 };
 
 // Gives all windows of the application, those to come too, the dark look. From then on a change of a user colour shows

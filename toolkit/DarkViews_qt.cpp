@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
+#include <QTreeView>
 
 #include <algorithm>
 
@@ -14,6 +15,16 @@ namespace {
 
 constexpr int BOX_SIDE = 9; // of a branch's plus and minus, odd: it has a middle
 constexpr int TEXT_PAD = 2;
+
+// Nothing leads up from the first item of all.
+bool IsFirstRow(const DarkPiece &piece)
+{
+    const auto *pTree = qobject_cast<const QTreeView *>(piece.pWidget);
+    if (!pTree || !(piece.pOption->state & QStyle::State_Item))
+        return false;
+    const QModelIndex index = pTree->indexAt(piece.pOption->rect.center());
+    return index.isValid() && index.row() == 0 && !index.parent().isValid();
+}
 
 // A line from a plus box's middle: along the branch or to the item.
 void DrawBranchLines(const DarkPiece &piece, const QPoint &middle, const QColor &line)
@@ -26,7 +37,8 @@ void DrawBranchLines(const DarkPiece &piece, const QPoint &middle, const QColor 
         const int xFrom = bMirrored ? box.left() : middle.x();
         const int xTo = bMirrored ? middle.x() : box.right();
         DrawOutlinedRect(p, QRect(QPoint(xFrom, middle.y()), QPoint(xTo, middle.y())), {}, line);
-        DrawOutlinedRect(p, QRect(QPoint(middle.x(), box.top()), middle), {}, line);
+        if (!IsFirstRow(piece))
+            DrawOutlinedRect(p, QRect(QPoint(middle.x(), box.top()), middle), {}, line);
     }
     if (s & QStyle::State_Sibling) {
         const int yFrom = s & QStyle::State_Item ? middle.y() : box.top();
