@@ -198,7 +198,7 @@ void DrawSlider(const DarkPiece &piece)
     grip.bHover = state.bHover && pSlider->activeSubControls & QStyle::SC_SliderHandle;
     grip.bDown = state.bDown && pSlider->activeSubControls & QStyle::SC_SliderHandle;
     const bool bHorizontal = pSlider->orientation == Qt::Horizontal;
-    const QRect shown = bHorizontal ? handle.adjusted(2, 0, -1, 0) : handle.adjusted(0, 2, 0, -1);
+    const QRect shown = (bHorizontal ? handle.adjusted(2, 0, -1, 0) : handle.adjusted(0, 2, 0, -1)) & pSlider->rect;
     DrawOutlinedRect(piece.pPainter, shown, OutlineOf(grip),
                      state.bEnabled ? ColorOf(grip.bDown    ? Look().dwLineHover
                                               : grip.bHover ? Look().dwLine

@@ -180,7 +180,7 @@ void DrawCheckBox(const DarkPiece &piece)
     }
 }
 
-QRect GroupBoxRect(const QStyleOption *pOption, int eSubControl, const QRect &other)
+QRect GroupBoxRect(const QStyleOption *pOption, QStyle::SubControl ePart, const QRect &other)
 {
     const auto *pGroup = qstyleoption_cast<const QStyleOptionGroupBox *>(pOption);
     if (!pGroup)
@@ -188,7 +188,7 @@ QRect GroupBoxRect(const QStyleOption *pOption, int eSubControl, const QRect &ot
     const GroupBoxShape shape = ShapeOfGroupBox(pGroup);
     const int nCheck = GroupCheckWidth(pGroup);
     ControlBox part = shape.caption;
-    switch (eSubControl) {
+    switch (ePart) {
     case QStyle::SC_GroupBoxFrame:
         return RectOf(shape.outline, pOption);
     case QStyle::SC_GroupBoxContents:

@@ -63,7 +63,9 @@ void DrawItemTexts(const DarkPiece &piece, const QStyleOptionMenuItem *pItem, co
     const bool bMnemonic = piece.pStyle->styleHint(QStyle::SH_UnderlineShortcut, pItem, piece.pWidget);
     const int nFlags = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip |
                        (bMnemonic ? Qt::TextShowMnemonic : Qt::TextHideMnemonic);
-    const auto align = [=](Qt::Alignment e) { return nFlags | QStyle::visualAlignment(pItem->direction, e).toInt(); };
+    const auto align = [=](Qt::Alignment e) {
+        return nFlags | static_cast<int>(QStyle::visualAlignment(pItem->direction, e));
+    };
     piece.pPainter->save();
     piece.pPainter->setFont(pItem->font);
     piece.pPainter->setPen(color);
@@ -73,7 +75,7 @@ void DrawItemTexts(const DarkPiece &piece, const QStyleOptionMenuItem *pItem, co
 }
 
 struct MessageIcon {
-    int ePixmap;
+    QStyle::StandardPixmap ePixmap;
     char chSign;
     u32 (*pfnColor)();
 };
@@ -187,11 +189,11 @@ QSize MenuItemSize(const QStyleOption *pOption, const QSize &below)
     return {below.width() + TEXT_MARGIN, std::max(below.height(), pItem->fontMetrics.height() + 8)};
 }
 
-QIcon MakeMessageIcon(int eStandardPixmap)
+QIcon MakeMessageIcon(QStyle::StandardPixmap eIcon)
 {
     QIcon icon;
     for (const MessageIcon &row : asMessageIcon)
-        for (int nSide = 16; row.ePixmap == eStandardPixmap && nSide <= 128; nSide += 16)
+        for (int nSide = 16; row.ePixmap == eIcon && nSide <= 128; nSide += 16)
             icon.addPixmap(PaintMessageIcon(row, nSide));
     return icon;
 }

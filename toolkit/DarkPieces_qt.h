@@ -4,9 +4,9 @@
 #include <QIcon>
 #include <QRect>
 #include <QSize>
+#include <QStyle>
 
 class QPainter;
-class QStyle;
 class QStyleOption;
 class QWidget;
 
@@ -37,7 +37,7 @@ void DrawTabClose(const DarkPiece &piece);
 QRect CheckMarkRect(const QStyleOption *pOption, const QWidget *pWidget);
 QRect CheckTextRect(const QStyleOption *pOption, const QWidget *pWidget);
 QSize CheckBoxSize(const QStyleOption *pOption, const QWidget *pWidget);
-QRect GroupBoxRect(const QStyleOption *pOption, int eSubControl, const QRect &other);
+QRect GroupBoxRect(const QStyleOption *pOption, QStyle::SubControl ePart, const QRect &other);
 QSize GroupBoxSize(const QStyleOption *pOption, const QSize &contents);
 
 // Fields
@@ -69,7 +69,7 @@ void DrawMenuBarSpace(const DarkPiece &piece);
 void DrawTipPanel(const DarkPiece &piece);
 QSize MenuItemSize(const QStyleOption *pOption, const QSize &below);
 // The icon of a message box, for SP_MessageBoxInformation and its like; a null one for anything else.
-QIcon MakeMessageIcon(int eStandardPixmap);
+QIcon MakeMessageIcon(QStyle::StandardPixmap eIcon);
 
 // Lists and trees
 void DrawItemPanel(const DarkPiece &piece);

@@ -95,9 +95,9 @@ constexpr NumberRow asHint[] = {
     {QStyle::SH_Menu_SloppySubMenus, 1},
 };
 
-bool DrawPiece(std::span<const PieceRow> rows, int eElement, const DarkPiece &piece)
+template <typename Element> bool DrawPiece(std::span<const PieceRow> rows, Element eElement, const DarkPiece &piece)
 {
-    const auto i = std::ranges::find(rows, eElement, &PieceRow::eElement);
+    const auto i = std::ranges::find(rows, static_cast<int>(eElement), &PieceRow::eElement);
     if (i == rows.end())
         return false;
     i->pfnDraw(piece);
