@@ -24,6 +24,7 @@
 #include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
+#include "toolkit/Meters.h"
 
 #include <atomic>
 #include <cerrno>
@@ -88,6 +89,12 @@ u32 FindAccelerators()
     return 1;
 }
 
+u32 EmptyMeters()
+{
+    ClearPeakStores();
+    return 1;
+}
+
 u32 OpenSharedBlock()
 {
     return OpenSharedStatus();
@@ -129,6 +136,7 @@ constexpr Step asStartCore[] = {
     {"stored settings", ReadStoredSettings},
     {"shared block", OpenSharedBlock},
     {"sound monitor", BindSound},
+    {"meters", EmptyMeters},
     {"modules", LoadModules},
     {"OpenGL test", TestOpenGL},
 };

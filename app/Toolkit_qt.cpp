@@ -2,6 +2,7 @@
 #include "app/Toolkit_qt.h"
 
 #include "platform/Display.h"
+#include "toolkit/DarkStyle_qt.h"
 
 #include <QStringList>
 
@@ -82,6 +83,7 @@ std::unique_ptr<QApplication> StartToolkit()
     SetStarting(true);
     auto pApp = std::make_unique<QApplication>(nArguments, apszArgument);
     SetStarting(false);
+    InstallDarkLook(pApp.get());
     QApplication::setQuitOnLastWindowClosed(false); // the main loop ends the program, in its order
     std::setlocale(LC_NUMERIC, "C");                // the toolkit took the user's: files would get decimal commas
     return pApp;

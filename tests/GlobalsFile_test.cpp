@@ -34,7 +34,7 @@ class Globals : public ::testing::Test {
         InitFolders({.program = {}, .data = FromUtf8(s), .modules = {}});
         RecorderCombos = {};
         CurrentCombo = {};
-        pfnWindowBackgroundChanged = nullptr;
+        pfnUIColorChanged = nullptr;
         SetDefaultSettings();
     }
     void TearDown() override
@@ -253,7 +253,10 @@ TEST_F(Globals, ColoursAreFoundUnderTheirUnderscoresAlone)
 {
     static u32 dwBackground;
     dwBackground = 0;
-    pfnWindowBackgroundChanged = [](u32 dwColor) { dwBackground = dwColor; };
+    pfnUIColorChanged = [](u32 iRow) {
+        if (iRow == UICOLOR_WINDOW_BACKGROUND)
+            dwBackground = UIColorTable[iRow].dwColor;
+    };
     Read("\t<UIColors>\n<Meter High>1</Meter High><Meter_Low>2</Meter_Low><window_background>-1</window_background>"
          "<Timer>x</Timer></UIColors>\n");
     EXPECT_EQ(UIColorTable[UICOLOR_METER_HIGH].dwColor, 0x5050FAu);
@@ -261,6 +264,11 @@ TEST_F(Globals, ColoursAreFoundUnderTheirUnderscoresAlone)
     EXPECT_EQ(UIColorTable[UICOLOR_TIMER].dwColor, 0u);
     EXPECT_EQ(dwBackground, 0xFFFFFFu);
     EXPECT_EQ(SetUIColor(UICOLORS, 5), 0u);
+    EXPECT_EQ(SetUIColor(UICOLOR_METER_LOW, 0xFF000003), 2u);
+    EXPECT_EQ(UIColorTable[UICOLOR_METER_LOW].dwColor, 3u);
+    pfnUIColorChanged = [](u32) { FAIL() << "nothing has changed"; };
+    SetUIColor(UICOLOR_METER_LOW, 3);
+    pfnUIColorChanged = nullptr;
 }
 
 TEST_F(Globals, TheWindowLayoutSurvivesAProgramWithoutWindows)

@@ -32,7 +32,7 @@ constexpr UIColorRow asDefault[UICOLORS] = {
 } // namespace
 
 UIColorRow UIColorTable[UICOLORS];
-void (*pfnWindowBackgroundChanged)(u32 dwColor);
+void (*pfnUIColorChanged)(u32 iRow);
 
 void SetDefaultUIColors()
 {
@@ -48,7 +48,7 @@ u32 SetUIColor(u32 iRow, u32 dwColor)
         return 0;
     const u32 dwOld = UIColorTable[iRow].dwColor;
     UIColorTable[iRow].dwColor = dwColor & COLOR_BITS;
-    if (iRow == UICOLOR_WINDOW_BACKGROUND && pfnWindowBackgroundChanged)
-        pfnWindowBackgroundChanged(dwColor & COLOR_BITS);
+    if (UIColorTable[iRow].dwColor != dwOld && pfnUIColorChanged)
+        pfnUIColorChanged(iRow);
     return dwOld;
 }

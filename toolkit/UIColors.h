@@ -36,8 +36,8 @@ struct UIColorRow {
 // In the order of the enumeration. Read by painting, written by the settings. [main-thread]
 extern UIColorRow UIColorTable[UICOLORS];
 
-// Set by the window code: what was made of the window background (a brush, a palette) is to be made anew. May be null.
-extern void (*pfnWindowBackgroundChanged)(u32 dwColor);
+// Set by the window code: a row has a new colour, and what was made of the old one is to be made anew. May be null.
+extern void (*pfnUIColorChanged)(u32 iRow);
 
 void SetDefaultUIColors();
 // Writes the row, without the bits above 0x00FFFFFF. Returns the old colour; 0, and no change, beyond the table.
