@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <locale.h>
 #include <new>
@@ -192,14 +191,15 @@ XmlContext *XmlOpenBytes(std::string_view bytes)
     return bytes.size() > FILE_BYTES_MAX ? nullptr : XmlOpenText(FromUtf8(bytes));
 }
 
-XmlContext *XmlOpenFile(std::u16string_view path)
+XmlContext *XmlOpenFile(std::u16string_view path, std::string *psWhy)
 {
-    std::string bytes, sWhy;
-    XmlContext *pxc = ReadWholeFile(path, FILE_BYTES_MAX, &bytes, &sWhy) ? XmlOpenBytes(bytes) : nullptr;
-    if (!pxc && sWhy.empty() && !bytes.empty())
-        sWhy = ToUtf8(path) + ": larger than such a file can be";
-    if (!sWhy.empty())
-        std::fprintf(stderr, "%s\n", sWhy.c_str());
+    std::string bytes;
+    if (!ReadWholeFile(path, FILE_BYTES_MAX, &bytes, psWhy))
+        return nullptr;
+    XmlContext *pxc = XmlOpenBytes(bytes);
+    if (!pxc && psWhy)
+        *psWhy = ToUtf8(path) + ": larger than the " + std::to_string(XML_TEXT_MAX) +
+                 " characters that such a file can have";
     return pxc;
 }
 

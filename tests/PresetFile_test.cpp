@@ -444,8 +444,28 @@ TEST_F(PresetFile, APresetWithoutARuleGetsOneAndAFileThatIsNoneGivesNull)
     EXPECT_TRUE(lppsi->piPostProc.hdc);
     for (const char *pszText : {"", "GIF89a", "<?xml?>\n<Fragment><NumPlanes>1</NumPlanes></Fragment>"}) {
         EXPECT_EQ(Load(pszText), nullptr);
-        EXPECT_EQ(report.asLine.size(), 1u);
+        EXPECT_NE(report.sFailure, "");
     }
+}
+
+TEST_F(PresetFile, ACutOffFileSaysThatNothingIsInIt)
+{
+    BuildWith(6);
+    MakeRandomPreset(true);
+    const std::string sWhole = TextOf(lppsi);
+    Reload(sWhole);
+    EXPECT_TRUE(report.asLine.empty());
+    for (size_t cb = sWhole.find("<Preset>") + 8; cb < sWhole.size() - 3; cb += 97) {
+        Reload(sWhole.substr(0, cb));
+        ASSERT_EQ(report.asLine.size(), 1u);
+        EXPECT_NE(report.asLine[0].find("cut off"), std::string::npos);
+    }
+}
+
+TEST_F(PresetFile, TheOuterTagMayStandInTheLineThatIsSkipped)
+{
+    Reload("<Preset>\n<NumPlanes>1</NumPlanes><Plane0><Indexed>1</Indexed></Plane0></Preset>");
+    EXPECT_EQ(lppsi->nPlanes, 1);
 }
 
 TEST_F(PresetFile, APresetIsFoundByPathAndByNameInThePresetFolder)
