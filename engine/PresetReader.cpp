@@ -237,6 +237,9 @@ void AddToReport(PresetReport *pReport, std::string sLine)
 {
     if (!pReport)
         return;
+    // Names from a file may hold line ends, and sequences that steer a terminal.
+    std::replace_if(
+        sLine.begin(), sLine.end(), [](char ch) { return static_cast<u8>(ch) < 0x20 || ch == 0x7F; }, '?');
     if (pReport->asLine.size() < REPORT_LINES_MAX)
         pReport->asLine.push_back(std::move(sLine));
     else
