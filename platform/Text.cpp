@@ -101,10 +101,8 @@ u32 CopyText(char16_t *pszTo, u32 cchTo, std::u16string_view text)
     return cch;
 }
 
-char16_t FoldCase(char16_t ch)
+char16_t FoldWideCase(char16_t ch)
 {
-    if (ch < 0x80)
-        return ch >= u'A' && ch <= u'Z' ? static_cast<char16_t>(ch + 32) : ch;
     return static_cast<char16_t>(towlower_l(ch, FoldingLocale()));
 }
 
