@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <locale.h>
 #include <new>
@@ -193,13 +194,16 @@ XmlContext *XmlOpenBytes(std::string_view bytes)
 
 XmlContext *XmlOpenFile(std::u16string_view path, std::string *psWhy)
 {
-    std::string bytes;
-    if (!ReadWholeFile(path, FILE_BYTES_MAX, &bytes, psWhy))
-        return nullptr;
-    XmlContext *pxc = XmlOpenBytes(bytes);
-    if (!pxc && psWhy)
-        *psWhy = ToUtf8(path) + ": larger than the " + std::to_string(XML_TEXT_MAX) +
-                 " characters that such a file can have";
+    std::string bytes, sWhy;
+    const u32 bRead = ReadWholeFile(path, FILE_BYTES_MAX, &bytes, &sWhy);
+    XmlContext *pxc = bRead ? XmlOpenBytes(bytes) : nullptr;
+    if (bRead && !pxc)
+        sWhy = ToUtf8(path) + ": larger than the " + std::to_string(XML_TEXT_MAX) +
+               " characters that such a file can have";
+    if (!sWhy.empty() && psWhy)
+        *psWhy = sWhy;
+    else if (!sWhy.empty())
+        std::fprintf(stderr, "%s\n", sWhy.c_str());
     return pxc;
 }
 

@@ -53,7 +53,7 @@ std::u16string_view XmlDocumentText(const XmlContext *pxc);
 u32 XmlSaveFile(const XmlContext *pxc, std::u16string_view path, std::string *psWhy = nullptr);
 
 // A reader over the file, or over a text. Null if the file cannot be read or is larger than any document can be; *psWhy
-// (may be null) then says why, and stays as it is for a file that is simply not there. Anything else gives a context,
+// then says why (null: standard error does), but for a file that is simply not there. Anything else gives a context,
 // if one in which every lookup fails. Free with XmlClose.
 XmlContext *XmlOpenFile(std::u16string_view path, std::string *psWhy = nullptr);
 XmlContext *XmlOpenBytes(std::string_view bytes);
