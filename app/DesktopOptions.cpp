@@ -58,6 +58,7 @@ bool ReadDesktopOptions(int argc, char **argv, DesktopOptions *pdo, std::string 
 std::string DesktopHelp()
 {
     return "vorticade [options] [PRESET]\n"
-           "Shows moving pictures that follow the sound of the machine. PRESET is a preset file to open.\n\n" +
+           "Shows moving pictures that follow the sound of the machine. PRESET is a preset file to open in place\n"
+           "of the last one; a name that is no file is ignored. Settings stand in Globals.XML in the data folder.\n\n" +
            OptionHelp(asOption) + "\nExit status: 0 after a normal end, 1 without a display, 2 wrong command line.\n";
 }

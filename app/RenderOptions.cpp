@@ -160,7 +160,10 @@ bool ReadRenderOptions(int argc, char **argv, RenderOptions *pro, std::string *p
 std::string RenderHelp()
 {
     return "vorticade-render [options] PRESET\n"
-           "Renders a preset to picture files, frame by frame, without a window. PRESET is a preset file, or default\n"
-           "for the built-in one. The same call gives the same bytes.\n\n" +
+           "Renders a preset to picture files, frame by frame, without a window. PRESET is a preset file, by its path "
+           "or by\n"
+           "its name in the Presets folder of --data, or the word default for the built-in one. The same call gives "
+           "the\n"
+           "same bytes.\n\n" +
            OptionHelp(asOption) + "\nExit status: 0 all frames were written, 1 they were not, 2 wrong command line.\n";
 }

@@ -113,7 +113,7 @@ std::string LoadPreset(const RenderOptions &ro)
     const std::u16string name = FromUtf8(ro.preset);
     const PresetRequest request = {name, &report};
     if (!SwitchPreset(MakeStoredPreset, &request))
-        return ro.preset + " cannot be read as a preset";
+        return DescribeFailure(name, report);
     ReportPassedOver(report);
     return {};
 }

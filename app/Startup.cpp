@@ -234,6 +234,10 @@ void StartPreset()
         ReportPassedOver(report);
         return;
     }
+    const bool bFirstStart = report.sFailure.empty() && EqualNoCase(GlobalSettings.Preset, UNTITLED_PRESET);
+    if (!bFirstStart)
+        std::fprintf(stderr, "%s: %s. The default preset takes its place\n", program_invocation_short_name,
+                     DescribeFailure(GlobalSettings.Preset, report).c_str());
     SwitchPreset(MakeDefaultPreset, nullptr);
     CopyText(GlobalSettings.Preset, UNTITLED_PRESET);
 }

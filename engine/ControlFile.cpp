@@ -240,12 +240,13 @@ void WriteSource(XmlContext *pxc, const ControlBase &Base)
         XmlWriteInt(pxc, u"NoisePeriod", Base.nNoisePeriod);
 }
 
-// The control as loading it would give it back: what its source does not use is not stored and stands at its default,
-// floats have six decimals. Written from this, a file that is loaded and saved again stays the same to the byte. What
-// the copy points to is the record's.
+// The control as loading it would give it back: inside its limits, what its source does not use is not stored and
+// stands at its default, floats have six decimals. Written from this, a file that is loaded and saved again stays the
+// same to the byte. What the copy points to is the record's.
 ControlRecord StoredForm(const ControlRecord &Control)
 {
     ControlRecord ctl = Control;
+    ClampControl(&ctl);
     ControlBase &Base = ctl.Base;
     if (Base.dwSource != FLUIDSOURCE_SOUND)
         Base.nSamples = Base.nDefaultSamples;

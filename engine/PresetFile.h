@@ -13,6 +13,7 @@
 
 // What a reader passed over because it could not be used here, one line each for the user, in the order of the file.
 struct PresetReport {
+    std::string sFailure;            // why there is no preset; empty if there is one, or no such file
     std::vector<std::string> asLine; // at most REPORT_LINES_MAX
     u32 nMore;                       // lines beyond them
 };
@@ -65,3 +66,5 @@ u32 ReadControl(XmlContext *pxc, ControlRecord *pctl, u32 bClamp, PresetReport *
 ControlRecord *FindStoredControl(XmlContext *pxc, const ModuleSlot *pms, u32 n);
 
 void AddToReport(PresetReport *pReport, std::string sLine);
+// Why the preset of that name could not be loaded, as one line for the user.
+std::string DescribeFailure(std::u16string_view name, const PresetReport &report);

@@ -192,23 +192,41 @@ void ReadPostProcessing(XmlContext *pxc, PresetState *lppsi, PresetReport *pRepo
     XmlLeaveTag(pxc);
 }
 
+// A file without a header line has its outer tag in the line that is skipped: where its closing tag stands alone, the
+// document itself is the preset.
+bool EnterPreset(XmlContext *pxc, PresetReport *pReport)
+{
+    std::u16string_view behind;
+    if (!XmlEnterTag(pxc, u"Preset"))
+        return XmlReadText(pxc, u"/Preset", &behind);
+    if (pxc->apStart[pxc->nDepth] == pxc->apEnd[pxc->nDepth])
+        AddToReport(pReport, "the whole file: it is empty or cut off, nothing stands between <Preset> and </Preset>");
+    return true;
+}
+
+PresetState *ReadPresetBody(XmlContext *pxc, PresetReport *pReport)
+{
+    PresetState *lppsi = AllocatePresetState();
+    const u32 nPlanes = ReadCount(pxc, u"NumPlanes", PLANES_MAX, pReport);
+    for (u32 i = 0; i < nPlanes; i++)
+        if (!ReadPlane(pxc, lppsi, i, pReport))
+            AddToReport(pReport, "plane " + std::to_string(i + 1) + ": the file counts it and does not have it");
+    ReadMixRules(pxc, lppsi, pReport);
+    SetUpPostProcessing(lppsi);
+    ReadPostProcessing(pxc, lppsi, pReport);
+    return lppsi;
+}
+
 // Takes over the context. Null for a document that is no preset.
 PresetState *ReadPresetDocument(XmlContext *pxc, PresetReport *pReport)
 {
     if (!pxc)
         return nullptr;
     PresetState *lppsi = nullptr;
-    if (XmlEnterTag(pxc, u"Preset")) {
-        lppsi = AllocatePresetState();
-        const u32 nPlanes = ReadCount(pxc, u"NumPlanes", PLANES_MAX, pReport);
-        for (u32 i = 0; i < nPlanes; i++)
-            ReadPlane(pxc, lppsi, i, pReport);
-        ReadMixRules(pxc, lppsi, pReport);
-        SetUpPostProcessing(lppsi);
-        ReadPostProcessing(pxc, lppsi, pReport);
-    } else {
-        AddToReport(pReport, "the file is no preset");
-    }
+    if (EnterPreset(pxc, pReport))
+        lppsi = ReadPresetBody(pxc, pReport);
+    else if (pReport)
+        pReport->sFailure = "no preset stands in it";
     XmlClose(pxc);
     return lppsi;
 }
@@ -219,10 +237,19 @@ void AddToReport(PresetReport *pReport, std::string sLine)
 {
     if (!pReport)
         return;
+    // Names from a file may hold line ends, and sequences that steer a terminal.
+    std::replace_if(
+        sLine.begin(), sLine.end(), [](char ch) { return static_cast<u8>(ch) < 0x20 || ch == 0x7F; }, '?');
     if (pReport->asLine.size() < REPORT_LINES_MAX)
         pReport->asLine.push_back(std::move(sLine));
     else
         pReport->nMore++;
+}
+
+std::string DescribeFailure(std::u16string_view name, const PresetReport &report)
+{
+    return report.sFailure.empty() ? ToUtf8(name) + ": there is no such file, nor one in the preset folder"
+                                   : report.sFailure;
 }
 
 ControlRecord *FindStoredControl(XmlContext *pxc, const ModuleSlot *pms, u32 n)
@@ -246,8 +273,10 @@ ModuleSlot *ReadModule(XmlContext *pxc, PresetState *lppsi, i32 iPlane, u32 iMod
     const bool bEntered = (dwModuleType & MODULE_ENTERED) != 0;
     dwModuleType &= ~MODULE_ENTERED;
     VD_ASSERT(dwModuleType <= MODULEINDEX_NUMINDICIES);
-    if (!bEntered && !XmlEnterTag(pxc, NumberedTag(ModuleKindWord(dwModuleType), iModule)))
+    if (!bEntered && !XmlEnterTag(pxc, NumberedTag(ModuleKindWord(dwModuleType), iModule))) {
+        AddToReport(pReport, ModulePlace(iPlane, iModule, dwModuleType) + ": the file counts it and does not have it");
         return nullptr;
+    }
     ModuleSlot *pms = ReadModuleBody(pxc, lppsi, iPlane, iModule, dwModuleType, pReport);
     if (!bEntered)
         XmlLeaveTag(pxc);
@@ -271,8 +300,19 @@ PresetState *LoadPresetFile(std::u16string_view name, PresetReport *pReport)
 {
     if (name.empty())
         return nullptr;
-    XmlContext *pxc = XmlOpenFile(name);
-    return ReadPresetDocument(pxc ? pxc : XmlOpenFile(JoinPath(FolderPath(PATH_PRESETS), name)), pReport);
+    PresetReport report = {};
+    if (!pReport)
+        pReport = &report;
+    XmlContext *pxc = XmlOpenFile(name, &pReport->sFailure);
+    if (!pxc)
+        pxc = XmlOpenFile(JoinPath(FolderPath(PATH_PRESETS), name), &pReport->sFailure);
+    if (!pxc)
+        return nullptr;
+    pReport->sFailure.clear();
+    PresetState *lppsi = ReadPresetDocument(pxc, pReport);
+    if (!lppsi)
+        pReport->sFailure.insert(0, ToUtf8(name) + ": ");
+    return lppsi;
 }
 
 PresetState *MakeStoredPreset(const void *pvArgument)

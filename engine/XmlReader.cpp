@@ -192,13 +192,17 @@ XmlContext *XmlOpenBytes(std::string_view bytes)
     return bytes.size() > FILE_BYTES_MAX ? nullptr : XmlOpenText(FromUtf8(bytes));
 }
 
-XmlContext *XmlOpenFile(std::u16string_view path)
+XmlContext *XmlOpenFile(std::u16string_view path, std::string *psWhy)
 {
     std::string bytes, sWhy;
-    XmlContext *pxc = ReadWholeFile(path, FILE_BYTES_MAX, &bytes, &sWhy) ? XmlOpenBytes(bytes) : nullptr;
-    if (!pxc && sWhy.empty() && !bytes.empty())
-        sWhy = ToUtf8(path) + ": larger than such a file can be";
-    if (!sWhy.empty())
+    const u32 bRead = ReadWholeFile(path, FILE_BYTES_MAX, &bytes, &sWhy);
+    XmlContext *pxc = bRead ? XmlOpenBytes(bytes) : nullptr;
+    if (bRead && !pxc)
+        sWhy = ToUtf8(path) + ": larger than the " + std::to_string(XML_TEXT_MAX) +
+               " characters that such a file can have";
+    if (!sWhy.empty() && psWhy)
+        *psWhy = sWhy;
+    else if (!sWhy.empty())
         std::fprintf(stderr, "%s\n", sWhy.c_str());
     return pxc;
 }

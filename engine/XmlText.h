@@ -52,9 +52,10 @@ std::u16string_view XmlDocumentText(const XmlContext *pxc);
 // stands as it was and *psWhy (may be null) tells the user why.
 u32 XmlSaveFile(const XmlContext *pxc, std::u16string_view path, std::string *psWhy = nullptr);
 
-// A reader over the file, or over a text. Null if the file cannot be read or is larger than any document can be, which
-// it says on standard error. Anything else gives a context, if one in which every lookup fails. Free with XmlClose.
-XmlContext *XmlOpenFile(std::u16string_view path);
+// A reader over the file, or over a text. Null if the file cannot be read or is larger than any document can be; *psWhy
+// then says why (null: standard error does), but for a file that is simply not there. Anything else gives a context,
+// if one in which every lookup fails. Free with XmlClose.
+XmlContext *XmlOpenFile(std::u16string_view path, std::string *psWhy = nullptr);
 XmlContext *XmlOpenBytes(std::string_view bytes);
 XmlContext *XmlOpenText(std::u16string text);
 // Goes down into the first such tag in the range of the current level, children included. 0, and no change, if there is

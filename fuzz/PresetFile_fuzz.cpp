@@ -20,7 +20,7 @@
 
 namespace {
 
-RecorderTakeFn pfnTake;
+RecorderTakeFn apfnTake[2]; // the logs of both recorders, which would grow and look like leaks
 
 void CheckControl(const ControlRecord &ctl)
 {
@@ -103,7 +103,9 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
     for (const char16_t *pszName : {u"Recorder.dll", u"Idle.dll", u"RecorderColor.dll"})
         VD_ASSERT(LoadModule(FromUtf8(TEST_MODULE_FOLDER) + u"/" + pszName));
     SharedLibrary *pRecorder = FindModuleRecord(u"Recorder.dll")->mf.pLibrary;
-    pfnTake = FindEntryPointAs<RecorderTakeFn>(pRecorder, u"RecorderTake");
+    apfnTake[0] = FindEntryPointAs<RecorderTakeFn>(pRecorder, u"RecorderTake");
+    apfnTake[1] =
+        FindEntryPointAs<RecorderTakeFn>(FindModuleRecord(u"RecorderColor.dll")->mf.pLibrary, u"RecorderTake");
     RecorderBehaviour rb = {};
     rb.nControls = 6;
     for (u32 i = 0; i < rb.nControls; i++)
@@ -125,6 +127,7 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *pData, size_t cb)
             CheckSaving(lppsi);
         DestroyPresetState(lppsi);
     }
-    pfnTake(nullptr, 0);
+    for (RecorderTakeFn pfnTake : apfnTake)
+        pfnTake(nullptr, 0);
     return 0;
 }

@@ -5,11 +5,68 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <malloc.h>
+#include <mutex>
+#include <vector>
 
 namespace {
 
 constexpr i32 BITMAP_SIDE_MAX = 32767;
 constexpr size_t BITS_ALIGNMENT = 64;
+
+// Memory of deleted bitmaps for those to come: fresh memory of this size costs thousands of page faults, which a preset
+// that takes the place of another would pay in the middle of a show.
+constexpr u64 KEPT_BYTES_MIN = 1u << 20;
+constexpr size_t KEPT_MAX = 16;
+
+struct KeptMemory {
+    std::mutex mtx;
+    u64 cbEach = 0; // all of one size, that of the latest
+    std::vector<void *> blocks;
+
+    void Resize(u64 cb)
+    {
+        if (cb == cbEach)
+            return;
+        for (void *pv : blocks)
+            std::free(pv);
+        blocks.clear();
+        cbEach = cb;
+    }
+    ~KeptMemory()
+    {
+        Resize(0);
+    }
+} Kept;
+
+// Null when there is no memory; the contents are undefined.
+void *TakeMemory(u64 cb)
+{
+    if (cb >= KEPT_BYTES_MIN) {
+        const std::lock_guard lock(Kept.mtx);
+        Kept.Resize(cb);
+        if (!Kept.blocks.empty()) {
+            void *pv = Kept.blocks.back();
+            Kept.blocks.pop_back();
+            return pv;
+        }
+    }
+    void *pv = nullptr;
+    return posix_memalign(&pv, BITS_ALIGNMENT, cb) == 0 ? pv : nullptr;
+}
+
+// The size stands in a record that modules can reach: the block itself must confirm it.
+void GiveMemory(void *pv, u64 cb)
+{
+    const std::lock_guard lock(Kept.mtx);
+    const bool bKeep = cb >= KEPT_BYTES_MIN && malloc_usable_size(pv) >= cb;
+    if (bKeep)
+        Kept.Resize(cb);
+    if (bKeep && Kept.blocks.size() < KEPT_MAX)
+        Kept.blocks.push_back(pv);
+    else
+        std::free(pv);
+}
 
 HostBitmap *SelectBitmap(HostContext *hdc, HostBitmap *hbm)
 {
@@ -28,7 +85,8 @@ HostBitmap *CreateBitmap(i32 nWidth, i32 nHeight)
     if (!hbm)
         return nullptr;
     *hbm = {sizeof(HostBitmap), nWidth, nHeight, 32, static_cast<u64>(nWidth) * 4, nullptr};
-    if (posix_memalign(&hbm->pBits, BITS_ALIGNMENT, BitmapBytes(hbm)) != 0) {
+    hbm->pBits = TakeMemory(BitmapBytes(hbm));
+    if (!hbm->pBits) {
         std::free(hbm);
         return nullptr;
     }
@@ -40,7 +98,7 @@ void DeleteBitmap(HostBitmap *hbm)
 {
     if (!hbm)
         return;
-    std::free(hbm->pBits);
+    GiveMemory(hbm->pBits, BitmapBytes(hbm));
     std::free(hbm);
 }
 

@@ -96,6 +96,11 @@ bool FolderExists(std::u16string_view path)
     return StatPath(NativePath(path), &st) && S_ISDIR(st.st_mode);
 }
 
+u32 RenameFile(std::u16string_view from, std::u16string_view to)
+{
+    return std::rename(NativePath(from).c_str(), NativePath(to).c_str()) == 0;
+}
+
 FILE *OpenFile(std::u16string_view path, const char *pszMode)
 {
     return std::fopen(NativePath(path).c_str(), pszMode);

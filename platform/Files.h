@@ -20,6 +20,9 @@ std::string NativePathOfNewFile(std::u16string_view path);
 bool FileExists(std::u16string_view path);
 bool FolderExists(std::u16string_view path);
 
+// Gives the file another name, in place of a file that has it. Non-zero on success.
+u32 RenameFile(std::u16string_view from, std::u16string_view to);
+
 // Opens by native path; null with errno set on failure.
 FILE *OpenFile(std::u16string_view path, const char *pszMode);
 

@@ -2,6 +2,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <cwctype>
 #include <locale.h>
 
@@ -46,6 +47,20 @@ bool DecodeUtf8(std::string_view text, size_t *pi, char32_t *pch)
     return true;
 }
 
+// Length of the plain ASCII at the beginning, eight bytes at a time: files are hardly anything else.
+size_t AsciiRun(std::string_view text)
+{
+    size_t i = 0;
+    for (u64 qw = 0; i + sizeof qw <= text.size(); i += sizeof qw) {
+        std::memcpy(&qw, text.data() + i, sizeof qw);
+        if (qw & 0x8080808080808080u)
+            break;
+    }
+    while (i < text.size() && static_cast<u8>(text[i]) < 0x80)
+        i++;
+    return i;
+}
+
 void AppendUtf8(std::string *ps, char32_t ch)
 {
     const auto add = [&](char32_t b) { ps->push_back(static_cast<char>(b)); };
@@ -86,10 +101,8 @@ u32 CopyText(char16_t *pszTo, u32 cchTo, std::u16string_view text)
     return cch;
 }
 
-char16_t FoldCase(char16_t ch)
+char16_t FoldWideCase(char16_t ch)
 {
-    if (ch < 0x80)
-        return ch >= u'A' && ch <= u'Z' ? static_cast<char16_t>(ch + 32) : ch;
     return static_cast<char16_t>(towlower_l(ch, FoldingLocale()));
 }
 
@@ -132,6 +145,11 @@ std::u16string FromUtf8(std::string_view text)
     std::u16string s;
     s.reserve(text.size());
     for (size_t i = 0; i < text.size();) {
+        const size_t cchAscii = AsciiRun(text.substr(i));
+        s.append(text.data() + i, text.data() + i + cchAscii);
+        i += cchAscii;
+        if (i == text.size())
+            break;
         char32_t ch = 0;
         if (!DecodeUtf8(text, &i, &ch)) {
             const u8 b = static_cast<u8>(text[i++]);

@@ -3,6 +3,7 @@
 
 #include "app/Folders.h"
 #include "app/SettingsTable.h"
+#include "platform/Notices.h"
 #include "platform/Text.h"
 #include "platform/WholeFile.h"
 #include "toolkit/RecorderCombos.h"
@@ -303,7 +304,7 @@ TEST_F(Globals, AnArgumentThatNamesAFileTakesThePlaceOfTheStoredPreset)
     EXPECT_EQ(std::u16string(GlobalSettings.Preset), mine);
 }
 
-TEST_F(Globals, AFileThatIsNoSettingsFileLeavesTheDefaults)
+TEST_F(Globals, AFileThatIsNoSettingsFileLeavesTheDefaultsAndIsKept)
 {
     const GlobalSettingsRecord gs = GlobalSettings;
     for (const char *pszText :
@@ -314,5 +315,16 @@ TEST_F(Globals, AFileThatIsNoSettingsFileLeavesTheDefaults)
         CopyText(GlobalSettings.FrameRecordStop, u"");
         EXPECT_EQ(GlobalSettings.FPSTarget, gs.FPSTarget);
         EXPECT_EQ(std::u16string(GlobalSettings.Preset), gs.Preset);
+        std::string sKept = "?";
+        EXPECT_FALSE(fs::exists(folder / "Globals.XML"));
+        EXPECT_TRUE(ReadWholeFile(FromUtf8((folder / "Globals.XML.unread").string()), 1000, &sKept));
+        EXPECT_EQ(sKept, pszText);
     }
+    fs::create_directory(folder / "Globals.XML");
+    const u32 nNotices = NoticeCount();
+    EXPECT_EQ(ReadGlobals(&GlobalSettings), 0u);
+    EXPECT_EQ(NoticeCount(), nNotices + 1);
+    std::string sWhy;
+    EXPECT_FALSE(WriteGlobals(&GlobalSettings, &sWhy));
+    EXPECT_NE(sWhy.find("Globals.XML"), std::string::npos);
 }

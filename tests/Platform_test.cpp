@@ -484,7 +484,9 @@ TEST(SharedMemory, ABlockOfAnotherSizeIsReportedOrRefused)
 
 TEST(Bitmaps, AreZeroFilledAlignedAndOfTheSizeAsked)
 {
-    for (const auto &[nWidth, nHeight] : {std::pair(1, 1), std::pair(129, 3), std::pair(16384, 1)}) {
+    // A second one of a large size takes the memory of the first, with the pixels in it.
+    for (const auto &[nWidth, nHeight] :
+         {std::pair(1, 1), std::pair(129, 3), std::pair(16384, 1), std::pair(1024, 512), std::pair(1024, 512)}) {
         HostBitmap *hbm = CreateBitmap(nWidth, nHeight);
         ASSERT_NE(hbm, nullptr);
         EXPECT_EQ(hbm->cbSize, 32u);

@@ -265,14 +265,16 @@ TEST_F(PresetFile, ARandomPresetComesBackFieldByFieldAndSavesToTheSameBytes)
 
 TEST_F(PresetFile, AChangeThatTheFormatCannotTellIsNotWritten)
 {
-    BuildWith(2, {CONTROLTYPE_FLOAT});
+    BuildWith(3, {CONTROLTYPE_FLOAT, CONTROLTYPE_FLOAT, CONTROLTYPE_INTEGER});
     MakePreset(1);
     ModuleSlot *pms = Add(MODULEINDEX_DRAWPAINTER);
+    ControlInteger &Int = pms->apControl[2]->Integer;
+    Int.nDefaultValue = Int.nAbsMax;
+    Int.nValue = Int.nAbsMax + 5;         // comes down to the default
     pms->apControl[0]->Base.nSamples = 5; // of a source that is not in use
     pms->apControl[1]->Base.dwSource = FLUIDSOURCE_RANDOM;
     pms->apControl[1]->Float.fMin = 0.000009f; // nearer to its default than the format tells apart
     const std::string sText = TextOf(lppsi);
-    EXPECT_EQ(CountChangedControls(pms), 2);
     EXPECT_NE(sText.find("<NumControls>1</NumControls>"), std::string::npos);
     EXPECT_EQ(sText.find("<Min>"), std::string::npos);
     AddMixRule(lppsi);
@@ -444,8 +446,28 @@ TEST_F(PresetFile, APresetWithoutARuleGetsOneAndAFileThatIsNoneGivesNull)
     EXPECT_TRUE(lppsi->piPostProc.hdc);
     for (const char *pszText : {"", "GIF89a", "<?xml?>\n<Fragment><NumPlanes>1</NumPlanes></Fragment>"}) {
         EXPECT_EQ(Load(pszText), nullptr);
-        EXPECT_EQ(report.asLine.size(), 1u);
+        EXPECT_NE(report.sFailure, "");
     }
+}
+
+TEST_F(PresetFile, ACutOffFileSaysThatNothingIsInIt)
+{
+    BuildWith(6);
+    MakeRandomPreset(true);
+    const std::string sWhole = TextOf(lppsi);
+    Reload(sWhole);
+    EXPECT_TRUE(report.asLine.empty());
+    for (size_t cb = sWhole.find("<Preset>") + 8; cb < sWhole.size() - 3; cb += 97) {
+        Reload(sWhole.substr(0, cb));
+        ASSERT_EQ(report.asLine.size(), 1u);
+        EXPECT_NE(report.asLine[0].find("cut off"), std::string::npos);
+    }
+}
+
+TEST_F(PresetFile, TheOuterTagMayStandInTheLineThatIsSkipped)
+{
+    Reload("<Preset>\n<NumPlanes>1</NumPlanes><Plane0><Indexed>1</Indexed></Plane0></Preset>");
+    EXPECT_EQ(lppsi->nPlanes, 1);
 }
 
 TEST_F(PresetFile, APresetIsFoundByPathAndByNameInThePresetFolder)
