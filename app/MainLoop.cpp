@@ -5,6 +5,7 @@
 #include "app/Startup.h"
 #include "engine/FrameStep.h"
 #include "engine/PresetManager.h"
+#include "output/FrameRecorder.h"
 #include "output/Presenters.h"
 
 #include <algorithm>
@@ -72,6 +73,7 @@ u32 RunAndPresentFrame()
 {
     if (pfnBeforeFrame)
         pfnBeforeFrame(pvBeforeFrame);
+    PaceRecorder();
     PresetState *lppsi = CurrentPreset();
     if (!RunFrameStep(lppsi))
         return 0;

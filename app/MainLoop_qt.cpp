@@ -4,6 +4,7 @@
 #include "app/FramePacer.h"
 #include "app/MainLoop.h"
 #include "platform/Signals.h"
+#include "toolkit/WindowEvents_qt.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -78,6 +79,7 @@ void RequestExit()
 void InstallFrameTimers()
 {
     SetFrameTimerHooks({StartFrameTimer, KillFrameTimer});
+    pfnKeepFrames = KeepFramesDuring;
 }
 
 void KeepFramesDuring(QObject *pDialog)

@@ -16,9 +16,9 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <filesystem>
-#include <memory>
 
 namespace {
 
@@ -26,10 +26,15 @@ constexpr u32 CAPTURE_QUALITY = 90;
 constexpr u32 FRAME_QUALITY = 95;
 constexpr u64 TIME_SCALE_RESTORED_MAX = 99;
 constexpr u32 SAMPLE_NUMBERS = 10000;
+constexpr i64 ROOM_LOOK_MS = 2; // how often a full queue is looked at
 
-NumberPattern Pattern;          // of the recording that runs
-PictureQueue *pQueue = nullptr; // from the first picture to the program's end
-bool bTroubleTold = false;      // of this recording
+NumberPattern Pattern;             // the last one that could be used
+PictureQueue *pQueue = nullptr;    // of the recording that runs, or whose last pictures are on their way
+PictureQueue *pCaptures = nullptr; // from the first capture on
+std::atomic<bool> bDiskFull;       // set by the encoders
+std::string sTrouble;              // first failure of this recording; told once
+HostBitmap LastFrame;              // size of the frame before, without pixels
+i64 nRestEnd = 0;                  // performance count
 
 void ShowStatus(std::u16string_view text)
 {
@@ -42,28 +47,84 @@ std::u16string Number(u64 n)
     return FromUtf8(std::to_string(n));
 }
 
-PictureQueue *Queue()
-{
-    if (!pQueue)
-        pQueue = StartPictureQueue({});
-    return pQueue;
-}
-
 void SetTimeScale(u64 nScale)
 {
     GlobalSettings.TimeScale = static_cast<u32>(nScale);
     SetMonitorTimeScale(GlobalSettings.TimeScale);
 }
 
+// On the encoders' threads.
+void NoteResult(const PictureResult &result, void *)
+{
+    if (!result.bSaved && (result.nError == ENOSPC || result.nError == EDQUOT))
+        bDiskFull = true;
+}
+
+PictureQueue *OpenQueue(u32 nWorkers, PictureDoneFn pfnDone)
+{
+    PictureQueueOptions options = {};
+    options.nWorkers = nWorkers;
+    options.pfnSave = pfnRecorderSave;
+    options.pfnDone = pfnDone;
+    return StartPictureQueue(options);
+}
+
+std::u16string FramePath(u32 nFrame)
+{
+    return JoinPath(WithoutTrailingSeparators(GlobalSettings.FrameRecordFolder), FormatNumberPattern(Pattern, nFrame));
+}
+
+// What keeps a recording from starting; empty: nothing.
+std::string FindObstacle()
+{
+    if (const char *pszWrong = ParseNumberPattern(GlobalSettings.FrameRecordFormat, &Pattern))
+        return pszWrong;
+    if (!CanWritePicture(PictureFormatOf(FramePath(1).c_str())))
+        return "the file name names no picture format that can be written";
+    return {};
+}
+
+// It is the program's own and may be made.
+void MakeScreenShotsFolder()
+{
+    std::error_code failed;
+    std::filesystem::create_directories(NativePath(FolderPath(PATH_SCREENSHOTS)), failed);
+}
+
+void ReportEnd()
+{
+    FinishPictures(pQueue);
+    const PictureReport report = ReadPictureReport(pQueue);
+    std::u16string text = u"Recording complete: " + Number(nRecordFrame - 1) + u" frames.";
+    if (report.nFailed)
+        text += u" " + Number(report.nFailed) + u" failed: " +
+                FromUtf8(PictureFailureText(report.firstFailed, report.nFirstError));
+    StopPictureQueue(pQueue); // its threads and pictures are not kept for hours
+    pQueue = nullptr;
+    ShowStatus(text);
+}
+
+// The last pictures are waited for.
+void Finish()
+{
+    if (pQueue)
+        ReportEnd();
+}
+
 void Start(u32 dwDelayMs, u32 dwSeconds)
 {
-    if (const char *pszWrong = ParseNumberPattern(GlobalSettings.FrameRecordFormat, &Pattern)) {
-        ShowStatus(FromUtf8(std::string("Cannot record: ") + pszWrong));
+    const std::string sObstacle = FindObstacle();
+    if (!sObstacle.empty()) {
+        ShowStatus(FromUtf8("Cannot record: " + sObstacle));
         return;
     }
-    StopPictureQueue(pQueue); // its counts begin anew
-    pQueue = nullptr;
-    bTroubleTold = false;
+    if (std::u16string_view(GlobalSettings.FrameRecordFolder) == FolderPath(PATH_SCREENSHOTS))
+        MakeScreenShotsFolder();
+    Finish();
+    bDiskFull = false;
+    pQueue = OpenQueue(0, NoteResult);
+    sTrouble.clear();
+    LastFrame = {};
     GlobalSettings.bResizePending = GlobalSettings.bRecording = 1;
     ShowStatus(u"Preparing to record...");
     qwSavedTimeScale = GlobalSettings.TimeScale;
@@ -73,28 +134,20 @@ void Start(u32 dwDelayMs, u32 dwSeconds)
     SetTimeScale(RECORD_TIME_SCALE);
 }
 
-std::string FirstFailure(const PictureReport &report)
+bool AllIsWritten()
 {
-    return PictureFailureText(report.firstFailed, report.nFirstError);
+    const PictureReport report = ReadPictureReport(pQueue);
+    return report.nSaved + report.nFailed == report.nSubmitted;
 }
 
-std::u16string EndReport()
-{
-    std::u16string text = u"Recording complete: " + Number(nRecordFrame - 1) + u" frames.";
-    const PictureReport report = pQueue ? ReadPictureReport(pQueue) : PictureReport{};
-    if (report.nFailed)
-        text += u" " + Number(report.nFailed) + u" failed: " + FromUtf8(FirstFailure(report));
-    return text;
-}
-
+// The report follows when the last picture is written.
 void Stop()
 {
     GlobalSettings.bResizePending = 1;
     GlobalSettings.bRecording = 0;
     HoldFrames(0);
-    if (pQueue)
-        FinishPictures(pQueue);
-    ShowStatus(EndReport());
+    if (AllIsWritten())
+        ReportEnd();
     if (qwSavedTimeScale >= 1 && qwSavedTimeScale <= TIME_SCALE_RESTORED_MAX)
         SetTimeScale(qwSavedTimeScale);
     nRecordLimit = 0;
@@ -110,49 +163,56 @@ std::u16string Base36(u64 n)
     return digits;
 }
 
-// The folder is the program's own: it may be made. A capture is encoded beside the show, like a frame.
+// A capture is encoded beside the show, like a frame.
 void Capture(const HostBitmap *hbm)
 {
-    std::error_code failed;
-    std::filesystem::create_directories(NativePath(FolderPath(PATH_SCREENSHOTS)), failed);
-    SubmitPicture(Queue(), hbm, CapturePath(TickCount()), CAPTURE_QUALITY);
+    MakeScreenShotsFolder();
+    if (!pCaptures)
+        pCaptures = OpenQueue(1, nullptr);
+    SubmitPicture(pCaptures, hbm, CapturePath(TickCount()), CAPTURE_QUALITY);
 }
 
-bool IsRecordingSize(const HostBitmap *hbm)
+// The first frame after the bitmaps were made anew may be an empty one.
+bool IsSettled(const HostBitmap *hbm)
 {
-    return hbm->nWidth == GlobalSettings.FrameRecordWidth && hbm->nHeight == GlobalSettings.FrameRecordHeight;
+    const bool bSettled = hbm->nWidth == LastFrame.nWidth && hbm->nHeight == LastFrame.nHeight;
+    LastFrame = *hbm;
+    LastFrame.pBits = nullptr;
+    return bSettled && hbm->nWidth == GlobalSettings.FrameRecordWidth &&
+           hbm->nHeight == GlobalSettings.FrameRecordHeight;
 }
 
 // The rest is a time without frames in which the window goes on to live.
 void Rest()
 {
     const i64 nCounts = GlobalSettings.FrameRecordDelay * (PerfFrequency() / 1000);
-    HoldFrames(nCounts ? PerfCounter() + nCounts : 0);
+    nRestEnd = nCounts ? PerfCounter() + nCounts : 0;
+    HoldFrames(nRestEnd);
 }
 
 std::u16string Progress()
 {
-    const std::u16string text = u"Recording frame " + Number(nRecordFrame);
-    return nRecordLimit == RECORD_LIMIT_ENDLESS ? text + u" (manual stop)" : text + u" of " + Number(nRecordLimit);
+    std::u16string text = u"Recording frame " + Number(nRecordFrame);
+    text += nRecordLimit == RECORD_LIMIT_ENDLESS ? u" (manual stop)" : u" of " + Number(nRecordLimit);
+    return sTrouble.empty() ? text : text + u" - " + FromUtf8(sTrouble);
 }
 
-// Pictures of the show or of a recording that could not be written are told once. True: no more will be.
-bool DiskIsFull()
+void NoticeTrouble()
 {
-    if (!pQueue)
-        return false;
     const PictureReport report = ReadPictureReport(pQueue);
-    if (report.nFailed && !bTroubleTold) {
-        AddNotice(FirstFailure(report));
-        bTroubleTold = true;
-    }
-    return report.nFailed && (report.nFirstError == ENOSPC || report.nFirstError == EDQUOT);
+    if (!report.nFailed || !sTrouble.empty())
+        return;
+    sTrouble = PictureFailureText(report.firstFailed, report.nFirstError);
+    AddNotice(sTrouble);
 }
 
+// The dialog may have stored another pattern meanwhile.
 void RecordFrame(const HostBitmap *hbm)
 {
-    const std::u16string folder(WithoutTrailingSeparators(GlobalSettings.FrameRecordFolder));
-    SubmitPicture(Queue(), hbm, JoinPath(folder, FormatNumberPattern(Pattern, nRecordFrame)), FRAME_QUALITY);
+    NumberPattern pattern;
+    if (!ParseNumberPattern(GlobalSettings.FrameRecordFormat, &pattern))
+        Pattern = pattern;
+    SubmitPicture(pQueue, hbm, FramePath(nRecordFrame), FRAME_QUALITY);
     nRecordFrame++;
     Rest();
     if (nRecordFrame <= nRecordLimit)
@@ -168,6 +228,7 @@ u32 nRecordFrame = 1;
 u32 nRecordLimit = 0;
 u64 qwSavedTimeScale = 1;
 void (*pfnRecorderStatus)(const char16_t *pszText) = nullptr;
+SavePictureFn pfnRecorderSave = nullptr;
 
 void ToggleFrameRecorder(u32 dwDelayMs, u32 dwSeconds)
 {
@@ -181,48 +242,56 @@ void FinishFrameRecorder()
 {
     if (GlobalSettings.bRecording)
         Stop();
-    StopPictureQueue(pQueue);
-    pQueue = nullptr;
+    Finish();
+    StopPictureQueue(pCaptures);
+    pCaptures = nullptr;
+}
+
+void PaceRecorder()
+{
+    if (!pQueue)
+        return;
+    if (!GlobalSettings.bRecording) {
+        if (AllIsWritten())
+            ReportEnd();
+    } else if (LastFrame.nHeight && !PictureQueueHasRoom(pQueue, &LastFrame)) {
+        HoldFrames(std::max(nRestEnd, PerfCounter() + ROOM_LOOK_MS * (PerfFrequency() / 1000)));
+    }
 }
 
 u32 RecordStep(const HostBitmap *hbm, void *)
 {
-    const bool bFull = DiskIsFull();
     if (bCaptureRequested) {
         bCaptureRequested = 0;
         Capture(hbm);
     }
+    const bool bSettled = IsSettled(hbm);
     if (!GlobalSettings.bRecording)
         return 0;
-    if (bFull)
+    NoticeTrouble();
+    if (bDiskFull)
         Stop();
-    else if (TickCount() >= qwRecordStartTick && IsRecordingSize(hbm))
+    else if (bSettled && TickCount() >= qwRecordStartTick)
         RecordFrame(hbm);
     return 0;
 }
 
 u32 CheckFramePath(std::u16string_view folder, std::u16string_view format, std::u16string *pText)
 {
-    constexpr const char16_t *TOO_LONG = u"The resulting path is too long.";
-    const auto isTooLong = [](std::u16string_view path) { return path.size() >= NAME_CHARS; };
     NumberPattern pattern;
     const char *pszWrong = ParseNumberPattern(format, &pattern);
     const std::u16string root(WithoutTrailingSeparators(folder));
-    if (isTooLong(JoinPath(root, format)))
-        *pText = TOO_LONG;
+    const std::u16string sample =
+        pszWrong ? std::u16string() : JoinPath(root, FormatNumberPattern(pattern, RandomWord() % SAMPLE_NUMBERS));
+    if (JoinPath(root, format).size() >= NAME_CHARS || sample.size() >= NAME_CHARS)
+        *pText = u"The resulting path is too long.";
     else if (pszWrong)
         *pText = FromUtf8(pszWrong);
     else if (!pattern.bHasNumber)
         *pText = u"The filename format doesn't contain a frame number format specifier (eg. %05d).";
     else
-        *pText = JoinPath(root, FormatNumberPattern(pattern, RandomWord() % SAMPLE_NUMBERS));
-    if (pszWrong || !pattern.bHasNumber || *pText == TOO_LONG)
-        return 0;
-    if (isTooLong(*pText)) {
-        *pText = TOO_LONG;
-        return 0;
-    }
-    return 1;
+        *pText = sample;
+    return !sample.empty() && *pText == sample;
 }
 
 std::u16string CapturePath(u64 qwTick)

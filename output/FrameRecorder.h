@@ -2,6 +2,7 @@
 #pragma once
 
 #include "include/hosttypes.h"
+#include "output/PictureQueue.h"
 #include "platform/BaseTypes.h"
 
 #include <string>
@@ -20,12 +21,17 @@ extern u64 qwSavedTimeScale;  // the time scale before the recording
 
 // Where the recorder tells how it goes; the text is valid during the call. Null: nobody listens.
 extern void (*pfnRecorderStatus)(const char16_t *pszText);
+// Saves the pictures of the next recording; null: SavePicture. For tests.
+extern SavePictureFn pfnRecorderSave;
 
 // Starts a recording of so many seconds that begins after the delay, or stops the one that runs. A name pattern that
 // cannot be used is told in the status, and nothing starts.
 void ToggleFrameRecorder(u32 dwDelayMs, u32 dwSeconds);
 // Stops a recording that runs and waits for the last pictures. For the program's end.
 void FinishFrameRecorder();
+// Before every turn of the main loop: keeps the next frame back while the encoders have no room for it, and reports the
+// end of a recording when its last picture is written.
+void PaceRecorder();
 // Serves a requested screen capture and a running recording with a finished frame. A presenter.
 u32 RecordStep(const HostBitmap *hbm, void *pvContext = nullptr);
 

@@ -6,6 +6,7 @@
 
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
@@ -75,6 +76,15 @@ NativeNews ReadNativeEvent(const QByteArray &type, const void *pMessage, u64 qwW
         break;
     }
     return news;
+}
+
+u32 BitsPerPixel(int nDepth)
+{
+    if (xcb_connection_t *pConnection = Connection())
+        for (auto it = xcb_setup_pixmap_formats_iterator(xcb_get_setup(pConnection)); it.rem; xcb_format_next(&it))
+            if (it.data->depth == nDepth)
+                return it.data->bits_per_pixel;
+    return nDepth > 16 ? 32 : nDepth > 8 ? 16 : static_cast<u32>(std::max(nDepth, 1));
 }
 
 // The toolkit's own choice of events stays.

@@ -18,6 +18,8 @@ struct NativeNews {
 
 // Reads one event that came for the window with that id. Nothing on other systems than X11.
 NativeNews ReadNativeEvent(const QByteArray &type, const void *pMessage, u64 qwWindow);
+// Bits of a pixel in memory on screens of that colour depth.
+u32 BitsPerPixel(int nDepth);
 // Asks for notices when the window is covered and uncovered. Needs its native window.
 void WatchVisibility(QWidget *pWindow);
 // Sets the client area to exactly so many device pixels; false where only the toolkit can do it.

@@ -98,10 +98,19 @@ QSizeF LaidOutSize(QTextDocument *pDocument, qreal fWidth)
     return {pDocument->idealWidth(), pDocument->size().height()};
 }
 
+// Where an overlay's text stands in it.
+QRectF RoomOf(const OverlayRect &rect)
+{
+    return QRectF(0, 0, rect.nWidth, rect.nHeight)
+        .adjusted(OVERLAY_MARGIN_X, OVERLAY_MARGIN_Y, -OVERLAY_MARGIN_X, -OVERLAY_MARGIN_Y);
+}
+
 // Lays the text out for the room that it has, and says by how much it must shrink: where the rows break otherwise
 // than they were measured, all of the text is worth more than the size of its letters.
 qreal FitDocument(QTextDocument *pDocument, const QSizeF &room)
 {
+    if (room.isEmpty())
+        return 1;
     SetTabs(pDocument, TAB_PIXELS);
     if (LaidOutSize(pDocument, room.width()).height() <= room.height())
         return 1;
@@ -146,18 +155,27 @@ struct Made {
     bool operator==(const Made &) const = default;
 };
 
+Made MadeNow(const VWWindowParms &vw, qreal fScale)
+{
+    return {vw.nVersion,
+            vw.rect.nWidth,
+            vw.rect.nHeight,
+            UIColorTable[UICOLOR_WINDOW_TEXT].dwColor,
+            UIColorTable[UICOLOR_WINDOW_BACKGROUND].dwColor,
+            fScale};
+}
+
 // What was blended last.
 struct Blended {
     bool bSeen;
-    u32 nVersion;
     i32 x, y;
+    Made made;
     bool operator==(const Blended &) const = default;
 };
 
-Blended BlendedNow(const VWWindowParms &vw)
+Blended BlendedNow(const VWWindowParms &vw, qreal fScale)
 {
-    const bool bSeen = IsSeen(vw);
-    return {bSeen, bSeen ? vw.nVersion : 0, bSeen ? vw.rect.x : 0, bSeen ? vw.rect.y : 0};
+    return IsSeen(vw) ? Blended{true, vw.rect.x, vw.rect.y, MadeNow(vw, fScale)} : Blended{};
 }
 
 } // namespace
@@ -169,6 +187,7 @@ struct OverlayPainter::Kept {
     Made made = {};
     qreal fShrunk = 1;
     bool bKeyed = false;
+    bool bMeasured = false; // the document is laid out for its size, not for the picture
     Blended blended = {};
 };
 
@@ -194,15 +213,14 @@ void OverlayPainter::Measure(void *pvContext, u32 iOverlay, i32 nWrapWidth, i32 
     const QSizeF size = LaidOutSize(&kept.document, nWrapWidth);
     *pnWidth = qCeil(size.width());
     *pnHeight = qCeil(size.height());
-    kept.made = {}; // the picture's layout is gone
+    kept.bMeasured = true;
 }
 
 void OverlayPainter::DrawPicture(u32 iOverlay, qreal fScale)
 {
     const OverlayRect &rect = asOverlay[iOverlay].rect;
     Kept &kept = DocumentOf(iOverlay);
-    const QRectF room = QRectF(0, 0, rect.nWidth, rect.nHeight)
-                            .adjusted(OVERLAY_MARGIN_X, OVERLAY_MARGIN_Y, -OVERLAY_MARGIN_X, -OVERLAY_MARGIN_Y);
+    const QRectF room = RoomOf(rect);
     kept.picture = QImage((QSizeF(rect.nWidth, rect.nHeight) * fScale).toSize(), QImage::Format_RGB32);
     QPainter painter(&kept.picture);
     painter.drawImage(kept.picture.rect(), DrawFrame(rect, Texture));
@@ -210,7 +228,7 @@ void OverlayPainter::DrawPicture(u32 iOverlay, qreal fScale)
     painter.fillRect(room, ColorOf(UIColorTable[UICOLOR_WINDOW_BACKGROUND].dwColor));
     painter.setClipRect(room);
     painter.translate(room.topLeft());
-    kept.fShrunk = room.isEmpty() ? 1 : FitDocument(&kept.document, room.size());
+    kept.fShrunk = FitDocument(&kept.document, room.size());
     painter.scale(kept.fShrunk, kept.fShrunk);
     QAbstractTextDocumentLayout::PaintContext context;
     context.palette.setColor(QPalette::Text, ColorOf(UIColorTable[UICOLOR_WINDOW_TEXT].dwColor));
@@ -220,23 +238,31 @@ void OverlayPainter::DrawPicture(u32 iOverlay, qreal fScale)
                                          static_cast<u64>(kept.picture.sizeInBytes()) / 4, OVERLAY_ALPHA);
 }
 
+void OverlayPainter::Prepare(qreal fScale)
+{
+    for (u32 i = 0; i < OVERLAYS; i++) {
+        Kept &kept = aKept[i];
+        const Made made = MadeNow(asOverlay[i], fScale);
+        if (!IsSeen(asOverlay[i]))
+            continue;
+        if (!(made == kept.made))
+            DrawPicture(i, fScale);
+        else if (kept.bMeasured)
+            kept.fShrunk = FitDocument(&kept.document, RoomOf(asOverlay[i].rect).size());
+        kept.made = made;
+        kept.bMeasured = false;
+    }
+}
+
 void OverlayPainter::Paint(const StretchTarget &target, qreal fScale)
 {
+    Prepare(fScale);
     for (u32 i = 0; i < OVERLAYS; i++) {
         const VWWindowParms &vw = asOverlay[i];
         Kept &kept = aKept[i];
-        kept.blended = BlendedNow(vw);
-        if (!IsSeen(vw))
+        kept.blended = BlendedNow(vw, fScale);
+        if (!kept.blended.bSeen)
             continue;
-        const Made made = {vw.nVersion,
-                           vw.rect.nWidth,
-                           vw.rect.nHeight,
-                           UIColorTable[UICOLOR_WINDOW_TEXT].dwColor,
-                           UIColorTable[UICOLOR_WINDOW_BACKGROUND].dwColor,
-                           fScale};
-        if (!(made == kept.made))
-            DrawPicture(i, fScale);
-        kept.made = made;
         const TranslucentPicture picture = {
             reinterpret_cast<const u32 *>(kept.picture.constBits()), kept.picture.width(), kept.picture.height(),
             static_cast<u64>(kept.picture.bytesPerLine()),           OVERLAY_ALPHA,        kept.bKeyed};
@@ -244,10 +270,10 @@ void OverlayPainter::Paint(const StretchTarget &target, qreal fScale)
     }
 }
 
-bool OverlayPainter::IsOutOfDate() const
+bool OverlayPainter::IsOutOfDate(qreal fScale) const
 {
     for (u32 i = 0; i < OVERLAYS; i++)
-        if (!(aKept[i].blended == BlendedNow(asOverlay[i])))
+        if (!(aKept[i].blended == BlendedNow(asOverlay[i], fScale)))
             return true;
     return false;
 }

@@ -18,10 +18,12 @@ class OverlayPainter {
     ~OverlayPainter();
     // The host's measure, see OverlayHost; pvContext is the painter.
     static void Measure(void *pvContext, u32 iOverlay, i32 nWrapWidth, i32 *pnWidth, i32 *pnHeight);
+    // Makes the pictures of all that are shown, where they are not those of the moment.
+    void Prepare(qreal fScale);
     // Blends all that are shown over the target, whose pixels are those of the screen.
     void Paint(const StretchTarget &target, qreal fScale);
     // Whether what is shown differs from what Paint blended last.
-    bool IsOutOfDate() const;
+    bool IsOutOfDate(qreal fScale) const;
     // The overlay that is shown there, in the toolkit's pixels; OVERLAYS: none.
     static u32 OverlayAt(const QPointF &place);
     // Target of the link there; empty: none.

@@ -62,7 +62,7 @@ void SetPlainText(u32 iOverlay, std::u16string_view text)
 
 template <typename... Args> std::u16string Format(const char *pszFormat, Args... args)
 {
-    char sz[512];
+    char sz[2048]; // more than the longest names of hardware together
     std::snprintf(sz, sizeof sz, pszFormat, args...);
     return FromUtf8(sz);
 }

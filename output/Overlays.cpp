@@ -25,6 +25,36 @@ constexpr struct {
 };
 // clang-format on
 
+// Place of an anchor in halves of the room that is left.
+struct AnchorRow {
+    u32 dwAnchor;
+    i32 nRight, nDown;
+};
+constexpr AnchorRow asAnchor[] = {
+    {ANCHOR_TOP_LEFT, 0, 0},  {ANCHOR_BOTTOM_LEFT, 0, 2},   {ANCHOR_TOP_CENTER, 1, 0},   {ANCHOR_CENTER, 1, 1},
+    {ANCHOR_TOP_RIGHT, 2, 0}, {ANCHOR_BOTTOM_CENTER, 1, 2}, {ANCHOR_BOTTOM_RIGHT, 2, 2},
+};
+
+struct OverlaySize {
+    i32 nWidth, nHeight;
+};
+
+// A narrow text gets more room, a wide one as much area in the window's width; what is too high is not shown.
+OverlaySize SizeOverlay(const OverlayHost &host, i32 nTextWidth, i32 nTextHeight)
+{
+    const i32 W = host.nWidth;
+    i64 w = nTextWidth, h = static_cast<i64>(nTextHeight) + 2 * OVERLAY_MARGIN_Y;
+    if (w > W) {
+        h = h * w / std::max(W, 1);
+        w = W;
+    } else if (w < W / 3) {
+        w = std::min<i64>(W / 3, w + NARROW_EXTRA);
+    }
+    if (h > host.nHeight)
+        return {0, 0};
+    return {static_cast<i32>(w), static_cast<i32>(h)};
+}
+
 void Hide(VWWindowParms *pvw)
 {
     pvw->bRelayout = pvw->bShown = 0;
@@ -94,35 +124,10 @@ void ToggleOverlay(u32 iOverlay)
 OverlayRect LayOutOverlay(const OverlayHost &host, u32 dwAnchor, i32 nTextWidth, i32 nTextHeight,
                           const OverlayRect &before)
 {
-    const i32 W = host.nWidth, H = host.nHeight;
-    i64 w = nTextWidth, h = static_cast<i64>(nTextHeight) + 2 * OVERLAY_MARGIN_Y;
-    if (w <= W) {
-        if (w < W / 3)
-            w = std::min<i64>(W / 3, w + NARROW_EXTRA);
-    } else {
-        h = h * w / std::max(W, 1);
-        w = W;
-    }
-    if (h > H)
-        w = h = 0;
-    OverlayRect rect = {before.x, before.y, static_cast<i32>(w), static_cast<i32>(h)};
-    const i32 xRight = W - rect.nWidth, yBottom = H - rect.nHeight;
-    switch (dwAnchor) {
-    case ANCHOR_TOP_LEFT:
-        return {0, 0, rect.nWidth, rect.nHeight};
-    case ANCHOR_BOTTOM_LEFT:
-        return {0, yBottom, rect.nWidth, rect.nHeight};
-    case ANCHOR_TOP_CENTER:
-        return {xRight / 2, 0, rect.nWidth, rect.nHeight};
-    case ANCHOR_CENTER:
-        return {xRight / 2, yBottom / 2, rect.nWidth, rect.nHeight};
-    case ANCHOR_BOTTOM_CENTER:
-        return {xRight / 2, yBottom, rect.nWidth, rect.nHeight};
-    case ANCHOR_TOP_RIGHT:
-        return {xRight, 0, rect.nWidth, rect.nHeight};
-    case ANCHOR_BOTTOM_RIGHT:
-        return {xRight, yBottom, rect.nWidth, rect.nHeight};
-    default:
-        return rect;
-    }
+    const OverlaySize size = SizeOverlay(host, nTextWidth, nTextHeight);
+    const i32 xRight = host.nWidth - size.nWidth, yBottom = host.nHeight - size.nHeight;
+    for (const AnchorRow &row : asAnchor)
+        if (row.dwAnchor == dwAnchor)
+            return {xRight * row.nRight / 2, yBottom * row.nDown / 2, size.nWidth, size.nHeight};
+    return {before.x, before.y, size.nWidth, size.nHeight};
 }

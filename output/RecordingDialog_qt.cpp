@@ -3,6 +3,8 @@
 
 #include "output/FrameRecorder.h"
 #include "output/RecordingSettings.h"
+#include "platform/Files.h"
+#include "toolkit/WindowEvents_qt.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -91,6 +93,7 @@ QGroupBox *MakeKeystrokeGroup()
 
 RecordingDialog::RecordingDialog(QWidget *pParent) : QDialog(pParent)
 {
+    KeepFramesUnder(this);
     setWindowTitle(QStringLiteral("Recording Settings"));
     setAttribute(Qt::WA_DeleteOnClose);
     pKeystrokes = new QRadioButton(QStringLiteral("Record animations using 3rd Party Screen Recorder"));
@@ -245,7 +248,7 @@ void RecordingDialog::ShowTrouble()
 {
     const RecordingChoice choice = Choice();
     pTrouble->setText(QString::fromStdU16String(DescribeRecordingTrouble(choice)));
-    pCreate->setVisible(!choice.folder.empty() && !QDir(pFolder->text()).exists());
+    pCreate->setVisible(!choice.folder.empty() && !FolderExists(choice.folder));
 }
 
 void RecordingDialog::PickFolder()
@@ -253,6 +256,7 @@ void RecordingDialog::PickFolder()
     auto *pPicker = new QFileDialog(this, QStringLiteral("Select the folder where you want to save the frame files."),
                                     pFolder->text());
     pPicker->setAttribute(Qt::WA_DeleteOnClose);
+    KeepFramesUnder(pPicker);
     pPicker->setFileMode(QFileDialog::Directory);
     pPicker->setOption(QFileDialog::ShowDirsOnly);
     connect(pPicker, &QFileDialog::fileSelected, this, [this](const QString &path) {
@@ -264,10 +268,10 @@ void RecordingDialog::PickFolder()
 
 void RecordingDialog::CreateFolder()
 {
-    if (!QDir().mkpath(pFolder->text()))
-        pTrouble->setText(QStringLiteral("The folder cannot be created there."));
-    else
+    if (CreateFrameFolder(Choice().folder))
         ShowCheck();
+    else
+        pTrouble->setText(QStringLiteral("The folder cannot be created there."));
 }
 
 void RecordingDialog::Store()

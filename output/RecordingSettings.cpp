@@ -7,6 +7,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace {
 
@@ -39,15 +40,19 @@ RecordingChoice CurrentRecordingChoice()
             gs.FrameRecordFormat};
 }
 
+// Bitmaps are made anew, which resets every module, only where their size is another one.
 void StoreRecordingChoice(const RecordingChoice &choice)
 {
+    const RecordingChoice before = CurrentRecordingChoice();
     GlobalSettings.FrameRecordMethod = std::clamp(choice.nMethod, RECORD_METHOD_KEYSTROKES, RECORD_METHOD_FRAMES);
     GlobalSettings.FrameRecordWidth = std::clamp(choice.nWidth, RECORD_SIDE_MIN, RECORD_SIDE_MAX);
     GlobalSettings.FrameRecordHeight = std::clamp(choice.nHeight, RECORD_SIDE_MIN, RECORD_SIDE_MAX);
     CopyText(GlobalSettings.FrameRecordFolder, choice.folder);
     CopyText(GlobalSettings.FrameRecordFormat, choice.format);
     StoreRecordingDelay(choice.nDelayMs);
-    if (GlobalSettings.bRecording)
+    const bool bSameSize =
+        before.nWidth == GlobalSettings.FrameRecordWidth && before.nHeight == GlobalSettings.FrameRecordHeight;
+    if (GlobalSettings.bRecording && !bSameSize)
         GlobalSettings.bResizePending = 1;
 }
 
@@ -63,4 +68,11 @@ std::u16string DescribeRecordingTrouble(const RecordingChoice &choice)
     if (!CanWritePicture(PictureFormatOf(JoinPath(choice.folder, choice.format).c_str())))
         return u"The filename names no picture format (.jpg, .png, .gif, .tif, .ppm or .bmp).";
     return {};
+}
+
+u32 CreateFrameFolder(std::u16string_view folder)
+{
+    std::error_code failed;
+    std::filesystem::create_directories(NativePath(folder), failed);
+    return FolderExists(folder);
 }

@@ -5,6 +5,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 
 constexpr i32 RECORD_METHOD_KEYSTROKES = 0; // an external screen recorder
 constexpr i32 RECORD_METHOD_FRAMES = 1;     // the program's own frame recorder
@@ -33,3 +34,5 @@ void StoreRecordingChoice(const RecordingChoice &choice);
 void StoreRecordingDelay(i32 nDelayMs);
 // What stands in the way of a recording into that folder beside the name pattern; empty: nothing.
 std::u16string DescribeRecordingTrouble(const RecordingChoice &choice);
+// Makes the folder and those above it. Non-zero when it is there.
+u32 CreateFrameFolder(std::u16string_view folder);

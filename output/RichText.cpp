@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 
 namespace {
 
@@ -57,9 +58,11 @@ bool IsDigit(char16_t ch)
 
 bool SameLook(const RichRun &a, const RichRun &b)
 {
-    RichRun bare = a;
-    bare.text = b.text;
-    return bare == b;
+    const auto look = [](const RichRun &r) {
+        return std::tie(r.link, r.nHalfPoints, r.dwColor, r.dwBack, r.bColor, r.bBack, r.bBold, r.bItalic,
+                        r.bUnderline);
+    };
+    return look(a) == look(b);
 }
 
 // Control characters and those that text layouts keep for themselves are no text.
@@ -204,7 +207,7 @@ constexpr WordRow asWord[] = {
     {u"qc", [](RichReader *prr, const Word &) { prr->doc.back().eAlign = RichAlign::Center; }},
     {u"qr", [](RichReader *prr, const Word &) { prr->doc.back().eAlign = RichAlign::Right; }},
     {u"u", ReadUnicode},
-    {u"uc", [](RichReader *prr, const Word &w) { prr->now.nUnicodeSkip = static_cast<u32>(std::clamp(w.nValue, 0, 16)); }},
+    {u"uc", [](RichReader *prr, const Word &w) { prr->now.nUnicodeSkip = w.bValue ? static_cast<u32>(std::clamp(w.nValue, 0, 16)) : 1; }},
     {u"red", [](RichReader *prr, const Word &w) { SetColorPart(prr, w.nValue, 0); }},
     {u"green", [](RichReader *prr, const Word &w) { SetColorPart(prr, w.nValue, 8); }},
     {u"blue", [](RichReader *prr, const Word &w) { SetColorPart(prr, w.nValue, 16); }},

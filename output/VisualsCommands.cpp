@@ -7,6 +7,7 @@
 #include "output/RecordingSettings.h"
 
 #include <algorithm>
+#include <bitset>
 
 namespace {
 
@@ -113,7 +114,7 @@ void SetClientSize(u32 iRow)
         Hooks.pfnSetClientSize(Hooks.pvWindow, asSize[iRow].nWidth, asSize[iRow].nHeight);
 }
 
-void ToggleTopmost()
+void ToggleTopmost(u32)
 {
     bAlwaysOnTop = !bAlwaysOnTop;
     if (Hooks.pfnSetTopmost)
@@ -133,16 +134,50 @@ void ChangeRate(i32 nBy)
     GlobalSettings.FPSTarget = std::clamp(GlobalSettings.FPSTarget + nBy, RATE_MIN, RATE_MAX);
 }
 
-void OpenRecordingOptions()
+void OpenRecordingOptions(u32)
 {
     if (Hooks.pfnRecordingOptions)
         Hooks.pfnRecordingOptions(Hooks.pvWindow);
 }
 
-void Close()
+struct CommandRow {
+    VisualsCommand eCommand;
+    void (*pfnRun)(u32 dwArgument);
+};
+
+// clang-format off
+constexpr CommandRow asCommand[] = {
+    {FullScreenOn, [](u32) { SetFullScreen(1); }},
+    {FullScreenOff, [](u32) { SetFullScreen(0); }},
+    {ToggleFullScreen, [](u32) { SetFullScreen(!bFullScreen); }},
+    {ClientSize, SetClientSize},
+    {AlwaysOnTop, ToggleTopmost},
+    {VisualsCommand::ToggleOverlay, ::ToggleOverlay},
+    {ScreenCapture, [](u32) { bCaptureRequested = 1; }},
+    {RecordSeconds, [](u32 dwSeconds) { ToggleFrameRecorder(RECORD_DELAY_MS, dwSeconds); }},
+    {RecordingOptions, OpenRecordingOptions},
+    {FrameThicker, [](u32) { ChangeThickness(1); }},
+    {FrameThinner, [](u32) { ChangeThickness(-1); }},
+    {RaiseRate, [](u32) { ChangeRate(1); }},
+    {LowerRate, [](u32) { ChangeRate(-1); }},
+    {NextPreset, [](u32) { bNextPending = 1; }},
+    {PreviousPreset, [](u32) { bPrevPending = 1; }},
+    {StartAutoplay, [](u32) { bStartPending = 1; }},
+    {Favor, [](u32) { bFavorPending = 1; }},
+    {Exit, [](u32) { CloseVisualsWindow(); }},
+};
+// clang-format on
+
+std::bitset<256> abKeyDown; // keys whose press was seen here
+
+// Notes a press; of a release, says whether its press was seen.
+bool KeyCounts(const KeyEvent &event)
 {
-    if (Hooks.pfnClose)
-        Hooks.pfnClose(Hooks.pvWindow);
+    if (event.dwKey >= abKeyDown.size() || event.bRepeat)
+        return event.bRepeat && !event.bUp;
+    const bool bWasDown = abKeyDown[event.dwKey];
+    abKeyDown[event.dwKey] = !event.bUp && !event.bSystem;
+    return !event.bUp || bWasDown;
 }
 
 } // namespace
@@ -188,64 +223,34 @@ void SetVisualsWindowHooks(const VisualsWindowHooks &hooks)
 
 void RunVisualsCommand(VisualsCommand eCommand, u32 dwArgument)
 {
-    switch (eCommand) {
-    case FullScreenOn:
-        return SetFullScreen(1);
-    case FullScreenOff:
-        return SetFullScreen(0);
-    case ToggleFullScreen:
-        return SetFullScreen(!bFullScreen);
-    case ClientSize:
-        return SetClientSize(dwArgument);
-    case AlwaysOnTop:
-        return ToggleTopmost();
-    case VisualsCommand::ToggleOverlay:
-        return ::ToggleOverlay(dwArgument);
-    case ScreenCapture:
-        bCaptureRequested = 1;
-        return;
-    case FrameThicker:
-        return ChangeThickness(1);
-    case FrameThinner:
-        return ChangeThickness(-1);
-    case RaiseRate:
-        return ChangeRate(1);
-    case LowerRate:
-        return ChangeRate(-1);
-    case NextPreset:
-        bNextPending = 1;
-        return;
-    case PreviousPreset:
-        bPrevPending = 1;
-        return;
-    case StartAutoplay:
-        bStartPending = 1;
-        return;
-    case Favor:
-        bFavorPending = 1;
-        return;
-    case Exit:
-        return Close();
-    case RecordSeconds:
-        return ToggleFrameRecorder(RECORD_DELAY_MS, dwArgument);
-    case RecordingOptions:
-        return OpenRecordingOptions();
-    case None:
-        return;
-    }
+    for (const CommandRow &row : asCommand)
+        if (row.eCommand == eCommand)
+            row.pfnRun(dwArgument);
 }
 
 bool HandleVisualsKey(const KeyEvent &event)
 {
+    const bool bCounts = KeyCounts(event);
     if (event.bSystem)
         return true;
     for (const KeyRow &row : asKey)
         if (row.dwKey == event.dwKey && row.bUp == event.bUp) {
-            if (!event.bRepeat || row.bRepeats)
+            if (bCounts && (!event.bRepeat || row.bRepeats))
                 RunVisualsCommand(row.eCommand, row.dwArgument);
             return true;
         }
     return false;
+}
+
+void ForgetVisualsKeys()
+{
+    abKeyDown.reset();
+}
+
+void CloseVisualsWindow()
+{
+    if (Hooks.pfnClose)
+        Hooks.pfnClose(Hooks.pvWindow);
 }
 
 void HandleVisualsWheel(i32 nDelta)

@@ -60,8 +60,13 @@ void SetVisualsWindowHooks(const VisualsWindowHooks &hooks);
 
 // All on the main thread.
 void RunVisualsCommand(VisualsCommand eCommand, u32 dwArgument);
-// A key or a double click went down or up; true if it means something here.
+// True if the key means something here. A release counts only where the press was seen here too: one that closed a menu
+// or a dialog is none of the window's.
 bool HandleVisualsKey(const KeyEvent &event);
+// The window lost the keyboard: presses of before are forgotten.
+void ForgetVisualsKeys();
+// Ends the show; nothing where there is no window.
+void CloseVisualsWindow();
 // Vertical wheel delta: away from the user is above 0. 0: nothing.
 void HandleVisualsWheel(i32 nDelta);
 // Smallest client size in both directions, device pixels.

@@ -33,6 +33,8 @@ namespace {
 constexpr int SETTLE_MS = 200;        // a size must rest for so long before the buffer follows it
 constexpr int POINTER_REST_MS = 3000; // in full screen a pointer that rests is in the way
 constexpr u64 FRAMES_STAY_AWAY_MS = 100;
+constexpr u64 LEAVING_MS = 1000; // a window manager that maximises so soon after full screen was not asked to
+constexpr int TITLE_STATUS_MS = 10000;
 constexpr QSize FIRST_SIZE(1280, 720);
 constexpr char TITLE[] = "Visuals Window";
 
@@ -48,12 +50,12 @@ void RepaintWindows()
         pWindow->update();
 }
 
+VisualsWindow *pShown = nullptr; // there is one at most
+
 void ShowStatusInTitle(const char16_t *pszText)
 {
-    const QString title = QLatin1String(TITLE) + QStringLiteral(" - ") + QString::fromUtf16(pszText);
-    for (QWidget *pWindow : QApplication::topLevelWidgets())
-        if (dynamic_cast<VisualsWindow *>(pWindow))
-            pWindow->setWindowTitle(title);
+    if (pShown)
+        pShown->ShowStatus(QString::fromUtf16(pszText));
 }
 
 // What a module writes is not trusted: only addresses for a browser or a mail program are opened, never files.
@@ -70,6 +72,12 @@ const HostBitmap *CurrentPicture()
 {
     const PresetState *lppsi = CurrentPreset();
     return lppsi && lppsi->phbmOutput ? *lppsi->phbmOutput : nullptr;
+}
+
+// The toolkit's button bits are left 1, right 2, middle 4: those of the modules' record.
+u32 ButtonsOf(Qt::MouseButtons buttons)
+{
+    return static_cast<u32>(buttons.toInt()) & 7;
 }
 
 bool HasPlainPixels(const QImage &image)
@@ -96,20 +104,24 @@ VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
     setMouseTracking(true);
     FrameChanged();
     resize(FIRST_SIZE.boundedTo(screen()->availableSize()));
-    nDisplayBits = static_cast<u32>(screen()->depth());
+    nDisplayBits = BitsPerPixel(screen()->depth());
     ResetOverlays();
+    qApp->installNativeEventFilter(this);
     ConnectTimers();
     InstallHooks();
     AddPresenter(PresentToWindow, this);
     GlobalSettings.bVisualsWindow = 1;
     pfnNoticeAdded = RepaintWindows;
     pfnRecorderStatus = ShowStatusInTitle;
+    pShown = this;
 }
 
 VisualsWindow::~VisualsWindow()
 {
+    qApp->removeNativeEventFilter(this);
     pfnNoticeAdded = nullptr;
     pfnRecorderStatus = nullptr;
+    pShown = nullptr;
     GlobalSettings.bVisualsWindow = 0;
     GlobalSettings.hwndVisuals.bVisible = 0;
     GlobalSettings.hwndVisuals.qwNativeId = 0;
@@ -128,9 +140,12 @@ void VisualsWindow::ConnectTimers()
         if (bFullScreen)
             setCursor(Qt::BlankCursor);
     });
+    StatusTimer.setSingleShot(true);
+    StatusTimer.setInterval(TITLE_STATUS_MS);
+    connect(&StatusTimer, &QTimer::timeout, this, [this] { setWindowTitle(QLatin1String(TITLE)); });
     connect(&OverlayTimer, &QTimer::timeout, this, [this] { TickOverlayTexts(); });
     OverlayTimer.start(OVERLAY_TICK_MS);
-    connect(qApp, &QGuiApplication::screenRemoved, this, [this] { ScreenRemoved(); });
+    connect(qApp, &QGuiApplication::screenRemoved, this, [this](QScreen *pGone) { ScreenRemoved(pGone); });
 }
 
 void VisualsWindow::InstallHooks()
@@ -147,6 +162,13 @@ void VisualsWindow::InstallHooks()
         .pfnRecordingOptions = [](void *pv) { ShowRecordingDialog(static_cast<VisualsWindow *>(pv)); },
         .pfnClose = [](void *pv) { static_cast<VisualsWindow *>(pv)->close(); },
     });
+}
+
+// The last status leaves after a while.
+void VisualsWindow::ShowStatus(const QString &text)
+{
+    setWindowTitle(QLatin1String(TITLE) + QStringLiteral(" - ") + text);
+    StatusTimer.start();
 }
 
 // The toolkit rounds its backing store likewise; with a fractional ratio this may be a pixel more than the window
@@ -253,13 +275,15 @@ void VisualsWindow::PaintNotices(QPainter *pPainter)
 void VisualsWindow::TickOverlayTexts()
 {
     TickOverlays({width(), height(), &Overlays, OverlayPainter::Measure});
-    if (Overlays.IsOutOfDate() && TickCount() - qwPresented > FRAMES_STAY_AWAY_MS)
+    Overlays.Prepare(devicePixelRatioF());
+    if (Overlays.IsOutOfDate(devicePixelRatioF()) && TickCount() - qwPresented > FRAMES_STAY_AWAY_MS)
         update(); // no frame comes that would bring them along
 }
 
-// The buffer follows when the window has come to rest.
+// The buffer follows when the window has come to rest. What else wanted it made anew is not forgotten over that.
 void VisualsWindow::PlaceChanged()
 {
+    bResizeOwed |= GlobalSettings.bResizePending && (GlobalSettings.bRecording || !GlobalSettings.AutoAdjustBuffer);
     GlobalSettings.bResizePending = 0;
     RelayoutOverlays();
     TickOverlayTexts();
@@ -268,10 +292,22 @@ void VisualsWindow::PlaceChanged()
 
 void VisualsWindow::Settled()
 {
-    if (!GlobalSettings.AutoAdjustBuffer || GlobalSettings.bRecording)
-        return;
-    GlobalSettings.bResizePending = 1;
-    ResetFrameStats();
+    AskForSizeAgain();
+    const bool bFollow = GlobalSettings.AutoAdjustBuffer && !GlobalSettings.bRecording;
+    if (bFollow)
+        ResetFrameStats();
+    if (bFollow || bResizeOwed)
+        GlobalSettings.bResizePending = 1;
+    bResizeOwed = false;
+}
+
+// A window manager that was still busy with the end of full screen may have set another size afterwards.
+void VisualsWindow::AskForSizeAgain()
+{
+    const QSize asked = AskedSize;
+    AskedSize = QSize();
+    if (asked.isValid() && asked != DeviceSize() && !isFullScreen())
+        SetNativeClientSize(this, asked);
 }
 
 void VisualsWindow::SetFullScreen(bool bOn)
@@ -280,6 +316,7 @@ void VisualsWindow::SetFullScreen(bool bOn)
         showFullScreen();
     else
         showNormal();
+    qwLeftFullScreen = bOn ? 0 : TickCount();
     unsetCursor();
     PointerTimer.start();
 }
@@ -288,6 +325,8 @@ void VisualsWindow::SetClientSize(QSize size)
 {
     if (isMaximized())
         showNormal();
+    AskedSize = size;
+    SettleTimer.start();
     if (!SetNativeClientSize(this, size))
         resize((QSizeF(size) / devicePixelRatioF()).toSize());
 }
@@ -297,6 +336,7 @@ void VisualsWindow::SetTopmost(bool bOn)
 {
     if (windowHandle())
         windowHandle()->setFlag(Qt::WindowStaysOnTopHint, bOn);
+    WatchVisibility(this); // the toolkit has set its own choice of events anew
 }
 
 void VisualsWindow::FrameChanged()
@@ -305,13 +345,20 @@ void VisualsWindow::FrameChanged()
     setMinimumSize(nSide, nSide);
 }
 
-// The picture moves to the monitor that is left.
-void VisualsWindow::ScreenRemoved()
+// The toolkit moves the windows of a screen after it has told of its end.
+void VisualsWindow::ScreenRemoved(QScreen *pGone)
 {
-    if (!bFullScreen)
+    if (bFullScreen && screen() == pGone)
+        QTimer::singleShot(0, this, [this] { MoveToFirstScreen(); });
+}
+
+void VisualsWindow::MoveToFirstScreen()
+{
+    const QScreen *pFirst = QGuiApplication::primaryScreen();
+    if (!pFirst || !bFullScreen)
         return;
     showNormal();
-    setGeometry(screen()->geometry());
+    setGeometry(pFirst->geometry());
     showFullScreen();
 }
 
@@ -349,6 +396,12 @@ void VisualsWindow::keyReleaseEvent(QKeyEvent *pEvent)
     HandleVisualsKey(KeyEventOf(*pEvent));
 }
 
+void VisualsWindow::focusOutEvent(QFocusEvent *pEvent)
+{
+    ForgetVisualsKeys();
+    QWidget::focusOutEvent(pEvent);
+}
+
 // The tabulator is a key of ours, not a way to the next field.
 bool VisualsWindow::focusNextPrevChild(bool)
 {
@@ -380,8 +433,9 @@ void VisualsWindow::mouseMoveEvent(QMouseEvent *pEvent)
 void VisualsWindow::mousePressEvent(QMouseEvent *pEvent)
 {
     nNoticesRead = NoticeCount();
+    TakeMouse(pEvent);
     if (OverlayPainter::OverlayAt(pEvent->position()) == OVERLAYS)
-        TakeMouse(pEvent);
+        dwMouseButtons |= ButtonsOf(pEvent->button());
     else if (pEvent->button() == Qt::LeftButton)
         OpenLink(Overlays.LinkAt(pEvent->position()));
     if (pEvent->button() == Qt::RightButton)
@@ -396,10 +450,10 @@ void VisualsWindow::mouseReleaseEvent(QMouseEvent *pEvent)
 void VisualsWindow::mouseDoubleClickEvent(QMouseEvent *pEvent)
 {
     const bool bOnPicture = OverlayPainter::OverlayAt(pEvent->position()) == OVERLAYS;
-    if (bOnPicture && pEvent->button() == Qt::LeftButton)
-        RunVisualsCommand(VisualsCommand::ToggleFullScreen, 0);
-    else
+    if (pEvent->button() != Qt::LeftButton)
         mousePressEvent(pEvent);
+    else if (bOnPicture)
+        RunVisualsCommand(VisualsCommand::ToggleFullScreen, 0);
 }
 
 // The menu key; the mouse's right button was seen before.
@@ -421,8 +475,7 @@ void VisualsWindow::TakeMouse(const QMouseEvent *pEvent)
 {
     const QPointF place = pEvent->position() * devicePixelRatioF();
     MousePlace = QPoint(qFloor(place.x()), qFloor(place.y()));
-    // The toolkit's button bits are left 1, right 2, middle 4: those of the modules' record.
-    dwMouseButtons = static_cast<u32>(pEvent->buttons().toInt()) & 7;
+    dwMouseButtons &= ButtonsOf(pEvent->buttons()); // what was released; a press says itself that it is a module's
 }
 
 // The window manager owns the caption: a double click there arrives as "maximised", and that is full screen here. What
@@ -432,24 +485,35 @@ void VisualsWindow::changeEvent(QEvent *pEvent)
     QWidget::changeEvent(pEvent);
     if (pEvent->type() != QEvent::WindowStateChange || isMinimized())
         return;
-    if (isMaximized() && !bFullScreen)
+    const bool bJustLeft = qwLeftFullScreen && TickCount() - qwLeftFullScreen < LEAVING_MS;
+    if (isMaximized() && !bFullScreen && !bJustLeft)
         RunVisualsCommand(VisualsCommand::FullScreenOn, 0);
     else
         bFullScreen = isFullScreen();
 }
 
+// Another screen may have another pixel ratio and depth.
+void VisualsWindow::ScreenChanged()
+{
+    nDisplayBits = BitsPerPixel(screen()->depth());
+    FrameChanged();
+    PlaceChanged();
+}
+
 bool VisualsWindow::event(QEvent *pEvent)
 {
-    if (pEvent->type() == QEvent::ScreenChangeInternal) {
-        nDisplayBits = static_cast<u32>(screen()->depth());
-        FrameChanged();
-        PlaceChanged(); // another screen may have another pixel ratio
+    if (pEvent->type() == QEvent::ScreenChangeInternal)
+        ScreenChanged();
+    if (pEvent->type() == QEvent::WinIdChange) {
+        bCovered = false;
+        WatchVisibility(this);
     }
     return QWidget::event(pEvent);
 }
 
-// A window that somebody else destroys (a window manager, a tool) is a closed one; the toolkit does not say so.
-bool VisualsWindow::nativeEvent(const QByteArray &type, void *pMessage, qintptr *)
+// The toolkit keeps some events from its windows, those of visibility among them. A window that somebody else destroys
+// (a window manager, a tool) is a closed one; the toolkit does not say so.
+bool VisualsWindow::nativeEventFilter(const QByteArray &type, void *pMessage, qintptr *)
 {
     const NativeNews news = ReadNativeEvent(type, pMessage, static_cast<u64>(internalWinId()));
     if (news.bDestroyed)

@@ -5,6 +5,7 @@
 #include "output/OverlayPainter_qt.h"
 #include "platform/BaseTypes.h"
 
+#include <QAbstractNativeEventFilter>
 #include <QImage>
 #include <QPoint>
 #include <QTimer>
@@ -16,7 +17,7 @@ extern void (*pfnOpenAddress)(const QUrl &url);
 
 // Shows every finished frame, stretched over its client area, with the overlays over it; turns keys and the mouse into
 // commands; keeps the modules' view of the window true. [main-thread]
-class VisualsWindow : public QWidget {
+class VisualsWindow : public QWidget, private QAbstractNativeEventFilter {
   public:
     // pfnClosed is called when the window is closed, or destroyed from outside; it may be called more than once.
     explicit VisualsWindow(void (*pfnClosed)());
@@ -26,6 +27,8 @@ class VisualsWindow : public QWidget {
     // Takes a finished frame over to the screen; nothing is drawn while no part of the window can be seen. Non-zero:
     // the frame counts as shown.
     u32 Present(const HostBitmap *hbm);
+    // Shows for a while in the title how a recording goes.
+    void ShowStatus(const QString &text);
     // Frames that went to the screen.
     u64 FramesOnScreen() const
     {
@@ -49,7 +52,8 @@ class VisualsWindow : public QWidget {
     void changeEvent(QEvent *pEvent) override;
     bool event(QEvent *pEvent) override;
     bool focusNextPrevChild(bool bNext) override;
-    bool nativeEvent(const QByteArray &type, void *pMessage, qintptr *pResult) override;
+    void focusOutEvent(QFocusEvent *pEvent) override;
+    bool nativeEventFilter(const QByteArray &type, void *pMessage, qintptr *pResult) override;
 
   private:
     void ConnectTimers();
@@ -63,12 +67,15 @@ class VisualsWindow : public QWidget {
     void OpenMenu(const QPoint &place);
     void PlaceChanged();
     void Settled();
+    void AskForSizeAgain();
     void TickOverlayTexts();
     void SetFullScreen(bool bOn);
     void SetClientSize(QSize size);
     void SetTopmost(bool bOn);
     void FrameChanged();
-    void ScreenRemoved();
+    void ScreenRemoved(QScreen *pGone);
+    void MoveToFirstScreen();
+    void ScreenChanged();
     QSize DeviceSize() const;
     bool IsOnScreen() const;
 
@@ -79,12 +86,16 @@ class VisualsWindow : public QWidget {
     QSize NativeSize;                         // client area as the window system told it; invalid: unknown
     QTimer SettleTimer; // runs while the window is moved or sized; its end asks for a new buffer size
     QTimer OverlayTimer;
+    QTimer StatusTimer;
     QTimer PointerTimer; // its end hides the pointer in full screen
     QPoint MousePlace;   // device pixels from the top left
     u32 dwMouseButtons = 0;
     u64 nFramesOnScreen = 0;
-    u64 qwPresented = 0;  // tick of the last frame
-    u32 nNoticesRead = 0; // notices that stood there when the user last pressed something
+    u64 qwLeftFullScreen = 0; // tick
+    QSize AskedSize;          // by the menu, until it has been looked at; invalid: none
+    bool bResizeOwed = false; // a resize of the buffer that a move of the window put off
+    u64 qwPresented = 0;      // tick of the last frame
+    u32 nNoticesRead = 0;     // notices that stood there when the user last pressed something
     bool bCovered = false;
     bool bDrawn = false; // the frame that is being presented
 };

@@ -268,6 +268,8 @@ case_overlays_menu_and_full_screen() {
     start
     wait_for_window "Visuals Window"
     wait_for "a picture that fills the first size" shows_ramp 1280x720
+    ! darkened 100x8+8+5 || fail "the top left is dark without an overlay"
+    ! darkened 100x8+1160+706 || fail "the bottom right is dark without an overlay"
     press "$window" r
     wait_for "the metrics at the top left" darkened 100x8+8+5
     press "$window" h
@@ -285,6 +287,12 @@ case_overlays_menu_and_full_screen() {
     wait_for "a picture that fills the screen" shows_ramp 1600x1000
     press "$window" Escape
     wait_for "the size of before" shows_ramp 720x480
+    double_click
+    wait_for "full screen again" shows_ramp 1600x1000
+    choose Down Down Down Right Return
+    wait_for "a window size chosen in full screen" shows_ramp 640x480
+    press "$window" s
+    wait_for "a screen capture" eval 'ls "$folder"/data/ScreenShots/ScreenCapture_*.png'
     choose Up Return
     expect_good_end "the last entry of the menu"
 }

@@ -167,8 +167,11 @@ TEST_F(Overlays, TheMailboxTakesTheLastTextOfAnyThreadAndCutsLongOnes)
             ShowModuleMessage(i % 2 ? szLong : u"short");
     });
     char16_t szText[MESSAGE_CHARS] = {};
-    for (u32 i = 0; i < 2000; i++)
+    for (u32 i = 0; i < 2000; i++) {
         TakeModuleMessage(szText);
+        const std::u16string_view text = szText;
+        EXPECT_TRUE(text.empty() || text == u"short" || text.find_first_not_of(u'x') == text.npos) << "torn";
+    }
     thread.join();
     TakeModuleMessage(szText);
     EXPECT_EQ(MESSAGE_CHARS - 1, TextLength(szText, MESSAGE_CHARS));
@@ -256,11 +259,17 @@ TEST_F(Overlays, KeysActOnceAndOnlyThePadChangesTheRate)
     EXPECT_FALSE(asOverlay[OVERLAY_KEY_HELP].bShown);
     press('I', false);
     EXPECT_TRUE(bMessagePinned);
+    press(KEY_PAD_PLUS, true);
+    EXPECT_EQ(60, GlobalSettings.FPSTarget) << "a release without its press";
+    const auto tap = [&](u32 dwKey) {
+        press(dwKey, false);
+        press(dwKey, true);
+    };
     for (i32 i = 0; i < 500; i++)
-        press(KEY_PAD_PLUS, true);
+        tap(KEY_PAD_PLUS);
     EXPECT_EQ(480, GlobalSettings.FPSTarget);
     for (i32 i = 0; i < 500; i++)
-        press(KEY_PAD_MINUS, true);
+        tap(KEY_PAD_MINUS);
     EXPECT_EQ(20, GlobalSettings.FPSTarget);
     EXPECT_FALSE(press('+', true));
 
@@ -276,9 +285,13 @@ TEST_F(Overlays, KeysActOnceAndOnlyThePadChangesTheRate)
     press(KEY_SPACE, true, true);
     EXPECT_EQ(0u, bFavorPending) << "the release that a held key seems to send is none";
     press(KEY_SPACE, true);
-    press(KEY_RIGHT, true);
-    press(KEY_BACKSPACE, true);
+    tap(KEY_RIGHT);
+    tap(KEY_BACKSPACE);
+    press(KEY_TAB, false);
+    ForgetVisualsKeys();
     press(KEY_TAB, true);
+    EXPECT_EQ(0u, bStartPending) << "the keyboard was elsewhere meanwhile";
+    tap(KEY_TAB);
     press('S', false);
     EXPECT_EQ(5u, bFavorPending + bNextPending + bPrevPending + bStartPending + bCaptureRequested);
     bFavorPending = bNextPending = bPrevPending = bStartPending = bCaptureRequested = 0;

@@ -4,6 +4,7 @@
 #include "app/GlobalSettings.h"
 #include "output/FrameStats.h"
 #include "output/Presenters.h"
+#include "output/RecordingSettings.h"
 #include "output/VisualsCommands.h"
 #include "output/VisualsMenu_qt.h"
 #include "platform/Bitmap.h"
@@ -12,12 +13,18 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QBackingStore>
+#include <QDialog>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QSlider>
+#include <QThread>
 #include <QWheelEvent>
 #include <QWindow>
 
@@ -138,6 +145,7 @@ TEST_F(Visuals, ADoubleClickAndEscapeTurnFullScreenOnAndOff)
     EXPECT_EQ(QSize(400, 300), pWindow->size());
     Key(Qt::Key_Escape);
     EXPECT_FALSE(pWindow->isFullScreen());
+    QThread::msleep(1100);
     pWindow->showMaximized(); // as a window manager does after a double click on the caption
     WaitFor([&] { return pWindow->isFullScreen() && bFullScreen; });
     RunVisualsCommand(VisualsCommand::ClientSize, 4);
@@ -165,6 +173,10 @@ TEST_F(Visuals, AClickInAnOverlayIsNoModulesAndALinkOpens)
     Mouse(QEvent::MouseButtonPress, onLink, Qt::LeftButton, Qt::LeftButton);
     pWindow->PublishWindow();
     EXPECT_EQ(0u, GlobalSettings.hwndVisuals.dwButtons);
+    Mouse(QEvent::MouseMove, onLink, Qt::NoButton, Qt::LeftButton);
+    pWindow->PublishWindow();
+    EXPECT_EQ(0u, GlobalSettings.hwndVisuals.dwButtons) << "nor when it is dragged";
+    Mouse(QEvent::MouseButtonDblClick, onLink, Qt::LeftButton, Qt::LeftButton);
     sendLink(u"file:///bin/true");
     Shown();
     Mouse(QEvent::MouseButtonPress, onLink, Qt::LeftButton, Qt::LeftButton);
@@ -213,6 +225,63 @@ TEST_F(Visuals, FramesCountAlsoWhileNothingIsToBeSeenAndNotWithoutPicture)
     PresentFrame(nullptr);
     EXPECT_EQ(2u, qwFramesTotal);
     EXPECT_EQ(nOnScreen + 1, pWindow->FramesOnScreen());
+}
+
+TEST_F(Visuals, TheBufferFollowsAWindowThatRestsButNotDuringARecording)
+{
+    const auto settle = [&] {
+        pWindow->resize(pWindow->width() + 2, 300);
+        EXPECT_EQ(0u, GlobalSettings.bResizePending);
+        QElapsedTimer timer;
+        timer.start();
+        while (!GlobalSettings.bResizePending && timer.elapsed() < 700)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        const u32 bAsked = GlobalSettings.bResizePending;
+        GlobalSettings.bResizePending = 0;
+        return bAsked;
+    };
+    qwFramesTotal = 5;
+    EXPECT_TRUE(settle());
+    EXPECT_EQ(0u, qwFramesTotal);
+    GlobalSettings.AutoAdjustBuffer = 0;
+    EXPECT_FALSE(settle());
+    GlobalSettings.AutoAdjustBuffer = GlobalSettings.bRecording = 1;
+    EXPECT_FALSE(settle());
+    GlobalSettings.bResizePending = 1; // the recorder's own
+    EXPECT_TRUE(settle()) << "put off, not forgotten";
+    GlobalSettings.bRecording = 0;
+}
+
+TEST_F(Visuals, TheRecordingDialogStoresWithOkAndItsSliderAtOnce)
+{
+    StoreRecordingChoice({RECORD_METHOD_KEYSTROKES, 640, 480, 500, u"/no/such/folder", u"a-%03d.png"});
+    RunVisualsCommand(VisualsCommand::RecordingOptions, 0);
+    auto *pDialog = pWindow->findChild<QDialog *>();
+    RunVisualsCommand(VisualsCommand::RecordingOptions, 0);
+    ASSERT_EQ(1, pWindow->findChildren<QDialog *>().size());
+    EXPECT_TRUE(pDialog->findChild<QLineEdit *>("demo")->text().startsWith("/no/such/folder/a-"));
+    EXPECT_EQ("The frame folder does not exist.", pDialog->findChild<QLabel *>("trouble")->text());
+    const auto click = [&](const char *pszText) {
+        for (QAbstractButton *pButton : pDialog->findChildren<QAbstractButton *>())
+            if (pButton->text() == QLatin1String(pszText))
+                return pButton->click();
+        ADD_FAILURE() << pszText;
+    };
+    click("Record animations using Vorticade Frame Recorder");
+    click("4K");
+    click("Rotate");
+    pDialog->findChild<QLineEdit *>("format")->setText("b-%s.png");
+    click("Demo");
+    EXPECT_TRUE(pDialog->findChild<QLineEdit *>("demo")->text().contains("%d"));
+    pDialog->findChild<QSlider *>()->setValue(40);
+    EXPECT_EQ(40, GlobalSettings.FrameRecordDelay);
+    EXPECT_EQ(640, GlobalSettings.FrameRecordWidth);
+    click("OK");
+    EXPECT_EQ(2160, GlobalSettings.FrameRecordWidth);
+    EXPECT_EQ(3840, GlobalSettings.FrameRecordHeight);
+    EXPECT_EQ(RECORD_METHOD_FRAMES, GlobalSettings.FrameRecordMethod);
+    EXPECT_EQ("b-%s.png", ToUtf8(GlobalSettings.FrameRecordFormat));
+    EXPECT_TRUE(VisualsCommandIsEnabled(VisualsCommand::RecordSeconds));
 }
 
 } // namespace

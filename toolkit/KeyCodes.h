@@ -25,5 +25,5 @@ struct KeyEvent {
     u32 dwKey;    // KeyCode
     bool bUp;     // released
     bool bRepeat; // a key that is held down; the release that some systems report in between is one too
-    bool bSystem; // with Alt or Ctrl or the system's own key
+    bool bSystem; // with Alt or the system's own key
 };

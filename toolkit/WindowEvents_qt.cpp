@@ -64,9 +64,17 @@ u32 KeyOf(const QKeyEvent &event)
 
 } // namespace
 
+void (*pfnKeepFrames)(QObject *pDialog) = nullptr;
+
+void KeepFramesUnder(QObject *pDialog)
+{
+    if (pfnKeepFrames)
+        pfnKeepFrames(pDialog);
+}
+
 KeyEvent KeyEventOf(const QKeyEvent &event)
 {
-    constexpr Qt::KeyboardModifiers SYSTEM = Qt::AltModifier | Qt::ControlModifier | Qt::MetaModifier;
+    constexpr Qt::KeyboardModifiers SYSTEM = Qt::AltModifier | Qt::MetaModifier;
     return {KeyOf(event), event.type() == QEvent::KeyRelease, event.isAutoRepeat(),
             (event.modifiers() & SYSTEM) != Qt::NoModifier};
 }

@@ -4,9 +4,15 @@
 #include "toolkit/KeyCodes.h"
 
 class QKeyEvent;
+class QObject;
 class QWheelEvent;
 
 // The key, up or down by the event's type. A key of a layout without Latin letters counts by its place on the keyboard.
 KeyEvent KeyEventOf(const QKeyEvent &event);
 // Vertical delta of the wheel, above 0 away from the user; 0: it moved sideways.
 i32 WheelDeltaOf(const QWheelEvent &event);
+
+// Set by the program: keeps frames running for as long as the dialog lives, whatever loop it brings. Null in tests.
+extern void (*pfnKeepFrames)(QObject *pDialog);
+// Every dialog calls it before it is shown.
+void KeepFramesUnder(QObject *pDialog);
