@@ -1,6 +1,8 @@
 // MixKernels.cpp -- the kernels of the mix operators, compiled for each instruction set and chosen at run time
 #include "output/MixKernels.h"
 
+#include "output/MixKernelList.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -20,29 +22,15 @@ namespace HWY_NAMESPACE {
 
 // One record per kernel: how many sources it reads and what it makes of their pixels.
 #define VD_KERNEL(name, nSources, expression)                                                                          \
-    struct name {                                                                                                      \
+    struct name##Kernel {                                                                                              \
         static constexpr u32 SOURCES = nSources;                                                                       \
         static HWY_INLINE Pixel Run([[maybe_unused]] Pixel p1, [[maybe_unused]] Pixel p2, [[maybe_unused]] Pixel m,    \
                                     [[maybe_unused]] Pixel w)                                                          \
         {                                                                                                              \
             return expression;                                                                                         \
         }                                                                                                              \
-    }
-
-VD_KERNEL(CopyKernel, 1, p1);
-VD_KERNEL(BlendKernel, 2, MixBlend(p1, p2, w));
-VD_KERNEL(OverwriteBackgroundKernel, 2, MixOverwriteBackground(p1, p2));
-VD_KERNEL(OnlyWriteForegroundKernel, 2, MixOnlyWriteForeground(p1, p2));
-VD_KERNEL(BlendXorKernel, 2, MixBlendXor(p1, p2));
-VD_KERNEL(BlendMaxKernel, 2, MixBlendMax(p1, p2));
-VD_KERNEL(BlendAlphaKernel, 3, MixBlendAlpha(p1, p2, m));
-VD_KERNEL(BlendBooleanKernel, 3, MixBlendBoolean(p1, p2, m));
-VD_KERNEL(GunShift1Kernel, 1, MixGunShift1(p1));
-VD_KERNEL(GunShift2Kernel, 1, MixGunShift2(p1));
-VD_KERNEL(NegativeKernel, 1, MixNegative(p1));
-VD_KERNEL(IntensityScaleKernel, 2, MixIntensityScale(p1, p2));
-VD_KERNEL(IntensityScaleOnePassKernel, 2, MixIntensityScaleOnePass(p1, p2));
-VD_KERNEL(IntensityScaleRgbKernel, 2, MixIntensityScaleRgb(p1, p2));
+    };
+VD_MIX_KERNELS(VD_KERNEL)
 #undef VD_KERNEL
 
 // A block lies in eight registers: as many as calls pass on.
@@ -274,20 +262,9 @@ KernelTable MakeTable()
 {
     KernelTable table = {};
     table.nBlock = BLOCK;
-    FillRowOf<CopyKernel>(&table, MixKernel::Copy);
-    FillRowOf<BlendKernel>(&table, MixKernel::Blend);
-    FillRowOf<OverwriteBackgroundKernel>(&table, MixKernel::OverwriteBackground);
-    FillRowOf<OnlyWriteForegroundKernel>(&table, MixKernel::OnlyWriteForeground);
-    FillRowOf<BlendXorKernel>(&table, MixKernel::BlendXor);
-    FillRowOf<BlendMaxKernel>(&table, MixKernel::BlendMax);
-    FillRowOf<BlendAlphaKernel>(&table, MixKernel::BlendAlpha);
-    FillRowOf<BlendBooleanKernel>(&table, MixKernel::BlendBoolean);
-    FillRowOf<GunShift1Kernel>(&table, MixKernel::GunShift1);
-    FillRowOf<GunShift2Kernel>(&table, MixKernel::GunShift2);
-    FillRowOf<NegativeKernel>(&table, MixKernel::Negative);
-    FillRowOf<IntensityScaleKernel>(&table, MixKernel::IntensityScale);
-    FillRowOf<IntensityScaleOnePassKernel>(&table, MixKernel::IntensityScaleOnePass);
-    FillRowOf<IntensityScaleRgbKernel>(&table, MixKernel::IntensityScaleRgb);
+#define VD_ROW(name, nSources, expression) FillRowOf<name##Kernel>(&table, MixKernel::name);
+    VD_MIX_KERNELS(VD_ROW)
+#undef VD_ROW
     table.pfnFetch = reinterpret_cast<StageFn>(FetchStage);
     table.pfnFill = reinterpret_cast<StageFn>(FillStage);
     table.pfnStore = reinterpret_cast<StageFn>(WriteStage<false>);
