@@ -109,11 +109,13 @@ template <class Kernel, bool bStream> void RunAlone(const MixStage &stage, size_
 
 void FetchStage(const MixStage *pStage, size_t i, VD_REGISTERS)
 {
-    const u32 *p = PlaceAt(pStage->asFrom[0], i);
-    size_t nPixels = BLOCK;
-    asm("" : "+r"(nPixels)); // keeps it a loop: fetching by one instruction, memory is better foreseen
-    for (size_t iPixel = 0; iPixel < nPixels; iPixel += CACHE_LINE_PIXELS)
-        hwy::Prefetch(p + iPixel);
+    const u32 *pEnd = PlaceAt(pStage->asFrom[0], i) + BLOCK;
+    ptrdiff_t iPixel = -static_cast<ptrdiff_t>(BLOCK);
+    asm("" : "+r"(iPixel)); // keeps it a loop: fetching by one instruction, memory is better foreseen
+    do {
+        hwy::Prefetch(pEnd + iPixel);
+        iPixel += static_cast<ptrdiff_t>(CACHE_LINE_PIXELS);
+    } while (iPixel < 0);
     CallNext(pStage, i, VD_ARGUMENTS);
 }
 

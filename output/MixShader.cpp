@@ -30,6 +30,9 @@ uvec3 TimesOver255(uvec3 c, uvec3 s) { return c * s / 255u; }
 uvec3 TimesOver768(uvec3 c, uvec3 s) { return c * s / 768u; }
 uint AssembleWide(uvec3 c) { return c.x | (c.y << 8) | (c.z << 16); }
 uint Assemble(uvec3 c) { return AssembleWide(c); }
+uint Byte(uint p, int i) { return (p >> (8 * i)) & 0xFFu; }
+uint BlueAndRed(uint p, int m, int n) { return uint(m) * Byte(p, 0) + uint(n) * Byte(p, 2); }
+uint Bytes(uint p, int i, int j, int k) { return Byte(p, i) | (Byte(p, j) << 8) | (Byte(p, k) << 16); }
 )";
 
 // Pixels of a picture come from one buffer each, so that none is larger than drivers allow.

@@ -104,15 +104,20 @@ void StoreRows(const StretchJob &job, const u32 *pFrom, size_t y, size_t yEnd)
         std::memcpy(TargetRow(job, yTo), TargetRow(job, y), nWidth * sizeof(u32));
 }
 
-void StretchRows(const StretchJob &job, size_t yFirst, size_t yLimit)
+// Whichever way round the target stands, the source is read upwards, which memory foresees best: rows are counted
+// here as they come in the source.
+void StretchRows(const StretchJob &job, size_t iFirst, size_t iLimit)
 {
-    for (size_t y = yFirst; y < yLimit;) {
-        const size_t ySource = SourceRow(job, y);
-        size_t yEnd = y + 1;
-        while (yEnd < yLimit && SourceRow(job, yEnd) == ySource)
-            yEnd++;
-        (job.bStream ? StreamRows : StoreRows)(job, SourcePixels(job, ySource), y, yEnd);
-        y = yEnd;
+    const size_t nHeight = static_cast<size_t>(job.target.nHeight);
+    const auto rowOf = [&](size_t i) { return job.bFlip ? nHeight - 1 - i : i; };
+    for (size_t i = iFirst; i < iLimit;) {
+        const size_t ySource = SourceRow(job, rowOf(i));
+        size_t iEnd = i + 1;
+        while (iEnd < iLimit && SourceRow(job, rowOf(iEnd)) == ySource)
+            iEnd++;
+        const size_t y = std::min(rowOf(i), rowOf(iEnd - 1));
+        (job.bStream ? StreamRows : StoreRows)(job, SourcePixels(job, ySource), y, y + iEnd - i);
+        i = iEnd;
     }
     if (job.bStream)
         job.kernels.pfnFence();
@@ -136,5 +141,5 @@ void StretchPicture(const StretchTarget &target, const HostBitmap *hbm, bool bFl
     const StretchJob job = {target, hbm,        kernels, columns,
                             bFlip,  bSameWidth, bGroups, nHeight * cbRow > CACHED_BYTES_MAX};
     ForRanges(nHeight, std::max<size_t>(BYTES_PER_TASK / cbRow, 1),
-              [&](size_t yFirst, size_t yEnd) { StretchRows(job, yFirst, yEnd); });
+              [&](size_t iFirst, size_t iEnd) { StretchRows(job, iFirst, iEnd); });
 }
