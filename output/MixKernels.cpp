@@ -209,11 +209,13 @@ static HWY_INLINE void PlaceChunk(DisplaceChunk *pChunk, const DisplaceSpan &spa
     const Integers d;
     const auto width = hn::Set(d, span.nWidth);
     const auto height = hn::Set(d, span.nHeight);
+    const auto lanes = hn::Iota(d, 0); // a constant; from x on it would be put together in memory each time
     for (size_t i = 0; i < DISPLACE_CHUNK; i += LANES) {
         const auto far = hn::Load(Floats(), pChunk->afFar + i);
         hn::Vec<Floats> cosine, sine;
         hn::LoadInterleaved2(Floats(), &pChunk->asDirection[i].fCos, cosine, sine);
-        const auto x2 = hn::Add(hn::Iota(d, x + static_cast<i32>(i)), hn::ConvertTo(d, hn::Mul(far, cosine)));
+        const auto x2 =
+            hn::Add(hn::Add(lanes, hn::Set(d, x + static_cast<i32>(i))), hn::ConvertTo(d, hn::Mul(far, cosine)));
         const auto y2 = hn::Add(hn::Set(d, span.y), hn::ConvertTo(d, hn::Mul(far, sine)));
         const auto place = hn::Add(hn::Mul(ReflectNear(y2, height), width), ReflectNear(x2, width));
         hn::Store(hn::BitCast(Words(), place), Words(), pChunk->adwPlace + i);
