@@ -123,7 +123,9 @@ bool HaveBuffers(MixCard *pCard, size_t cbImage)
     for (u32 i = 0; i < IMAGES; i++) {
         glBindBufferBase(GL_SHADER_STORAGE_BUFFER, i, pCard->aiImage[i]);
         glBufferData(GL_SHADER_STORAGE_BUFFER, static_cast<GLsizeiptr>(cbImage), nullptr,
-                     i == RESULT ? GL_STREAM_READ : GL_STREAM_DRAW);
+                     pCard->bPersistent ? GL_DYNAMIC_COPY
+                     : i == RESULT      ? GL_STREAM_READ
+                                        : GL_STREAM_DRAW);
     }
     if (pCard->bPersistent) {
         glGenBuffers(1, &pCard->iUpload);

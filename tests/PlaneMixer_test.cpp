@@ -252,6 +252,29 @@ TEST(PlaneMixer, RulesArePreparedOncePerChangeAndNeverStale)
     }
 }
 
+// Planes can come after the rules, so that more could be named than the table holds.
+TEST(PlaneMixer, FourPlanesWithThirtyOneRulesStayInsideTheTable)
+{
+    Random random(18);
+    std::vector<OracleRule> rules = RandomRules(random, 4, 31, false);
+    rules[30] = {30, 31, 33, MIXOP_BLEND_XOR, 0};
+    rules[29].MixOp = rules[28].MixOp = rules[27].MixOp = MIXOP_NEGATIVE; // the results from rule 28 on have no place
+    rules[27].SrcIdx1 = rules[28].SrcIdx1 = rules[29].SrcIdx1 = 0;
+    OraclePreset ps = RandomOraclePreset(random, 1, rules, 37, 21);
+    MixerPreset preset(ps);
+    for (u32 i = 1; i < 4; i++) {
+        preset.AddBarePlane(37, 21);
+        ps.planes.push_back(RandomPicture(random, 37, 21));
+    }
+    for (u32 bOnePass : {0u, 1u}) {
+        preset.Fill(ps);
+        OraclePreset expected = ps;
+        bOnePass ? OracleOnePass(expected) : OraclePerRule(expected);
+        MixPlanes(&preset.state, bOnePass);
+        EXPECT_TRUE(SameAsOracle(preset, expected)) << bOnePass;
+    }
+}
+
 TEST(PlaneMixer, ANewRuleHasZeroFieldsABlackPictureAndAWeightOf128)
 {
     MixerPreset preset(Solid(6, 5, {0u}, {}));
