@@ -8,6 +8,7 @@
 #include "engine/PresetFile.h"
 #include "engine/PresetManager.h"
 #include "output/PictureFiles.h"
+#include "output/PlaneMixer.h"
 #include "output/Presenters.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
@@ -69,6 +70,8 @@ void SetUpRun(const RenderOptions &ro)
     UseFixedClock(0);
     SeedAllRandom(ro.qwSeed);
     StartHeadless(ro.start);
+    if (ro.bOnePass)
+        SetupMixAccelerator();
     GlobalSettings.ThreadedPlanes = ro.bThreads;
     GlobalSettings.MixInParallel = ro.bOnePass;
     GlobalSettings.dwPlaneWaitMs = WAIT_FOREVER;

@@ -14,6 +14,7 @@
 #include "modules/OpenGLTest.h"
 #include "modules/ShaderList.h"
 #include "modules/SoundMonitor.h"
+#include "output/MixAccelerator.h"
 #include "output/ModuleMessages.h"
 #include "output/PlaneMixer.h"
 #include "output/VisualsCommands.h"
@@ -36,6 +37,7 @@ namespace {
 const StartOptions *pOptions = nullptr; // during StartCore and StartHeadless
 std::atomic<u64> dwTimerIdNext{69};
 bool bOpenGLTestPending = false;
+bool bAcceleratorsPending = false;
 
 u32 FindFolders()
 {
@@ -50,6 +52,7 @@ u32 FindFolders()
 u32 KeepDriverCacheShut()
 {
     SetVariableIfUnset("MESA_SHADER_CACHE_DISABLE", u"true");
+    SetVariableIfUnset("__GL_SHADER_DISK_CACHE", u"0");
     return 1;
 }
 
@@ -83,9 +86,11 @@ u32 AllocateSoundFrame()
     return GlobalSettings.pSound != nullptr;
 }
 
-u32 FindAccelerators()
+// Looking for a graphics card loads its driver: it waits until the first frame stands on the screen. Until then the
+// processor mixes.
+u32 PutOffAccelerators()
 {
-    SetupMixAccelerator();
+    bAcceleratorsPending = true;
     return 1;
 }
 
@@ -132,7 +137,7 @@ constexpr Step asStartCore[] = {
     {"random numbers", SeedRandom},
     {"default settings", SetDefaults},
     {"sound block", AllocateSoundFrame},
-    {"accelerators", FindAccelerators},
+    {"accelerators", PutOffAccelerators},
     {"stored settings", ReadStoredSettings},
     {"shared block", OpenSharedBlock},
     {"sound monitor", BindSound},
@@ -146,7 +151,6 @@ constexpr Step asStartHeadless[] = {
     {"folders", FindFolders},
     {"default settings", SetDefaults},
     {"sound block", AllocateSoundFrame},
-    {"accelerators", FindAccelerators},
     {"modules", LoadModules},
     {"OpenGL test", TestOpenGL},
 };
@@ -179,6 +183,7 @@ u32 UnloadLibraries()
         return 1;
     UnloadModules();
     FreeShaderList();
+    CloseMixAccelerator();
     CloseGLDisplay();
     return 1;
 }
@@ -244,9 +249,11 @@ void StartPreset()
 
 void RunPendingSteps()
 {
+    if (bAcceleratorsPending)
+        SetupMixAccelerator();
     if (bOpenGLTestPending)
         ProbeOpenGL();
-    bOpenGLTestPending = false;
+    bAcceleratorsPending = bOpenGLTestPending = false;
 }
 
 void SaveSettings()

@@ -6,6 +6,7 @@
 #include "modules/HiddenGLWindows.h"
 #include "modules/ModuleRegistry.h"
 #include "platform/GLWindow.h"
+#include "platform/SharedLibrary.h"
 
 #include <cstdio>
 
@@ -34,21 +35,47 @@ void CloseTestWindow(const TestWindow &window)
         DestroyGLWindow(window.hwndGL);
 }
 
+// The loader of OpenGL functions. It is found at run time: a program that is linked with it starts only where OpenGL
+// is installed.
+struct FunctionLoader {
+    decltype(&glewInit) pfnInit;
+    decltype(&glewGetExtension) pfnGetExtension;
+    GLboolean *pbExperimental;
+    void **ppfnCreateShader; // variables of the loader
+    void **ppfnGenFramebuffers;
+};
+
+bool FindLoader(FunctionLoader *pLoader)
+{
+    SharedLibrary *pLibrary = LoadSystemLibrary(VD_GLEW_LIBRARY);
+    pLoader->pfnInit = FindEntryPointAs<decltype(&glewInit)>(pLibrary, u"glewInit");
+    pLoader->pfnGetExtension = FindEntryPointAs<decltype(&glewGetExtension)>(pLibrary, u"glewGetExtension");
+    pLoader->pbExperimental = FindEntryPointAs<GLboolean *>(pLibrary, u"glewExperimental");
+    pLoader->ppfnCreateShader = FindEntryPointAs<void **>(pLibrary, u"__glewCreateShader");
+    pLoader->ppfnGenFramebuffers = FindEntryPointAs<void **>(pLibrary, u"__glewGenFramebuffers");
+    return pLoader->pfnInit && pLoader->pfnGetExtension && pLoader->pbExperimental && pLoader->ppfnCreateShader &&
+           pLoader->ppfnGenFramebuffers;
+}
+
 // Looks the functions up, and asks the version too: the loader of this platform gives an entry for every name that
 // begins with "gl", whether or not the driver has the function.
-bool DriverHasShadersAndFramebuffers()
+bool DriverHasShadersAndFramebuffers(const FunctionLoader &loader)
 {
     int nMajor = 0;
-    if (std::sscanf(OpenGLVersion.c_str(), "%d", &nMajor) != 1 || !glCreateShader || !glGenFramebuffers)
+    if (std::sscanf(OpenGLVersion.c_str(), "%d", &nMajor) != 1 || !*loader.ppfnCreateShader ||
+        !*loader.ppfnGenFramebuffers)
         return false;
-    return nMajor >= 3 || (nMajor == 2 && glewGetExtension("GL_ARB_framebuffer_object"));
+    return nMajor >= 3 || (nMajor == 2 && loader.pfnGetExtension("GL_ARB_framebuffer_object"));
 }
 
 // With the test's context current.
 bool TestCurrentContext()
 {
-    glewExperimental = GL_TRUE;
-    const GLenum eResult = glewInit();
+    FunctionLoader loader;
+    if (!FindLoader(&loader))
+        return false;
+    *loader.pbExperimental = GL_TRUE;
+    const GLenum eResult = loader.pfnInit();
     const auto pfnGetString = reinterpret_cast<decltype(&glGetString)>(FindGLFunction("glGetString"));
     const void *pszVersion = pfnGetString ? pfnGetString(GL_VERSION) : nullptr;
     if (!pszVersion)
@@ -56,7 +83,7 @@ bool TestCurrentContext()
     OpenGLVersion = static_cast<const char *>(pszVersion);
     // Without GLX, GLEW loads all functions and then misses the GLX display.
     const bool bLoaded = eResult == GLEW_OK || eResult == GLEW_ERROR_NO_GLX_DISPLAY;
-    return bLoaded && DriverHasShadersAndFramebuffers();
+    return bLoaded && DriverHasShadersAndFramebuffers(loader);
 }
 
 } // namespace

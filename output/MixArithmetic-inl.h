@@ -2,14 +2,17 @@
 //
 // Compiled over vectors of pixels for each instruction set, and in words that a compute shader's language shares,
 // so that its text can become part of a shader. Who includes it provides
-//   Pixel      32-bit words b + 256 g + 65536 r + 2^24 a, with & | ^ + and shifts by a number
+//   Pixel      32-bit words b + 256 g + 65536 r + 2^24 a, with & ^ + and shifts to the right by 8
 //   Channels   the three colour bytes, each in a field of 16 bits or more, with + and *
 //   Flag       one truth value a pixel
 //   Word(n)    the same word for every pixel          Split(p)        the colour bytes of p
 //   Spread(p)  the word p as each of the channels     Inverse(c)      255 - c
-//   Over255(c) c / 255, truncated, c below 65536      Assemble(c)     b + 256 g + 65536 r, channels below 256
+//   Over255(c) c / 255, truncated, c below 65536      Assemble(c)     b + 256 g + 65536 r, channels below 256, which
+//                                                     quotients by 255 and 768 are here
 //   TimesOver255(c, s), TimesOver768(c, s)            AssembleWide(c) the same by OR, channels may run over
 //              c * s / 255 (768), truncated, c to 255, s to 765
+//   BlueAndRed(p, m, n) m times the blue byte and n times the red one, added
+//   Bytes(p, i, j, k)   the word whose blue, green, red bytes are the bytes i, j, k of p (0 blue, 1 green, 2 red)
 //   IsZero(p), Less(p, q) (words below 2^31), Select(f, p, q)
 
 // clang-format off
@@ -18,13 +21,13 @@ VD_MIX_ARITHMETIC(
 // Sum of the colour bytes, 0 to 765: the measure of both scales and of the displacement.
 VD_MIX_FUNCTION Pixel MixSum(Pixel p)
 {
-    return (p & Word(0xFFu)) + ((p >> 8) & Word(0xFFu)) + ((p >> 16) & Word(0xFFu));
+    return BlueAndRed(p, 1, 1) + ((p >> 8) & Word(0xFFu));
 }
 
 // Red and twice blue, 0 to 765; green does not count.
 VD_MIX_FUNCTION Pixel MixMeasure(Pixel p)
 {
-    return ((p >> 16) & Word(0xFFu)) + ((p & Word(0xFFu)) << 1);
+    return BlueAndRed(p, 2, 1);
 }
 
 VD_MIX_FUNCTION Pixel MixWeighted(Channels w, Pixel p1, Pixel p2)
@@ -69,12 +72,12 @@ VD_MIX_FUNCTION Pixel MixBlendMax(Pixel p1, Pixel p2)
 
 VD_MIX_FUNCTION Pixel MixGunShift1(Pixel p)
 {
-    return ((p & Word(0xFFFFu)) << 8) | ((p >> 16) & Word(0xFFu));
+    return Bytes(p, 2, 0, 1);
 }
 
 VD_MIX_FUNCTION Pixel MixGunShift2(Pixel p)
 {
-    return ((p >> 8) & Word(0xFFFFu)) | ((p & Word(0xFFu)) << 16);
+    return Bytes(p, 1, 2, 0);
 }
 
 VD_MIX_FUNCTION Pixel MixNegative(Pixel p)

@@ -1,6 +1,8 @@
 // MixKernels.cpp -- the kernels of the mix operators, compiled for each instruction set and chosen at run time
 #include "output/MixKernels.h"
 
+#include "output/MixKernelList.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -20,29 +22,15 @@ namespace HWY_NAMESPACE {
 
 // One record per kernel: how many sources it reads and what it makes of their pixels.
 #define VD_KERNEL(name, nSources, expression)                                                                          \
-    struct name {                                                                                                      \
+    struct name##Kernel {                                                                                              \
         static constexpr u32 SOURCES = nSources;                                                                       \
         static HWY_INLINE Pixel Run([[maybe_unused]] Pixel p1, [[maybe_unused]] Pixel p2, [[maybe_unused]] Pixel m,    \
                                     [[maybe_unused]] Pixel w)                                                          \
         {                                                                                                              \
             return expression;                                                                                         \
         }                                                                                                              \
-    }
-
-VD_KERNEL(CopyKernel, 1, p1);
-VD_KERNEL(BlendKernel, 2, MixBlend(p1, p2, w));
-VD_KERNEL(OverwriteBackgroundKernel, 2, MixOverwriteBackground(p1, p2));
-VD_KERNEL(OnlyWriteForegroundKernel, 2, MixOnlyWriteForeground(p1, p2));
-VD_KERNEL(BlendXorKernel, 2, MixBlendXor(p1, p2));
-VD_KERNEL(BlendMaxKernel, 2, MixBlendMax(p1, p2));
-VD_KERNEL(BlendAlphaKernel, 3, MixBlendAlpha(p1, p2, m));
-VD_KERNEL(BlendBooleanKernel, 3, MixBlendBoolean(p1, p2, m));
-VD_KERNEL(GunShift1Kernel, 1, MixGunShift1(p1));
-VD_KERNEL(GunShift2Kernel, 1, MixGunShift2(p1));
-VD_KERNEL(NegativeKernel, 1, MixNegative(p1));
-VD_KERNEL(IntensityScaleKernel, 2, MixIntensityScale(p1, p2));
-VD_KERNEL(IntensityScaleOnePassKernel, 2, MixIntensityScaleOnePass(p1, p2));
-VD_KERNEL(IntensityScaleRgbKernel, 2, MixIntensityScaleRgb(p1, p2));
+    };
+VD_MIX_KERNELS(VD_KERNEL)
 #undef VD_KERNEL
 
 // A block lies in eight registers: as many as calls pass on.
@@ -121,11 +109,13 @@ template <class Kernel, bool bStream> void RunAlone(const MixStage &stage, size_
 
 void FetchStage(const MixStage *pStage, size_t i, VD_REGISTERS)
 {
-    const u32 *p = PlaceAt(pStage->asFrom[0], i);
-    size_t nPixels = BLOCK;
-    asm("" : "+r"(nPixels)); // keeps it a loop: fetching by one instruction, memory is better foreseen
-    for (size_t iPixel = 0; iPixel < nPixels; iPixel += CACHE_LINE_PIXELS)
-        hwy::Prefetch(p + iPixel);
+    const u32 *pEnd = PlaceAt(pStage->asFrom[0], i) + BLOCK;
+    ptrdiff_t iPixel = -static_cast<ptrdiff_t>(BLOCK);
+    asm("" : "+r"(iPixel)); // keeps it a loop: fetching by one instruction, memory is better foreseen
+    do {
+        hwy::Prefetch(pEnd + iPixel);
+        iPixel += static_cast<ptrdiff_t>(CACHE_LINE_PIXELS);
+    } while (iPixel < 0);
     CallNext(pStage, i, VD_ARGUMENTS);
 }
 
@@ -219,11 +209,13 @@ static HWY_INLINE void PlaceChunk(DisplaceChunk *pChunk, const DisplaceSpan &spa
     const Integers d;
     const auto width = hn::Set(d, span.nWidth);
     const auto height = hn::Set(d, span.nHeight);
+    const auto lanes = hn::Iota(d, 0); // a constant; from x on it would be put together in memory each time
     for (size_t i = 0; i < DISPLACE_CHUNK; i += LANES) {
         const auto far = hn::Load(Floats(), pChunk->afFar + i);
         hn::Vec<Floats> cosine, sine;
         hn::LoadInterleaved2(Floats(), &pChunk->asDirection[i].fCos, cosine, sine);
-        const auto x2 = hn::Add(hn::Iota(d, x + static_cast<i32>(i)), hn::ConvertTo(d, hn::Mul(far, cosine)));
+        const auto x2 =
+            hn::Add(hn::Add(lanes, hn::Set(d, x + static_cast<i32>(i))), hn::ConvertTo(d, hn::Mul(far, cosine)));
         const auto y2 = hn::Add(hn::Set(d, span.y), hn::ConvertTo(d, hn::Mul(far, sine)));
         const auto place = hn::Add(hn::Mul(ReflectNear(y2, height), width), ReflectNear(x2, width));
         hn::Store(hn::BitCast(Words(), place), Words(), pChunk->adwPlace + i);
@@ -274,20 +266,9 @@ KernelTable MakeTable()
 {
     KernelTable table = {};
     table.nBlock = BLOCK;
-    FillRowOf<CopyKernel>(&table, MixKernel::Copy);
-    FillRowOf<BlendKernel>(&table, MixKernel::Blend);
-    FillRowOf<OverwriteBackgroundKernel>(&table, MixKernel::OverwriteBackground);
-    FillRowOf<OnlyWriteForegroundKernel>(&table, MixKernel::OnlyWriteForeground);
-    FillRowOf<BlendXorKernel>(&table, MixKernel::BlendXor);
-    FillRowOf<BlendMaxKernel>(&table, MixKernel::BlendMax);
-    FillRowOf<BlendAlphaKernel>(&table, MixKernel::BlendAlpha);
-    FillRowOf<BlendBooleanKernel>(&table, MixKernel::BlendBoolean);
-    FillRowOf<GunShift1Kernel>(&table, MixKernel::GunShift1);
-    FillRowOf<GunShift2Kernel>(&table, MixKernel::GunShift2);
-    FillRowOf<NegativeKernel>(&table, MixKernel::Negative);
-    FillRowOf<IntensityScaleKernel>(&table, MixKernel::IntensityScale);
-    FillRowOf<IntensityScaleOnePassKernel>(&table, MixKernel::IntensityScaleOnePass);
-    FillRowOf<IntensityScaleRgbKernel>(&table, MixKernel::IntensityScaleRgb);
+#define VD_ROW(name, nSources, expression) FillRowOf<name##Kernel>(&table, MixKernel::name);
+    VD_MIX_KERNELS(VD_ROW)
+#undef VD_ROW
     table.pfnFetch = reinterpret_cast<StageFn>(FetchStage);
     table.pfnFill = reinterpret_cast<StageFn>(FillStage);
     table.pfnStore = reinterpret_cast<StageFn>(WriteStage<false>);

@@ -1,6 +1,7 @@
 // MixPlan.cpp -- a program of the mix kernels made ready
 #include "output/MixPlan.h"
 
+#include "output/MixKernelList.h"
 #include "platform/Assert.h"
 
 #include <algorithm>
@@ -12,12 +13,9 @@ namespace {
 // the picture there.
 constexpr size_t CACHED_BYTES_MAX = 20 * 1024 * 1024;
 
-constexpr u32 anSources[] = {1, 2, 2, 2, 2, 2, 3, 3, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2};
-static_assert(std::size(anSources) == static_cast<size_t>(MixKernel::Count));
-
 u32 SourcesOf(const MixStep &step)
 {
-    return anSources[static_cast<size_t>(step.eKernel)];
+    return KernelSources(step.eKernel);
 }
 
 void AssertReadsEarlier(const MixStep &step, i32 iStep)
@@ -39,26 +37,6 @@ void MarkNeeded(const MixProgram &prog, bool *abNeeded)
             if (!step.asFrom[n].pImage && step.asFrom[n].iStep >= 0)
                 abNeeded[step.asFrom[n].iStep] = true;
     }
-}
-
-// The program without the steps that nothing depends on.
-MixProgram NeededSteps(const MixProgram &prog)
-{
-    bool abNeeded[MIX_STEPS_MAX] = {};
-    MarkNeeded(prog, abNeeded);
-    MixProgram needed = {prog.nWidth, prog.nHeight, 0, {}};
-    i32 anNewPlace[MIX_STEPS_MAX] = {};
-    for (u32 i = 0; i < prog.nSteps; i++) {
-        if (!abNeeded[i])
-            continue;
-        MixStep &step = needed.asStep[needed.nSteps];
-        step = prog.asStep[i];
-        for (u32 n = 0; n < SourcesOf(step); n++)
-            if (!step.asFrom[n].pImage && step.asFrom[n].iStep >= 0)
-                step.asFrom[n].iStep = anNewPlace[step.asFrom[n].iStep];
-        anNewPlace[i] = static_cast<i32>(needed.nSteps++);
-    }
-    return needed;
 }
 
 // The block in the registers is the result of the step before; spatial steps take nothing from there.
@@ -113,7 +91,7 @@ void FreeBuffers(Buffers *pBuffers, i32 iStep)
 PlannedStep PlanStep(const MixProgram &prog, i32 iStep, Buffers *pBuffers)
 {
     const MixStep &step = prog.asStep[iStep];
-    PlannedStep planned = {step.eKernel, step.nWeight, {}, SourcesOf(step), NO_SLOT, step.pTo};
+    PlannedStep planned = {step.eKernel, step.iWeight, 0, {}, SourcesOf(step), NO_SLOT, step.pTo};
     for (u32 n = 0; n < planned.nSources; n++)
         planned.asFrom[n] = PlanSource(prog, iStep, n, *pBuffers);
     FreeBuffers(pBuffers, iStep);
@@ -146,8 +124,43 @@ bool IsLarge(const MixPlan &plan)
 
 } // namespace
 
+u32 KernelSources(MixKernel eKernel)
+{
+    switch (eKernel) {
+#define VD_SOURCES(name, nSources, expression)                                                                         \
+    case MixKernel::name:                                                                                              \
+        return nSources;
+        VD_MIX_KERNELS(VD_SOURCES)
+#undef VD_SOURCES
+    case MixKernel::Displace:
+        return 2;
+    default:
+        return 1;
+    }
+}
+
+MixProgram NeededSteps(const MixProgram &prog)
+{
+    bool abNeeded[MIX_STEPS_MAX] = {};
+    MarkNeeded(prog, abNeeded);
+    MixProgram needed = {prog.nWidth, prog.nHeight, 0, {}};
+    i32 anNewPlace[MIX_STEPS_MAX] = {};
+    for (u32 i = 0; i < prog.nSteps; i++) {
+        if (!abNeeded[i])
+            continue;
+        MixStep &step = needed.asStep[needed.nSteps];
+        step = prog.asStep[i];
+        for (u32 n = 0; n < SourcesOf(step); n++)
+            if (!step.asFrom[n].pImage && step.asFrom[n].iStep >= 0)
+                step.asFrom[n].iStep = anNewPlace[step.asFrom[n].iStep];
+        anNewPlace[i] = static_cast<i32>(needed.nSteps++);
+    }
+    return needed;
+}
+
 MixPlan PlanProgram(const MixProgram &prog)
 {
+    VD_ASSERT(prog.nSteps <= MIX_STEPS_MAX && prog.nWidth > 0 && prog.nHeight > 0);
     const MixProgram needed = NeededSteps(prog);
     MixPlan plan = {};
     plan.nWidth = prog.nWidth;
@@ -165,4 +178,10 @@ MixPlan PlanProgram(const MixProgram &prog)
                                   [](const PlannedStep &step) { return step.eKernel == MixKernel::Displace; });
     plan.bPastCaches = IsLarge(plan);
     return plan;
+}
+
+void SetPlanWeights(MixPlan *pPlan, const u32 *anWeight)
+{
+    for (u32 i = 0; i < pPlan->nSteps; i++)
+        pPlan->asStep[i].nWeight = anWeight[pPlan->asStep[i].iWeight];
 }

@@ -17,7 +17,8 @@ struct PlannedSource {
 
 struct PlannedStep {
     MixKernel eKernel;
-    u32 nWeight;
+    u32 iWeight;
+    u32 nWeight; // set before each run
     PlannedSource asFrom[3];
     u32 nSources; // entries of asFrom that count
     u32 iSlot;    // buffer that keeps the result for later steps, and that a spatial step fills; NO_SLOT: none
@@ -37,6 +38,15 @@ struct MixPlan {
     PlannedStep asStep[MIX_STEPS_MAX];
 };
 
+// Leaves out the steps whose results reach no image. [any-thread]
+MixProgram NeededSteps(const MixProgram &prog);
+
 // Leaves out the steps whose results reach no image. Asserts that steps read earlier steps only, and spatial ones
 // an image. [any-thread]
 MixPlan PlanProgram(const MixProgram &prog);
+
+// Gives every step its weight, 0 to 255, from the list that iWeight counts in.
+void SetPlanWeights(MixPlan *pPlan, const u32 *anWeight);
+
+// Runs the plan over all pixels, on all cores; returns when it is done. [main-thread]
+void RunMixPlan(const MixPlan &plan);

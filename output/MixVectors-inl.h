@@ -33,10 +33,6 @@ VD_MIX_FUNCTION Pixel operator&(Pixel p, Pixel q)
 {
     return {hn::And(p.v, q.v)};
 }
-VD_MIX_FUNCTION Pixel operator|(Pixel p, Pixel q)
-{
-    return {hn::Or(p.v, q.v)};
-}
 VD_MIX_FUNCTION Pixel operator^(Pixel p, Pixel q)
 {
     return {hn::Xor(p.v, q.v)};
@@ -45,14 +41,9 @@ VD_MIX_FUNCTION Pixel operator+(Pixel p, Pixel q)
 {
     return {hn::Add(p.v, q.v)};
 }
-// The number of places is known when this is compiled, so one branch of each is all that is left.
-VD_MIX_FUNCTION Pixel operator<<(Pixel p, int nPlaces)
+VD_MIX_FUNCTION Pixel operator>>(Pixel p, [[maybe_unused]] int nPlaces)
 {
-    return {nPlaces == 1 ? hn::ShiftLeft<1>(p.v) : nPlaces == 8 ? hn::ShiftLeft<8>(p.v) : hn::ShiftLeft<16>(p.v)};
-}
-VD_MIX_FUNCTION Pixel operator>>(Pixel p, int nPlaces)
-{
-    return {nPlaces == 8 ? hn::ShiftRight<8>(p.v) : hn::ShiftRight<16>(p.v)};
+    return {hn::ShiftRight<8>(p.v)};
 }
 VD_MIX_FUNCTION Pixel Word(u32 n)
 {
@@ -114,6 +105,15 @@ VD_MIX_FUNCTION Pixel AssembleWide(Channels c)
 {
     return {hn::Set(Words(), c.b | c.g << 8 | c.r << 16)};
 }
+VD_MIX_FUNCTION Pixel BlueAndRed(Pixel p, u32 m, u32 n)
+{
+    return {hn::Set(Words(), m * (p.v.raw & 0xFF) + n * (p.v.raw >> 16 & 0xFF))};
+}
+VD_MIX_FUNCTION Pixel Bytes(Pixel p, u32 i, u32 j, u32 k)
+{
+    const auto byte = [&](u32 iByte) { return p.v.raw >> 8 * iByte & 0xFF; };
+    return {hn::Set(Words(), byte(i) | byte(j) << 8 | byte(k) << 16)};
+}
 VD_MIX_FUNCTION Pixel Assemble(Channels c)
 {
     return AssembleWide(c);
@@ -152,14 +152,30 @@ VD_MIX_FUNCTION Channels Inverse(Channels c)
     const auto all = hn::Set(Halves(), u16{255});
     return {hn::Sub(all, c.even), hn::Sub(all, c.odd)};
 }
+// Quotients by 255 that still stand 7 bits too high, with the rest of the division below.
+struct Quotients {
+    hn::Vec<Halves> even;
+    hn::Vec<Halves> odd;
+};
+
 // Exact for every 16-bit number: 0x8081 / 2^23 is just above 1 / 255, by less than any of them can show.
+VD_MIX_FUNCTION hn::Vec<Halves> HalvesOver255High(hn::Vec<Halves> v)
+{
+    return hn::MulHigh(v, hn::Set(Halves(), u16{0x8081}));
+}
 VD_MIX_FUNCTION hn::Vec<Halves> HalvesOver255(hn::Vec<Halves> v)
 {
-    return hn::ShiftRight<7>(hn::MulHigh(v, hn::Set(Halves(), u16{0x8081})));
+    return hn::ShiftRight<7>(HalvesOver255High(v));
 }
-VD_MIX_FUNCTION Channels Over255(Channels c)
+VD_MIX_FUNCTION Quotients Over255(Channels c)
 {
-    return {HalvesOver255(c.even), HalvesOver255(c.odd)};
+    return {HalvesOver255High(c.even), HalvesOver255High(c.odd)};
+}
+VD_MIX_FUNCTION Pixel Assemble(Quotients q)
+{
+    const auto green = hn::BitCast(Words(), hn::ShiftLeft<1>(q.odd));
+    const auto even = hn::BitCast(Words(), hn::ShiftRight<7>(q.even));
+    return {hn::OrAnd(even, green, hn::Set(Words(), 0xFF00u))};
 }
 // The product can need 18 bits. With high = trunc(product / 256) and low the rest, it is 255 high + (high + low).
 VD_MIX_FUNCTION hn::Vec<Halves> HalvesTimesOver255(hn::Vec<Halves> c, hn::Vec<Halves> s)
@@ -183,8 +199,26 @@ VD_MIX_FUNCTION Channels TimesOver768(Channels c, Channels s)
 }
 VD_MIX_FUNCTION Pixel Assemble(Channels c)
 {
-    const auto all = hn::BitCast(Words(), hn::Or(c.even, hn::ShiftLeft<8>(c.odd)));
-    return {hn::And(all, hn::Set(Words(), 0x00FFFFFFu))};
+    const auto green = hn::BitCast(Words(), hn::ShiftLeft<8>(c.odd));
+    return {hn::OrAnd(hn::BitCast(Words(), c.even), green, hn::Set(Words(), 0xFF00u))};
+}
+VD_MIX_FUNCTION Pixel BlueAndRed(Pixel p, u32 m, u32 n)
+{
+    using Signed = hn::RebindToSigned<Halves>;
+    const auto bytes = hn::BitCast(Signed(), hn::And(p.v, hn::Set(Words(), 0x00FF00FFu)));
+    const auto factors = hn::BitCast(Signed(), hn::Set(Words(), m | n << 16));
+    auto rest = hn::Zero(Integers());
+    const auto sum = hn::ReorderWidenMulAccumulate(Integers(), bytes, factors, rest, rest);
+    return {hn::BitCast(Words(), hn::RearrangeToOddPlusEven(sum, rest))};
+}
+// By shuffles within groups of four pixels; a number with the high bit set gives a zero byte.
+VD_MIX_FUNCTION Pixel Bytes(Pixel p, u32 i, u32 j, u32 k)
+{
+    using Octets = hn::Repartition<u8, Words>;
+    HWY_ALIGN static constexpr u32 adwPixelOfGroup[4] = {0, 0x040404, 0x080808, 0x0C0C0C};
+    const auto places =
+        hn::Add(hn::Set(Words(), i | j << 8 | k << 16 | 0x80000000u), hn::LoadDup128(Words(), adwPixelOfGroup));
+    return {hn::BitCast(Words(), hn::TableLookupBytesOr0(hn::BitCast(Octets(), p.v), hn::BitCast(Octets(), places)))};
 }
 VD_MIX_FUNCTION Pixel AssembleWide(Channels c)
 {

@@ -1,14 +1,10 @@
 // remap.cpp -- runs programs of mix kernels: block by block through all steps, over all cores
 #include "output/remap.h"
 
+#include "output/ForRanges.h"
 #include "output/MixKernels.h"
 #include "output/MixPlan.h"
 #include "platform/Assert.h"
-
-#ifndef VD_SERIAL_LOOPS
-#include <tbb/blocked_range.h>
-#include <tbb/parallel_for.h>
-#endif
 
 #include <algorithm>
 #include <iterator>
@@ -256,18 +252,6 @@ void RunStrip(const KernelTable &kernels, const MixPlan &plan, size_t iStrip, si
     kernels.pfnFence();
 }
 
-// Calls fn for ranges that together are 0 to n, on all cores.
-template <class Fn> void ForRanges(size_t n, size_t nGrain, Fn fn)
-{
-#ifdef VD_SERIAL_LOOPS
-    (void)nGrain;
-    fn(size_t{0}, n);
-#else
-    tbb::parallel_for(tbb::blocked_range<size_t>(0, n, nGrain),
-                      [&](const tbb::blocked_range<size_t> &range) { fn(range.begin(), range.end()); });
-#endif
-}
-
 void RunInStrips(const KernelTable &kernels, const MixPlan &plan)
 {
     const size_t nStrips = (static_cast<size_t>(plan.nWidth) + STRIP_WIDTH - 1) / STRIP_WIDTH;
@@ -323,10 +307,8 @@ i32 ReflectCoordinate(i32 v, i32 n)
     return nQuotient % 2 ? n - 1 - nRest : nRest;
 }
 
-void RunMixProgram(const MixProgram &prog)
+void RunMixPlan(const MixPlan &plan)
 {
-    VD_ASSERT(prog.nSteps <= MIX_STEPS_MAX && prog.nWidth > 0 && prog.nHeight > 0);
-    const MixPlan plan = PlanProgram(prog);
     if (plan.nSteps == 0)
         return;
     const KernelTable &kernels = GetKernelTable();

@@ -1,4 +1,4 @@
-// remap.h -- the mix kernels: runs prepared steps of pixel arithmetic over whole images
+// remap.h -- the mix kernels and programs of them, which run over whole images
 #pragma once
 
 #include "platform/BaseTypes.h"
@@ -41,7 +41,7 @@ constexpr MixOperand MIX_OPERAND_ZERO = {nullptr, -1};
 
 struct MixStep {
     MixKernel eKernel;
-    u32 nWeight;          // Blend only, 0 to 255
+    u32 iWeight;          // Blend only: place of its weight in a list that changes more often than the steps
     MixOperand asFrom[3]; // source #1, source #2, mask; those that the kernel does not use are not looked at
     u32 *pTo;             // image that receives the result; null: only later steps read it
 };
@@ -59,9 +59,8 @@ struct MixProgram {
 
 // True for the mirrors and Displace.
 bool KernelIsSpatial(MixKernel eKernel);
-
-// Runs the program over all pixels, on all cores; returns when it is done. [main-thread]
-void RunMixProgram(const MixProgram &prog);
+// How many of a step's operands the kernel reads.
+u32 KernelSources(MixKernel eKernel);
 
 // Mirrors a coordinate into 0 to n - 1: the low edge without repeating its pixel, the high edge with it.
 i32 ReflectCoordinate(i32 v, i32 n);

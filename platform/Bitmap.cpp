@@ -2,6 +2,9 @@
 #include "platform/Bitmap.h"
 
 #include "platform/Clock.h"
+#include "platform/Sanitizers.h"
+
+#include <sys/mman.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -13,11 +16,33 @@ namespace {
 
 constexpr i32 BITMAP_SIDE_MAX = 32767;
 constexpr size_t BITS_ALIGNMENT = 64;
+constexpr size_t LARGE_PAGE = 2 * 1024 * 1024;
+
+// Tools that watch every block must see every one come and go.
+#if defined(VD_ADDRESS_SANITIZER) || defined(VD_THREAD_SANITIZER)
+constexpr bool BLOCKS_ARE_WATCHED = true;
+#else
+constexpr bool BLOCKS_ARE_WATCHED = false;
+#endif
+
+// Large pictures lie in large pages: walking through several at a time misses in the address caches at every row
+// otherwise.
+void *AllocateBits(size_t cb)
+{
+    const bool bLarge = cb >= 2 * LARGE_PAGE && !BLOCKS_ARE_WATCHED;
+    void *pBits = nullptr;
+    if (posix_memalign(&pBits, bLarge ? LARGE_PAGE : BITS_ALIGNMENT, cb) != 0)
+        return nullptr;
+    if (bLarge)
+        madvise(pBits, cb / LARGE_PAGE * LARGE_PAGE, MADV_HUGEPAGE); // a kernel without them goes on with small ones
+    return pBits;
+}
 
 // Memory of deleted bitmaps for those to come: fresh memory of this size costs thousands of page faults, which a preset
 // that takes the place of another would pay in the middle of a show.
 constexpr u64 KEPT_BYTES_MIN = 1u << 20;
 constexpr size_t KEPT_MAX = 16;
+constexpr u64 KEPT_BYTES_MAX = 256u << 20;
 
 struct KeptMemory {
     std::mutex mtx;
@@ -51,18 +76,17 @@ void *TakeMemory(u64 cb)
             return pv;
         }
     }
-    void *pv = nullptr;
-    return posix_memalign(&pv, BITS_ALIGNMENT, cb) == 0 ? pv : nullptr;
+    return AllocateBits(cb);
 }
 
 // The size stands in a record that modules can reach: the block itself must confirm it.
 void GiveMemory(void *pv, u64 cb)
 {
     const std::lock_guard lock(Kept.mtx);
-    const bool bKeep = cb >= KEPT_BYTES_MIN && malloc_usable_size(pv) >= cb;
+    const bool bKeep = cb >= KEPT_BYTES_MIN && malloc_usable_size(pv) >= cb && !BLOCKS_ARE_WATCHED;
     if (bKeep)
         Kept.Resize(cb);
-    if (bKeep && Kept.blocks.size() < KEPT_MAX)
+    if (bKeep && Kept.blocks.size() < KEPT_MAX && (Kept.blocks.size() + 1) * cb <= KEPT_BYTES_MAX)
         Kept.blocks.push_back(pv);
     else
         std::free(pv);

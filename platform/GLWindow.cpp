@@ -1,37 +1,25 @@
 // GLWindow.cpp -- hidden OpenGL surfaces through EGL
 #include "platform/GLWindow.h"
 
-#include <EGL/egl.h>
-#include <EGL/eglext.h>
+#include "platform/GLDisplay.h"
+#include "platform/Sanitizers.h"
+
+#include <epoxy/egl.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
-#include <string_view>
 
-// Graphics drivers are not instrumented: the thread sanitizer does not see the locks inside them, and the leak checker
-// cannot place what one leaves behind when it is unloaded. Under the latter the display stays open.
-#if defined(__has_feature)
-#define VD_HAS_FEATURE(feature) __has_feature(feature)
-#else
-#define VD_HAS_FEATURE(feature) 0
-#endif
-#if defined(__SANITIZE_THREAD__) || VD_HAS_FEATURE(thread_sanitizer)
+// Graphics drivers are not instrumented: the thread sanitizer does not see the locks inside them.
+#ifdef VD_THREAD_SANITIZER
 extern "C" const char *__tsan_default_suppressions()
 {
     return "race:_dri.so\nrace:libgallium\nrace:libLLVM\n";
 }
 #endif
-#if defined(__SANITIZE_ADDRESS__) || VD_HAS_FEATURE(address_sanitizer)
-constexpr bool KEEP_DRIVER = true;
-#else
-constexpr bool KEEP_DRIVER = false;
-#endif
 
 namespace {
 
-constexpr EGLint DEVICES_MAX = 32;
 constexpr EGLint CONFIGS_MAX = 256;
 
 struct GLDisplay {
@@ -43,18 +31,6 @@ struct GLDisplay {
 GLDisplay Display;            // [main-thread]
 std::atomic<u32> nWindows{0}; // without a window no module has anything to make current
 std::atomic<bool> bEverOpened{false};
-
-bool ListHasWord(const char *pszList, std::string_view word)
-{
-    std::string_view list = pszList ? pszList : "";
-    while (!list.empty()) {
-        const size_t cch = std::min(list.find(' '), list.size());
-        if (list.substr(0, cch) == word)
-            return true;
-        list.remove_prefix(std::min(cch + 1, list.size()));
-    }
-    return false;
-}
 
 bool IsColor8888(EGLDisplay pDisplay, EGLConfig pConfig)
 {
@@ -105,11 +81,11 @@ bool CanMakeContext(EGLDisplay pDisplay, EGLConfig pConfig)
 
 bool TryDisplay(EGLDisplay pDisplay)
 {
-    if (!pDisplay || !eglInitialize(pDisplay, nullptr, nullptr))
+    if (!UseGLDisplay(pDisplay))
         return false;
     EGLConfig pConfig = ChooseConfig(pDisplay);
     if (!pConfig || !CanMakeContext(pDisplay, pConfig)) {
-        eglTerminate(pDisplay);
+        DropGLDisplay(pDisplay);
         return false;
     }
     Display.pDisplay = pDisplay;
@@ -117,36 +93,24 @@ bool TryDisplay(EGLDisplay pDisplay)
     return true;
 }
 
-template <typename Fn> Fn FindExtension(const char *pszName)
-{
-    return reinterpret_cast<Fn>(eglGetProcAddress(pszName));
-}
-
 bool TryHardwareDevices(PFNEGLGETPLATFORMDISPLAYEXTPROC pfnGetPlatformDisplay)
 {
-    const auto pfnQueryDevices = FindExtension<PFNEGLQUERYDEVICESEXTPROC>("eglQueryDevicesEXT");
-    const auto pfnQueryString = FindExtension<PFNEGLQUERYDEVICESTRINGEXTPROC>("eglQueryDeviceStringEXT");
-    EGLDeviceEXT apDevice[DEVICES_MAX];
-    EGLint n = 0;
-    if (!pfnQueryDevices || !pfnQueryString || !pfnQueryDevices(DEVICES_MAX, apDevice, &n))
-        return false;
-    for (EGLint i = 0; i < n; i++) {
-        const bool bSoftware = ListHasWord(pfnQueryString(apDevice[i], EGL_EXTENSIONS), "EGL_MESA_device_software");
-        if (!bSoftware && TryDisplay(pfnGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, apDevice[i], nullptr)))
-            return true;
-    }
-    return false;
+    GLDevice asDevice[GL_DEVICES_MAX];
+    const u32 nDevices = ListGLDevices(asDevice);
+    return std::any_of(asDevice, asDevice + nDevices, [&](const GLDevice &device) {
+        return !device.bSoftware && TryDisplay(pfnGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, device.pDevice, nullptr));
+    });
 }
 
 // A graphics card first, then whatever draws without a window system, then the window system's display.
 void OpenDisplay()
 {
-    // Mesa prints what it misses; what counts here is whether one of the displays works.
-    setenv("EGL_LOG_LEVEL", "fatal", 0);
+    if (!OpenGLIsInstalled())
+        return;
     const char *pszClient = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
-    const auto pfnGetPlatformDisplay = FindExtension<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
-    if (pfnGetPlatformDisplay && ListHasWord(pszClient, "EGL_EXT_platform_device") &&
-        TryHardwareDevices(pfnGetPlatformDisplay))
+    const auto pfnGetPlatformDisplay =
+        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
+    if (pfnGetPlatformDisplay && TryHardwareDevices(pfnGetPlatformDisplay))
         return;
     if (pfnGetPlatformDisplay && ListHasWord(pszClient, "EGL_MESA_platform_surfaceless") &&
         TryDisplay(pfnGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr)))
@@ -239,7 +203,7 @@ void CloseGLDisplay()
     if (!Display.pDisplay || KEEP_DRIVER)
         return;
     ReleaseGLThread();
-    eglTerminate(Display.pDisplay);
+    DropGLDisplay(Display.pDisplay);
     Display = {};
 }
 

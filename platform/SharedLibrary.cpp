@@ -17,6 +17,11 @@ SharedLibrary *LoadSharedLibrary(std::u16string_view path, std::string *psError)
     return static_cast<SharedLibrary *>(pHandle);
 }
 
+SharedLibrary *LoadSystemLibrary(const char *pszName)
+{
+    return static_cast<SharedLibrary *>(dlopen(pszName, RTLD_LAZY | RTLD_LOCAL));
+}
+
 void *FindEntryPoint(SharedLibrary *pLibrary, std::u16string_view name)
 {
     return pLibrary ? dlsym(pLibrary, ToUtf8(name).c_str()) : nullptr;

@@ -6,6 +6,7 @@
 #include "app/GlobalSettings.h"
 #include "platform/Bitmap.h"
 #include "platform/Text.h"
+#include "tests/InstructionSets.h"
 
 #include <gtest/gtest.h>
 
@@ -50,26 +51,38 @@ TEST(NumberPattern, RefusesEverythingElseAndKeepsPercentSigns)
     EXPECT_LE(FormatNumberPattern(np, 1).size(), 20u);
 }
 
-TEST(Stretch, TakesTheNearestPixelBeforeAtAnySizeAndTurnsThePicture)
+class StretchOfEverySet : public InstructionSet {};
+FOR_EVERY_INSTRUCTION_SET(StretchOfEverySet);
+
+// Stretches into rows with gaps that begin anywhere, and looks at every pixel.
+void ExpectStretched(const HostBitmap *hbm, i32 nWidth, i32 nHeight, bool bFlip)
+{
+    const u64 cbRow = static_cast<u64>(nWidth) * 4 + 12;
+    std::vector<u32> bits((cbRow * static_cast<u64>(nHeight)) / 4 + 1, 0xEEEEEEEEu);
+    StretchPicture({bits.data() + 1, nWidth, nHeight, cbRow}, hbm, bFlip);
+    for (i32 y = 0; y < nHeight; y++) {
+        const u32 *pRow = bits.data() + 1 + static_cast<u64>(y) * cbRow / 4;
+        const i32 ySource = static_cast<i32>(static_cast<i64>(y) * hbm->nHeight / nHeight);
+        const u32 *pFrom = BitmapPixels(hbm) + (bFlip ? hbm->nHeight - 1 - ySource : ySource) * hbm->nWidth;
+        for (i32 x = 0; x < nWidth; x++)
+            ASSERT_EQ(pFrom[static_cast<i64>(x) * hbm->nWidth / nWidth], pRow[x]) << x << ", " << y;
+        if (y < nHeight - 1) {
+            ASSERT_EQ(0xEEEEEEEEu, pRow[nWidth]) << "the gap between rows is not ours";
+        }
+    }
+}
+
+// The last one is so large that it is written past the caches.
+TEST_P(StretchOfEverySet, TakesTheNearestPixelBeforeAtAnySizeAndTurnsThePicture)
 {
     HostBitmap *hbm = CreateBitmap(37, 23);
     for (u32 i = 0; i < 37 * 23; i++)
         BitmapPixels(hbm)[i] = i * 2654435761u;
-    for (const auto &[nWidth, nHeight] :
-         std::vector<std::pair<i32, i32>>{{37, 23}, {1, 1}, {36, 24}, {111, 46}, {500, 7}})
+    for (const auto &[nWidth, nHeight] : std::vector<std::pair<i32, i32>>{
+             {37, 23}, {1, 1}, {36, 24}, {38, 5}, {111, 46}, {500, 7}, {37, 60}, {2503, 2101}})
         for (bool bFlip : {false, true}) {
-            const u64 cbRow = static_cast<u64>(nWidth) * 4 + 12;
-            std::vector<u8> bits(cbRow * static_cast<u64>(nHeight), 0xEE);
-            StretchPicture({bits.data(), nWidth, nHeight, cbRow}, hbm, bFlip);
-            for (i32 y = 0; y < nHeight; y++) {
-                const auto *pRow = reinterpret_cast<const u32 *>(bits.data() + static_cast<u64>(y) * cbRow);
-                const i32 ySource = y * 23 / nHeight;
-                for (i32 x = 0; x < nWidth; x++)
-                    ASSERT_EQ(BitmapPixels(hbm)[(bFlip ? 22 - ySource : ySource) * 37 + x * 37 / nWidth], pRow[x]);
-                if (y < nHeight - 1) {
-                    ASSERT_EQ(0xEEEEEEEEu, pRow[nWidth]) << "the gap between rows is not ours";
-                }
-            }
+            SCOPED_TRACE(testing::Message() << nWidth << " x " << nHeight);
+            ASSERT_NO_FATAL_FAILURE(ExpectStretched(hbm, nWidth, nHeight, bFlip));
         }
     DeleteBitmap(hbm);
 }

@@ -1,7 +1,9 @@
 // PlaneMixer_test.cpp -- rule lists through both paths of the mixer, the rules' own list, the tiling
 #include "controls/ControlManager.h"
+#include "output/MixPreparation.h"
 #include "tests/InstructionSets.h"
 #include "tests/MixerPreset.h"
+#include "tests/RandomRules.h"
 
 #include <algorithm>
 #include <string_view>
@@ -9,32 +11,6 @@
 namespace {
 
 using Random = std::mt19937;
-
-i32 Between(Random &random, i32 nLow, i32 nHigh)
-{
-    return nLow + static_cast<i32>(random() % static_cast<u32>(nHigh - nLow + 1));
-}
-
-// Mostly sources that exist, early and late ones, now and then nonsense.
-i32 RandomSource(Random &random, i32 nSources)
-{
-    constexpr i32 anHostile[] = {-1, 31, 32, 33, INT32_MAX, INT32_MIN};
-    return random() % 16 ? Between(random, 0, nSources) : anHostile[random() % std::size(anHostile)];
-}
-
-std::vector<OracleRule> RandomRules(Random &random, i32 nPlanes, i32 nRules, bool bTile)
-{
-    std::vector<OracleRule> rules;
-    for (i32 r = 0; r < nRules; r++) {
-        const i32 nSources = nPlanes + nRules - 1;
-        OracleRule rule = {RandomSource(random, nSources), RandomSource(random, nSources),
-                           RandomSource(random, nSources), Between(random, 1, 17), Between(random, -20, 275)};
-        if (bTile && random() % 6 == 0)
-            rule.MixOp = MIXOP_TILE_PLANES;
-        rules.push_back(rule);
-    }
-    return rules;
-}
 
 void ExpectSameAsOracle(OraclePreset ps, u32 bOnePass, u32 nFrames)
 {
@@ -229,6 +205,74 @@ TEST(PlaneMixer, RulesEndAtThirtyOneAndAtThirtyTwoSources)
             EXPECT_EQ(MixPlanes(&preset.state, bOnePass), 1u);
     }
     EXPECT_EQ(AddMixRule(nullptr), nullptr);
+}
+
+// Weights move every frame; all else is a change, after which the picture is the new rules'.
+TEST(PlaneMixer, RulesArePreparedOncePerChangeAndNeverStale)
+{
+    Random random(17);
+    const std::vector<OracleRule> rules = {{0, 1, 2, MIXOP_BLEND, 10}, {2, 0, 1, MIXOP_BLEND_ALPHA, 0}};
+    OraclePreset ps = RandomOraclePreset(random, 3, rules, 40, 30);
+    MixerPreset preset(ps);
+    for (u32 bOnePass : {0u, 1u}) {
+        const auto expectPreparations = [&](u32 nExpected) {
+            const u32 nBefore = nMixPreparations;
+            preset.Fill(ps);
+            OraclePreset expected = ps;
+            bOnePass ? OracleOnePass(expected) : OraclePerRule(expected);
+            MixPlanes(&preset.state, bOnePass);
+            EXPECT_EQ(nMixPreparations - nBefore, nExpected);
+            EXPECT_TRUE(SameAsOracle(preset, expected));
+        };
+        expectPreparations(1);
+        for (i32 nWeight : {0, 255, 77}) {
+            preset.state.asMixRule[0].BlendWeight.Integer.nValue = ps.rules[0].nWeight = nWeight;
+            expectPreparations(0);
+        }
+        for (i32 OracleRule::*pField :
+             {&OracleRule::SrcIdx1, &OracleRule::SrcIdx2, &OracleRule::AplhaIdx, &OracleRule::MixOp}) {
+            ps.rules[1].*pField ^= 1;
+            MixerPreset::SetRule(&preset.state.asMixRule[1], ps.rules[1]);
+            expectPreparations(1);
+            expectPreparations(0);
+        }
+        std::swap(ps.planes[0], ps.planes[1]);
+        std::swap(preset.planes[0].Info.hbmResolved, preset.planes[1].Info.hbmResolved);
+        expectPreparations(1);
+        preset.state.nMixRules = 1;
+        ps.rules.resize(1);
+        ps.metas.resize(1);
+        expectPreparations(1);
+        preset.state.nMixRules = 2;
+        ps.rules = rules;
+        ps.metas.push_back(RandomPicture(random, 40, 30));
+        for (u32 r = 0; r < 2; r++)
+            MixerPreset::SetRule(&preset.state.asMixRule[r], rules[r]);
+        expectPreparations(1);
+    }
+}
+
+// Planes can come after the rules, so that more could be named than the table holds.
+TEST(PlaneMixer, FourPlanesWithThirtyOneRulesStayInsideTheTable)
+{
+    Random random(18);
+    std::vector<OracleRule> rules = RandomRules(random, 4, 31, false);
+    rules[30] = {30, 31, 33, MIXOP_BLEND_XOR, 0};
+    rules[29].MixOp = rules[28].MixOp = rules[27].MixOp = MIXOP_NEGATIVE; // the results from rule 28 on have no place
+    rules[27].SrcIdx1 = rules[28].SrcIdx1 = rules[29].SrcIdx1 = 0;
+    OraclePreset ps = RandomOraclePreset(random, 1, rules, 37, 21);
+    MixerPreset preset(ps);
+    for (u32 i = 1; i < 4; i++) {
+        preset.AddBarePlane(37, 21);
+        ps.planes.push_back(RandomPicture(random, 37, 21));
+    }
+    for (u32 bOnePass : {0u, 1u}) {
+        preset.Fill(ps);
+        OraclePreset expected = ps;
+        bOnePass ? OracleOnePass(expected) : OraclePerRule(expected);
+        MixPlanes(&preset.state, bOnePass);
+        EXPECT_TRUE(SameAsOracle(preset, expected)) << bOnePass;
+    }
 }
 
 TEST(PlaneMixer, ANewRuleHasZeroFieldsABlackPictureAndAWeightOf128)

@@ -1,0 +1,26 @@
+// ForRanges.h -- loops over all cores
+#pragma once
+
+#ifndef VD_SERIAL_LOOPS
+#include <tbb/blocked_range.h>
+#include <tbb/parallel_for.h>
+#endif
+
+#include <cstddef>
+
+// Calls fn(first, end) for ranges of nGrain or a little more that together are 0 to n, on all cores; returns when all
+// are done. [any-thread]
+template <class Fn> void ForRanges(size_t n, size_t nGrain, Fn fn)
+{
+#ifdef VD_SERIAL_LOOPS
+    (void)nGrain;
+    fn(size_t{0}, n);
+#else
+    if (n <= nGrain) {
+        fn(size_t{0}, n);
+        return;
+    }
+    tbb::parallel_for(tbb::blocked_range<size_t>(0, n, nGrain),
+                      [&](const tbb::blocked_range<size_t> &range) { fn(range.begin(), range.end()); });
+#endif
+}
