@@ -18,6 +18,7 @@ template <u32 N> u32 CopyText(char16_t (&szTo)[N], std::u16string_view text)
 
 // Case is folded the same way on every machine, without regard to the locale.
 char16_t FoldCase(char16_t ch);
+char16_t UpperCase(char16_t ch);
 bool EqualNoCase(std::u16string_view a, std::u16string_view b);
 bool ContainsNoCase(std::u16string_view text, std::u16string_view what);
 // Place of the first match, or npos.
