@@ -23,11 +23,11 @@ std::thread ScanThread;
 std::atomic<u32> bScansStopped{0};
 std::atomic<u32> nPathsTooLong{0};
 
-// A file that a pass has to look into.
-struct ScanJob {
+// A file that the table lacks.
+struct NewFile {
+    u32 iFile; // in the listing
     std::u16string path;
     FileFacts facts;
-    u32 bNew;        // not in the table yet
     u32 bSummarized; // summary is valid
     PresetSummary summary;
 };
@@ -36,11 +36,13 @@ struct ScanPass {
     u32 bDetails;
     u32 bInPlaceOfNotices; // removals count, and so does every fact
     u32 bShowProgress;
-    FolderListing listing;
-    std::vector<ScanJob> jobs;
-    std::vector<bool> abSeen; // by slot
+    FolderListing listing; // with facts unless the files are going to be read
+    OpenedFolder folder;
+    std::vector<NewFile> newFiles; // guarded by PresetTableLock while threads add to it
+    std::vector<bool> abSeen;      // by slot; the same
     std::atomic<u32> bChanged;
-    std::atomic<u32> nJobsDone;
+    std::atomic<u32> nTooLong;
+    std::atomic<u32> nFilesDone;
 };
 
 NewPreset MakeNewPreset(std::u16string_view path, const FileFacts &facts, const PresetSummary *pSummary)
@@ -53,48 +55,93 @@ NewPreset MakeNewPreset(std::u16string_view path, const FileFacts &facts, const 
     return made;
 }
 
-bool FactsMoved(const ScanPass &pass, i32 iSlot, const PresetInfo *lppi, const FileFacts &facts)
-{
-    if (lppi->ftLastWrite != facts.ftLastWrite)
-        return true;
-    return pass.bInPlaceOfNotices &&
-           (lppi->dwSize != static_cast<u32>(facts.cb) || PresetFileId(iSlot) != facts.qwFileId);
-}
-
 void MarkSeen(ScanPass *pPass, i32 iSlot)
 {
-    if (static_cast<size_t>(iSlot) < pPass->abSeen.size())
+    if (iSlot >= 0 && static_cast<size_t>(iSlot) < pPass->abSeen.size())
         pPass->abSeen[static_cast<size_t>(iSlot)] = true;
 }
 
-void CompareFile(ScanPass *pPass, std::u16string_view path, const FileFacts &facts)
+// What the table knew of a file when it was asked.
+struct KnownFile {
+    i32 iSlot; // -1: nothing
+    u32 bSummarized;
+    FileFacts facts;
+};
+
+KnownFile FindKnown(ScanPass *pPass, std::u16string_view path)
 {
     const PresetTableLock lock;
     const i32 iSlot = FindPresetFile(path);
-    if (iSlot < 0) {
-        pPass->jobs.push_back({std::u16string(path), facts, 1, 0, {}});
-        return;
-    }
-    MarkSeen(pPass, iSlot);
     const PresetInfo *lppi = GetPresetInfo(iSlot);
-    if ((pPass->bDetails && !lppi->bSummarized) || FactsMoved(*pPass, iSlot, lppi, facts))
-        pPass->jobs.push_back({std::u16string(path), facts, 0, 0, {}});
+    MarkSeen(pPass, iSlot);
+    return lppi ? KnownFile{iSlot, lppi->bSummarized, {lppi->ftLastWrite, lppi->dwSize, PresetFileId(iSlot)}}
+                : KnownFile{iSlot, 0, {}};
 }
 
-void CompareFolder(ScanPass *pPass)
+void UpdateFile(ScanPass *pPass, std::u16string_view path, FileFacts facts, ReadBuffer *pBuffer)
 {
-    u32 nTooLong = 0;
-    std::u16string path = JoinPath(sFolder, u"x");
-    const size_t cchFolder = path.size() - 1;
-    for (const FolderFile &file : pPass->listing.files) {
-        path.resize(cchFolder);
-        path += FromUtf8(pPass->listing.Name(file));
-        if (path.size() < NAME_CHARS)
-            CompareFile(pPass, path, file.facts);
-        else
-            nTooLong++;
+    PresetSummary summary = {};
+    if (pPass->bDetails && !SummarizePreset(pPass->folder, path, pBuffer, &facts, &summary))
+        return;
+    const NewPreset fresh = MakeNewPreset(path, facts, pPass->bDetails ? &summary : nullptr);
+    if (UpdatePreset(fresh.info, fresh.qwFileId, fresh.bFavorKnown))
+        pPass->bChanged = 1;
+}
+
+// pListed: the facts from the listing, or null to ask for them where they are needed.
+void LookAtFile(ScanPass *pPass, u32 iFile, const std::u16string &path, const FileFacts *pListed, ReadBuffer *pBuffer)
+{
+    const KnownFile known = FindKnown(pPass, path);
+    if (known.iSlot >= 0 && pPass->bDetails && !known.bSummarized) {
+        UpdateFile(pPass, path, known.facts, pBuffer);
+        return;
     }
-    nPathsTooLong = nTooLong;
+    FileFacts facts = {};
+    if (pListed)
+        facts = *pListed;
+    else if (QueryFile(path, &facts) != FileKind::Regular)
+        return;
+    const bool bMoved = pPass->bInPlaceOfNotices ? facts != known.facts : facts.ftLastWrite != known.facts.ftLastWrite;
+    if (known.iSlot < 0) {
+        const PresetTableLock lock;
+        pPass->newFiles.push_back({iFile, path, facts, 0, {}});
+    } else if (bMoved) {
+        UpdateFile(pPass, path, facts, pBuffer);
+    }
+}
+
+void ShowScanProgress(ScanPass *pPass)
+{
+    const u32 nDone = ++pPass->nFilesDone;
+    if (pPass->bShowProgress)
+        StorePresetScanState(0, static_cast<f32>(nDone) / static_cast<f32>(pPass->listing.files.size()));
+}
+
+bool LookAtListed(ScanPass *pPass, u32 iFile, ReadBuffer *pBuffer)
+{
+    const FolderFile &file = pPass->listing.files[iFile];
+    const std::u16string path = JoinPath(sFolder, FromUtf8(pPass->listing.Name(file)));
+    if (path.size() < NAME_CHARS)
+        LookAtFile(pPass, iFile, path, pPass->bDetails ? nullptr : &file.facts, pBuffer);
+    else
+        pPass->nTooLong++;
+    ShowScanProgress(pPass);
+    return !bScansStopped;
+}
+
+// On the pool if files are going to be read. 0 when it was stopped.
+u32 LookAtFolder(ScanPass *pPass)
+{
+    const u32 nFiles = static_cast<u32>(pPass->listing.files.size());
+    u32 bAll = 1;
+    ReadBuffer buffer = {};
+    if (pPass->bDetails)
+        bAll = RunSummaryJobs(nFiles, [=](u32 i, ReadBuffer *pBuffer) { return LookAtListed(pPass, i, pBuffer); });
+    else
+        for (u32 i = 0; i < nFiles; i++)
+            LookAtListed(pPass, i, &buffer);
+    nPathsTooLong = pPass->nTooLong.load();
+    return bAll;
 }
 
 // Entries that the listing lacks. One whose file is there has an unusual name and is looked at like the others.
@@ -106,10 +153,10 @@ std::vector<i32> FindGoneEntries(ScanPass *pPass)
             unseen.emplace_back(iSlot, lppi->szPath);
     });
     std::vector<i32> gone;
+    ReadBuffer buffer = {};
     for (const auto &[iSlot, path] : unseen) {
-        FileFacts facts;
-        if (QueryFile(path, &facts) == FileKind::Regular)
-            CompareFile(pPass, path, facts);
+        if (QueryFile(path, nullptr) == FileKind::Regular)
+            LookAtFile(pPass, ALL_ONES, path, nullptr, &buffer);
         else
             gone.push_back(iSlot);
     }
@@ -128,79 +175,61 @@ void SettleGoneEntries(ScanPass *pPass)
 {
     const std::vector<i32> gone = FindGoneEntries(pPass);
     std::unordered_map<u64, size_t> newById;
-    for (size_t i = 0; i < pPass->jobs.size(); i++)
-        if (pPass->jobs[i].bNew)
-            newById.emplace(pPass->jobs[i].facts.qwFileId, i);
+    for (size_t i = 0; i < pPass->newFiles.size(); i++)
+        newById.emplace(pPass->newFiles[i].facts.qwFileId, i);
     const PresetTableLock lock;
     for (i32 iSlot : gone) {
         const auto it = newById.find(PresetFileId(iSlot));
         pPass->bChanged = 1;
-        if (it == newById.end() || !IsSameFile(iSlot, pPass->jobs[it->second].facts)) {
+        if (it != newById.end() && IsSameFile(iSlot, pPass->newFiles[it->second].facts))
+            MovePreset(iSlot, pPass->newFiles[it->second].path);
+        else
             DropPreset(iSlot);
-            continue;
-        }
-        MovePreset(iSlot, pPass->jobs[it->second].path);
-        pPass->jobs[it->second].bNew = 0; // with its summary, if it has none yet
-        newById.erase(it);
     }
+    std::erase_if(pPass->newFiles, [](const NewFile &file) { return FindPresetFile(file.path) >= 0; });
 }
 
-void PlaceJob(ScanPass *pPass, const ScanJob &job)
+u32 SummarizeNewFiles(ScanPass *pPass)
 {
-    const NewPreset made = MakeNewPreset(job.path, job.facts, job.bSummarized ? &job.summary : nullptr);
-    const bool bDone = job.bNew ? PlacePreset(made.info, made.qwFileId, made.bFavorKnown) != nullptr
-                                : UpdatePreset(made.info, made.qwFileId, made.bFavorKnown) != 0;
-    if (bDone)
-        pPass->bChanged = 1;
-}
-
-void ShowScanProgress(const ScanPass &pass)
-{
-    const f32 fFiles = static_cast<f32>(std::max<size_t>(pass.listing.files.size(), 1));
-    const f32 fLeft = static_cast<f32>(pass.jobs.size() - pass.nJobsDone);
-    if (pass.bShowProgress)
-        StorePresetScanState(0, std::clamp(1.0f - fLeft / fFiles, 0.0f, 1.0f));
-}
-
-bool RunDetailJob(ScanPass *pPass, u32 iJob, ReadBuffer *pBuffer)
-{
-    ScanJob &job = pPass->jobs[iJob];
-    job.bSummarized = SummarizePreset(job.path, pBuffer, &job.facts, &job.summary);
-    if (job.bSummarized && !job.bNew)
-        PlaceJob(pPass, job);
-    pPass->nJobsDone++;
-    ShowScanProgress(*pPass);
-    return !bScansStopped;
-}
-
-// New files are entered in the order of their names, whichever thread read them.
-u32 RunDetailJobs(ScanPass *pPass)
-{
-    const u32 bAll = RunSummaryJobs(static_cast<u32>(pPass->jobs.size()), [pPass](u32 iJob, ReadBuffer *pBuffer) {
-        return RunDetailJob(pPass, iJob, pBuffer);
+    return RunSummaryJobs(static_cast<u32>(pPass->newFiles.size()), [=](u32 i, ReadBuffer *pBuffer) {
+        NewFile &file = pPass->newFiles[i];
+        file.bSummarized = SummarizePreset(pPass->folder, file.path, pBuffer, &file.facts, &file.summary);
+        return !bScansStopped;
     });
-    for (const ScanJob &job : pPass->jobs)
-        if (job.bNew && job.bSummarized)
-            PlaceJob(pPass, job);
-    return bAll;
+}
+
+// In the order of their names, whichever thread found them first.
+void PlaceNewFiles(ScanPass *pPass)
+{
+    std::sort(pPass->newFiles.begin(), pPass->newFiles.end(),
+              [](const NewFile &a, const NewFile &b) { return a.iFile < b.iFile; });
+    for (const NewFile &file : pPass->newFiles) {
+        if (pPass->bDetails && !file.bSummarized)
+            continue;
+        const NewPreset made = MakeNewPreset(file.path, file.facts, pPass->bDetails ? &file.summary : nullptr);
+        if (PlacePreset(made.info, made.qwFileId, made.bFavorKnown))
+            pPass->bChanged = 1;
+    }
 }
 
 u32 RunPass(ScanPass *pPass)
 {
-    ListFolder(sFolder, PRESET_SUFFIX, &pPass->listing);
+    ListFolder(sFolder, PRESET_SUFFIX, !pPass->bDetails, &pPass->listing);
     ReservePresetSlots(static_cast<u32>(pPass->listing.files.size()) + PRESET_SLOTS_SPARE);
     if (pPass->listing.files.empty() && !pPass->bInPlaceOfNotices)
         return 0;
     if (pPass->bShowProgress)
         StorePresetScanState(0, 0);
     pPass->abSeen.resize(static_cast<size_t>(PresetSlotCount()));
-    CompareFolder(pPass);
-    if (pPass->bInPlaceOfNotices)
+    pPass->folder = OpenFolder(sFolder);
+    u32 bAll = LookAtFolder(pPass);
+    if (pPass->bInPlaceOfNotices && bAll)
         SettleGoneEntries(pPass);
-    if (!pPass->bDetails)
-        for (const ScanJob &job : pPass->jobs)
-            PlaceJob(pPass, job);
-    if (pPass->bDetails && RunDetailJobs(pPass) && pPass->bShowProgress)
+    if (pPass->bDetails && bAll)
+        bAll = SummarizeNewFiles(pPass);
+    CloseFolder(&pPass->folder);
+    PlaceNewFiles(pPass);
+    if (pPass->bShowProgress && bAll)
         StorePresetScanState(1, 0);
     return pPass->bChanged;
 }
@@ -237,7 +266,7 @@ u32 NewPresetInfo(std::u16string_view path, u32 bDetails, NewPreset *pNew)
     if (path.size() >= NAME_CHARS || QueryFile(path, &facts) != FileKind::Regular ||
         static_cast<u32>(facts.cb) == ALL_ONES)
         return 0;
-    if (bDetails && !SummarizePreset(path, &buffer, &facts, &summary))
+    if (bDetails && !SummarizePreset({{}, -1}, path, &buffer, &facts, &summary))
         return 0;
     *pNew = MakeNewPreset(path, facts, bDetails ? &summary : nullptr);
     return 1;

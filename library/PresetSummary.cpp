@@ -134,11 +134,13 @@ u32 FindCachedSummary(std::u16string_view path, const FileFacts &facts, PresetSu
     return 1;
 }
 
-u32 SummarizePreset(std::u16string_view path, ReadBuffer *pBuffer, FileFacts *pFacts, PresetSummary *pSummary)
+u32 SummarizePreset(const OpenedFolder &folder, std::u16string_view path, ReadBuffer *pBuffer, FileFacts *pFacts,
+                    PresetSummary *pSummary)
 {
     if (FindCachedSummary(path, *pFacts, pSummary))
         return 1;
-    if (!ReadFileAndFacts(path, PRESET_BYTES_MAX, pBuffer, pFacts) || static_cast<u32>(pFacts->cb) == SIZE_UNKNOWN)
+    if (!ReadFileAndFacts(folder, path, PRESET_BYTES_MAX, pBuffer, pFacts) ||
+        static_cast<u32>(pFacts->cb) == SIZE_UNKNOWN)
         return 0;
     *pSummary = SummarizeText(pBuffer->ab.data(), pBuffer->cb);
     return 1;

@@ -20,9 +20,9 @@ void PrepareSummaries();
 // anywhere and without regard to case (A to Z). pText has READ_SLACK readable bytes behind it. [any-thread]
 PresetSummary SummarizeText(const char *pText, u64 cb);
 
-// From the cache if the file is as it was, else by reading it. *pFacts: the file's facts; those that belong to the text
-// on return. 0 when it cannot be read. [any-thread]
-u32 SummarizePreset(std::u16string_view path, ReadBuffer *pBuffer, FileFacts *pFacts, PresetSummary *pSummary);
+// From the cache if the file is as it was, else by reading it. *pFacts: the file's facts as known; those that belong to
+// the text on return. The folder is a short cut. 0 when it cannot be read. [any-thread]
+u32 SummarizePreset(const OpenedFolder &folder, std::u16string_view path, ReadBuffer *pBuffer, FileFacts *pFacts, PresetSummary *pSummary);
 // The cache alone.
 u32 FindCachedSummary(std::u16string_view path, const FileFacts &facts, PresetSummary *pSummary);
 

@@ -21,11 +21,11 @@ enum class FileKind { Missing, Regular, Folder, Other };
 // [any-thread]
 FileKind QueryFile(std::u16string_view path, FileFacts *pFacts);
 
-// The regular files of a folder, in the byte order of their UTF-8 names.
+// Files of a folder, in the byte order of their UTF-8 names.
 struct FolderFile {
     u32 iName; // place in sNames
     u32 cbName;
-    FileFacts facts;
+    FileFacts facts; // zeros when they were not asked for
 };
 struct FolderListing {
     std::string sNames;
@@ -36,10 +36,10 @@ struct FolderListing {
     }
 };
 
-// Lists the regular files whose names end in the suffix (ASCII, without regard to case) with their facts: one walk over
-// the folder, one query a file. Leaves out names that could not be opened again from their UTF-16 form. 0 when the
-// folder cannot be read. [any-thread]
-u32 ListFolder(std::u16string_view folder, std::string_view suffix, FolderListing *pListing);
+// Lists the files whose names end in the suffix (ASCII, without regard to case), in one walk; with bFacts regular files
+// only, and their facts, which takes a query each. Leaves out names that could not be opened again from their UTF-16
+// form. 0 when the folder cannot be read. [any-thread]
+u32 ListFolder(std::u16string_view folder, std::string_view suffix, u32 bFacts, FolderListing *pListing);
 
 // A buffer that one thread reads file after file into.
 constexpr u64 READ_SLACK = 128; // zero bytes behind the contents: a search may look ahead
@@ -48,6 +48,17 @@ struct ReadBuffer {
     u64 cb; // contents
 };
 
-// Reads a regular file of at most cbMax bytes together with the facts that belong to these bytes: a file that somebody
-// writes meanwhile is read again, a few times. 0 when it cannot be read or does not come to rest. [any-thread]
-u32 ReadFileAndFacts(std::u16string_view path, u64 cbMax, ReadBuffer *pBuffer, FileFacts *pFacts);
+// A folder kept open, so that each file in it costs no walk down the path. fd -1: none; paths then serve as they are.
+struct OpenedFolder {
+    std::u16string folder;
+    int fd;
+};
+OpenedFolder OpenFolder(std::u16string_view folder);
+void CloseFolder(OpenedFolder *pFolder);
+
+// Reads a regular file of at most cbMax bytes together with its facts. *pFacts holds what was known just before: a file
+// of that size is taken as it was, for if somebody writes it meanwhile, its date tells the next one who looks. With
+// zeros, or another size, it is read until two looks at it agree, a few times. 0 when it cannot be read or does not
+// come to rest. [any-thread]
+u32 ReadFileAndFacts(const OpenedFolder &folder, std::u16string_view path, u64 cbMax, ReadBuffer *pBuffer,
+                     FileFacts *pFacts);
