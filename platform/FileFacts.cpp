@@ -92,7 +92,7 @@ bool ReadAtRest(int fd, u64 cbMax, ReadBuffer *pBuffer, FileFacts *pFacts)
     for (u32 nReading = 0; nReading < READINGS_MAX; nReading++) {
         struct stat st;
         const FileFacts before = *pFacts;
-        if (ReadToEnd(fd, before.cb, cbMax, pBuffer) != 0)
+        if (before.cb > cbMax || ReadToEnd(fd, before.cb, cbMax, pBuffer) != 0)
             return false;
         if (nReading == 0 && before.cb != 0 && pBuffer->cb == before.cb)
             return true;
