@@ -159,6 +159,47 @@ void ReportFrames(const std::string &sName, const std::u16string &folder)
                  BenchGoal::AT_MOST);
 }
 
+template <typename Fn> double MillisecondsUntil(Fn &&fn)
+{
+    const i64 nStart = RealNanoseconds();
+    while (!fn() && RealNanoseconds() - nStart < 20000000000)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return static_cast<double>(RealNanoseconds() - nStart) / 1e6;
+}
+
+bool IsSummarized(const std::u16string &path)
+{
+    const PresetTableLock lock;
+    const PresetInfo *lppi = GetPresetInfo(FindPresetFile(path));
+    return lppi && lppi->bSummarized;
+}
+
+// From the last byte on the disk to the entry in the table, in a large folder.
+void ReportWatch(const std::string &sName, const std::u16string &folder)
+{
+    FreePresetLibrary();
+    OpenPresetLibrary(folder, u"");
+    ScanPresetFolder(1);
+    if (!WatchPresets())
+        std::exit(1);
+    u32 dwState = 7;
+    std::vector<double> afSingle;
+    for (u32 i = 0; i < 5; i++) {
+        const std::u16string path = folder + u"/single " + FromUtf8(std::to_string(i)) + u".VD";
+        std::ofstream(ToUtf8(path)) << bench::PresetText(&dwState);
+        afSingle.push_back(MillisecondsUntil([&] { return IsSummarized(path); }));
+    }
+    ReportFigure((sName + "a new file in the table after").c_str(), Median(afSingle), 500, "ms", BenchGoal::AT_MOST);
+    std::vector<std::u16string> paths;
+    for (u32 i = 0; i < 1000; i++) {
+        paths.push_back(folder + u"/burst " + FromUtf8(std::to_string(i)) + u".VD");
+        std::ofstream(ToUtf8(paths.back())) << bench::PresetText(&dwState);
+    }
+    const double fBurst = MillisecondsUntil([&] { return std::all_of(paths.begin(), paths.end(), IsSummarized); });
+    ReportFigure((sName + "1000 new files in the table after").c_str(), fBurst, 2000, "ms", BenchGoal::AT_MOST);
+    FreePresetLibrary();
+}
+
 void Measure(const bench::fs::path &folder, u32 nPresets)
 {
     const std::string sName = "PresetLibrary/" + std::to_string(nPresets) + " presets, ";
@@ -171,6 +212,7 @@ void Measure(const bench::fs::path &folder, u32 nPresets)
         return;
     ReportRescans(sName);
     ReportFrames(sName, FromUtf8(sPath));
+    ReportWatch(sName, FromUtf8(sPath));
 }
 
 } // namespace

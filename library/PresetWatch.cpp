@@ -19,14 +19,10 @@ bool Refresh(std::u16string_view path)
 }
 
 // A file that comes in over one of that name, such as a preset that the program itself saves, changes what is there.
-bool TakeAdded(std::u16string_view path)
+// One that could not be read when it came, with its writer still at work, is added when the writer has closed it.
+bool TakeContents(std::u16string_view path)
 {
     return FindPresetFile(path) >= 0 ? Refresh(path) : AddPresetInfo(path, 1);
-}
-
-bool TakeModified(std::u16string_view path)
-{
-    return FindPresetFile(path) >= 0 && Refresh(path);
 }
 
 bool TakeRemoved(std::u16string_view path)
@@ -63,11 +59,11 @@ bool TakeNewName(std::u16string_view path)
         if (iReplaced < 0 && !IsPresetName(NameAndExtension(from)))
             return false;
     }
-    return TakeAdded(path);
+    return TakeContents(path);
 }
 
 constexpr bool (*apfnTake[])(std::u16string_view path) = {
-    nullptr, TakeAdded, TakeRemoved, TakeModified, TakeOldName, TakeNewName,
+    nullptr, TakeContents, TakeRemoved, TakeContents, TakeOldName, TakeNewName,
 };
 static_assert(std::size(apfnTake) == WATCH_NEW_NAME + 1);
 
