@@ -53,13 +53,11 @@ void WriteFave(XmlContext *pxc, u32 iFave, const PresetInfo *lppi)
 
 } // namespace
 
-u32 bFavorPending = 0;
-
-u32 ServeFavorPresses()
+u32 ServeFavorPresses(u32 *pbPending)
 {
-    if (!bFavorPending)
+    if (!*pbPending)
         return 0;
-    bFavorPending = 0;
+    *pbPending = 0;
     const std::u16string_view name = NameAndExtension(GlobalSettings.Preset);
     const PresetTableLock lock;
     PresetInfo *lppi = GetPresetInfo(FindPresetFile(JoinPath(PresetFolder(), name)));

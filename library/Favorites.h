@@ -6,13 +6,11 @@
 #include <string>
 #include <string_view>
 
-// The favor key was pressed. Set by the visuals window, served by ServeFavorPresses. [main-thread]
-extern u32 bFavorPending;
-
-// Counts a waiting press, once however many there were, for the preset that GlobalSettings.Preset names; one that lies
-// not in the preset folder has no count. To be called from a timer of 200 ms. Non-zero if a press was waiting: a list
-// of presets then shows another count. [main-thread]
-u32 ServeFavorPresses();
+// Takes the favor presses that wait in the flag bFavorPending of the visuals window: they count once, however many
+// there were, for the preset that GlobalSettings.Preset names. One that lies not in the preset folder has no count. To
+// be called from a timer of 200 ms. Non-zero if a press was waiting: a list of presets then shows another count.
+// [main-thread]
+u32 ServeFavorPresses(u32 *pbPending);
 
 // Puts the counts of the file into the table. 0 when it cannot be opened. Names that match no preset are dropped.
 u32 LoadFavorites(std::u16string_view path);

@@ -23,7 +23,7 @@ std::thread ScanThread;
 std::atomic<u32> bScansStopped{0};
 std::atomic<u32> nPathsTooLong{0};
 
-// A file that the table lacks.
+// A file that the table lacks, to be read before it is entered.
 struct NewFile {
     u32 iFile; // in the listing
     std::u16string path;
@@ -88,6 +88,13 @@ void UpdateFile(ScanPass *pPass, std::u16string_view path, FileFacts facts, Read
         pPass->bChanged = 1;
 }
 
+void PlaceFile(ScanPass *pPass, std::u16string_view path, const FileFacts &facts, const PresetSummary *pSummary)
+{
+    const NewPreset made = MakeNewPreset(path, facts, pSummary);
+    if (PlacePreset(made.info, made.qwFileId, made.bFavorKnown))
+        pPass->bChanged = 1;
+}
+
 // pListed: the facts from the listing, or null to ask for them where they are needed.
 void LookAtFile(ScanPass *pPass, u32 iFile, const std::u16string &path, const FileFacts *pListed, ReadBuffer *pBuffer)
 {
@@ -102,7 +109,9 @@ void LookAtFile(ScanPass *pPass, u32 iFile, const std::u16string &path, const Fi
     else if (QueryFile(path, &facts) != FileKind::Regular)
         return;
     const bool bMoved = pPass->bInPlaceOfNotices ? facts != known.facts : facts.ftLastWrite != known.facts.ftLastWrite;
-    if (known.iSlot < 0) {
+    if (known.iSlot < 0 && !pPass->bDetails) {
+        PlaceFile(pPass, path, facts, nullptr);
+    } else if (known.iSlot < 0) {
         const PresetTableLock lock;
         pPass->newFiles.push_back({iFile, path, facts, 0, {}});
     } else if (bMoved) {
@@ -203,13 +212,9 @@ void PlaceNewFiles(ScanPass *pPass)
 {
     std::sort(pPass->newFiles.begin(), pPass->newFiles.end(),
               [](const NewFile &a, const NewFile &b) { return a.iFile < b.iFile; });
-    for (const NewFile &file : pPass->newFiles) {
-        if (pPass->bDetails && !file.bSummarized)
-            continue;
-        const NewPreset made = MakeNewPreset(file.path, file.facts, pPass->bDetails ? &file.summary : nullptr);
-        if (PlacePreset(made.info, made.qwFileId, made.bFavorKnown))
-            pPass->bChanged = 1;
-    }
+    for (const NewFile &file : pPass->newFiles)
+        if (file.bSummarized)
+            PlaceFile(pPass, file.path, file.facts, &file.summary);
 }
 
 u32 RunPass(ScanPass *pPass)

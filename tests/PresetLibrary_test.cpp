@@ -304,16 +304,17 @@ TEST_F(FavoritesFile, PressesBetweenTwoTicksCountOnceForThePresetThatRuns)
 {
     Write("a.VD", Text({}));
     Open();
+    u32 bPending = 0;
     CopyText(GlobalSettings.Preset, u"a.VD");
-    EXPECT_EQ(0u, ServeFavorPresses());
-    bFavorPending = 1;
-    EXPECT_EQ(1u, ServeFavorPresses());
-    EXPECT_EQ(0u, ServeFavorPresses());
+    EXPECT_EQ(0u, ServeFavorPresses(&bPending));
+    bPending = 1;
+    EXPECT_EQ(1u, ServeFavorPresses(&bPending));
+    EXPECT_EQ(0u, ServeFavorPresses(&bPending));
     EXPECT_EQ(1, Entry("a.VD").nFavor);
     for (const char16_t *pszPreset : {u"A.VD", u"Tempname.VD", u""}) {
         CopyText(GlobalSettings.Preset, pszPreset);
-        bFavorPending = 1;
-        EXPECT_EQ(1u, ServeFavorPresses());
+        bPending = 1;
+        EXPECT_EQ(1u, ServeFavorPresses(&bPending));
     }
     EXPECT_EQ(1, Entry("a.VD").nFavor);
     GlobalSettings = {};
