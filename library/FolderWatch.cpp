@@ -60,8 +60,6 @@ bool WaitForBurst(const FolderWatch *pWatch, WaitingChanges *pWaiting)
 {
     const i64 nEnd = RealNanoseconds() + SETTLE_MAX_NS;
     for (;;) {
-        // Merging costs time in proportion to what waits, and all of it is given up anyway.
-        pWaiting->queue.clear();
         const NoticeWait eWait = WaitFolderNotices(pWatch->pNotices, WATCH_DELAY_MS);
         if (eWait == NoticeWait::Stopped)
             return false;
@@ -79,7 +77,6 @@ bool ServeLost(const FolderWatch *pWatch, WaitingChanges *pWaiting)
 {
     if (!WaitForBurst(pWatch, pWaiting) || !ReadNotices(pWatch, pWaiting))
         return false;
-    pWaiting->queue.clear();
     pWaiting->bLost = 0;
     pWatch->lpfnLost();
     return true;
@@ -113,7 +110,7 @@ bool WatchOnce(const FolderWatch *pWatch, WaitingChanges *pWaiting)
         return false;
     if (pWaiting->bEnded)
         return true;
-    if (pWaiting->bLost || pWaiting->queue.size() > WATCH_WAITING_MAX)
+    if (pWaiting->bLost)
         return ServeLost(pWatch, pWaiting);
     if (!pWaiting->queue.empty())
         ServeOne(pWatch, pWaiting);

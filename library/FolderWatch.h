@@ -43,7 +43,7 @@ struct WaitingChange {
 };
 struct WaitingChanges {
     std::deque<WaitingChange> queue;
-    u32 bLost;  // notices were dropped: what waits is not all
+    u32 bLost;  // notices were dropped or were too many: the whole folder has to be looked at, and nothing waits
     u32 bEnded; // the folder is gone
 };
 // Adds a notice. A save becomes one change; a file that went and came back is modified, not removed; a rename stays a

@@ -117,7 +117,7 @@ u32 ReadCacheImage(FILE *pFile, u64 cbFile, PresetCacheImage *pImage)
     if (nRecords > CACHE_RECORDS_MAX || cbFile != sizeof nCount + u64{nRecords} * sizeof(PresetCacheRecord))
         return 0;
     const std::vector<u32> adwModuleHash = HashModules();
-    std::vector<PresetCacheRecord> block(RECORDS_PER_READ);
+    std::vector<PresetCacheRecord> block(std::min(RECORDS_PER_READ, nRecords));
     pImage->records.reserve(nRecords);
     while (pImage->records.size() < nRecords) {
         const size_t nBlock = std::min<size_t>(block.size(), nRecords - pImage->records.size());

@@ -66,6 +66,8 @@ void TakeNewName(Queue *pQueue, const FolderNotice &notice)
 void TakeNotice(WaitingChanges *pWaiting, const FolderNotice &notice)
 {
     Queue *pQueue = &pWaiting->queue;
+    if (pWaiting->bLost && notice.eKind != NoticeKind::Ended)
+        return;
     switch (notice.eKind) {
     case NoticeKind::Created:
         Merge(pQueue, WATCH_ADDED, notice.sName, {WATCH_ADDED, WATCH_REMOVED});
@@ -90,6 +92,10 @@ void TakeNotice(WaitingChanges *pWaiting, const FolderNotice &notice)
         pWaiting->bEnded = 1;
         break;
     }
+    if (pQueue->size() > WATCH_WAITING_MAX)
+        pWaiting->bLost = 1;
+    if (pWaiting->bLost)
+        pQueue->clear();
 }
 
 WaitingChange NextChange(WaitingChanges *pWaiting)

@@ -60,6 +60,19 @@ TEST(WaitingChanges, ARenameIsAPairAndLeavingTheFolderARemoval)
     EXPECT_EQ(" +a", Changes({{Written, 0, "a"}, {MovedTo, 7, "a"}})) << "saved through another folder";
 }
 
+TEST(WaitingChanges, TooManyOfThemCountAsLost)
+{
+    WaitingChanges waiting = {};
+    for (i32 i = 0; i < 64; i++)
+        TakeNotice(&waiting, {Written, 0, std::to_string(i)});
+    EXPECT_EQ(0u, waiting.bLost);
+    EXPECT_EQ(64u, waiting.queue.size());
+    TakeNotice(&waiting, {Written, 0, "one more"});
+    TakeNotice(&waiting, {Written, 0, "and another"});
+    EXPECT_EQ(1u, waiting.bLost);
+    EXPECT_TRUE(waiting.queue.empty());
+}
+
 std::mutex mtxLog;
 std::string sLog;
 std::atomic<u32> nLost{0};
