@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr unsigned ROUNDS = 11;
+constexpr unsigned ROUNDS = 9;
 constexpr u32 RESCANS = 1000;
 constexpr double BYTES_GOAL = 1.2 * 1024;
 
@@ -102,13 +102,16 @@ void ReportMemory(const std::string &sName, const std::u16string &folder, u32 nP
                  BenchGoal::AT_MOST);
 }
 
-void ReportRescans(const std::string &sName)
+void ReportRescans(const bench::fs::path &folder)
 {
+    bench::MakePresetFolder(folder, 1000);
+    FreePresetLibrary();
+    OpenPresetLibrary(FromUtf8(folder.string()), u"");
     RescanPresetFolder();
     const double fBefore = HeapBytes();
     for (u32 i = 0; i < RESCANS; i++)
         i % 2 ? RescanPresetFolder() : ScanPresetFolder(1);
-    ReportFigure((sName + "growth in 1000 rescans").c_str(), HeapBytes() - fBefore, 0, "bytes", BenchGoal::AT_MOST);
+    ReportFigure("PresetLibrary/growth in 1000 rescans", HeapBytes() - fBefore, 0, "bytes", BenchGoal::AT_MOST);
 }
 
 void ReportSearch(const std::string &sName, u32 nPresets)
@@ -210,7 +213,6 @@ void Measure(const bench::fs::path &folder, u32 nPresets)
     ReportSearch(sName, nPresets);
     if (nPresets > 10000)
         return;
-    ReportRescans(sName);
     ReportFrames(sName, FromUtf8(sPath));
     ReportWatch(sName, FromUtf8(sPath));
 }
@@ -225,6 +227,7 @@ int main()
     const bench::fs::path folder = szFolder;
     bench::LoadManyModules(folder / "DLL", 64);
     PrepareSummaries();
+    ReportRescans(folder / "rescans");
     for (u32 nPresets : {10000u, 50000u})
         Measure(folder, nPresets);
     FreePresetLibrary();
