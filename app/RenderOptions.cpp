@@ -97,8 +97,11 @@ constexpr OptionRow asOption[] = {
     {"--data", "DIR", "an existing data folder", SetData},
     {"--modules", "DIR", "an existing folder of module libraries", SetModules},
     {"--save", "FILE", "save the loaded preset under this name and end, without frames", SetText<&RenderOptions::save>},
-    {"--list", "DIR", "print the presets of a folder and end", SetText<&RenderOptions::list>},
-    {"--json", nullptr, "with --list: as JSON", SwitchOn<&RenderOptions::bJson>},
+    {"--list", "DIR",
+     "print the presets of a folder and end: name, date (UTC), size, sound sync, favorites, compatible, modules; "
+     "from the folder's cache or by reading them; writes nothing",
+     SetText<&RenderOptions::list>},
+    {"--json", nullptr, "with --list: as JSON; null for what could not be read", SwitchOn<&RenderOptions::bJson>},
     {"--stats", nullptr, "at the end, print the times of each stage: median and 99th percentile",
      SwitchOn<&RenderOptions::bStats>},
     {"--help", nullptr, "this text", SwitchOn<&RenderOptions::bHelp>},

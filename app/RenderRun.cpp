@@ -2,6 +2,7 @@
 #include "app/RenderRun.h"
 
 #include "app/GlobalSettings.h"
+#include "app/PresetList.h"
 #include "app/RenderSound.h"
 #include "app/RenderStats.h"
 #include "engine/FrameStep.h"
@@ -134,27 +135,6 @@ std::string RunJob(const RenderOptions &ro)
     if (sError.empty() && ro.bStats)
         PrintStats(stats);
     return sError;
-}
-
-int ListPresets(const RenderOptions &ro)
-{
-    if (!FolderExists(FromUtf8(ro.list))) {
-        Complain(ro.list + " is not a folder");
-        return 1;
-    }
-    const std::vector<std::u16string> paths = ListFiles(JoinPath(FromUtf8(ro.list), u"*.VD"));
-    const char *pszBetween = "[\n";
-    for (const std::u16string &path : paths) {
-        const std::string sName = ToUtf8(NameAndExtension(path));
-        if (ro.bJson)
-            std::printf("%s  {\"name\": %s}", pszBetween, JsonText(sName).c_str());
-        else
-            std::printf("%s\n", sName.c_str());
-        pszBetween = ",\n";
-    }
-    if (ro.bJson)
-        std::printf("%s]\n", paths.empty() ? "[" : "\n");
-    return std::fflush(stdout) == 0 ? 0 : 1;
 }
 
 } // namespace

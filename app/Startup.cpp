@@ -10,6 +10,9 @@
 #include "engine/PlaneThreads.h"
 #include "engine/PresetFile.h"
 #include "engine/PresetManager.h"
+#include "library/Favorites.h"
+#include "library/PresetLibrary.h"
+#include "library/PresetScan.h"
 #include "modules/ModuleRegistry.h"
 #include "modules/OpenGLTest.h"
 #include "modules/ShaderList.h"
@@ -131,6 +134,30 @@ u32 TestOpenGL()
     return 1;
 }
 
+u32 OpenPresets()
+{
+    OpenPresetLibrary(FolderPath(PATH_PRESETS), FolderPath(PATH_FAVORITES));
+    if (PathsTooLong())
+        AddNotice(std::to_string(PathsTooLong()) + " presets are left out: their paths are longer than " +
+                  std::to_string(NAME_CHARS - 1) + " characters");
+    return 1;
+}
+
+// Before the scan, so that no change falls between the two.
+u32 StartPresetWatch()
+{
+    if (!WatchPresets() && FolderExists(FolderPath(PATH_PRESETS)))
+        AddNotice("changes in " + ToUtf8(FolderPath(PATH_PRESETS)) +
+                  " will show at the next start only: the system has no folder watch to give");
+    return 1;
+}
+
+u32 StartPresetScan()
+{
+    ScanPresets();
+    return 1;
+}
+
 // clang-format off
 constexpr Step asStartCore[] = {
     {"folders", FindFolders},
@@ -144,6 +171,9 @@ constexpr Step asStartCore[] = {
     {"meters", EmptyMeters},
     {"modules", LoadModules},
     {"OpenGL test", TestOpenGL},
+    {"preset library", OpenPresets},
+    {"preset watch", StartPresetWatch},
+    {"preset scan", StartPresetScan},
 };
 
 constexpr Step asStartHeadless[] = {
@@ -176,6 +206,22 @@ u32 FreeSoundFrame()
     return 1;
 }
 
+u32 WriteFavorites()
+{
+    std::string sWhy;
+    StopPresetThreads();
+    if (!SaveFavorites(FolderPath(PATH_FAVORITES), &sWhy))
+        AddNotice(sWhy);
+    return 1;
+}
+
+// Without a cache the next start reads all presets again: nothing that a user has to be told.
+u32 ClosePresets()
+{
+    ShutdownPresetLibrary();
+    return 1;
+}
+
 // A thread that is stuck in a module needs its library for as long as the process lives.
 u32 UnloadLibraries()
 {
@@ -199,6 +245,8 @@ constexpr Step asShutDown[] = {
     {"preset", DestroyPreset},
     {"sound monitor", StopSound},
     {"sound block", FreeSoundFrame},
+    {"favorites", WriteFavorites},
+    {"preset library", ClosePresets},
     {"modules", UnloadLibraries},
     {"shared block", CloseSharedBlock},
 };

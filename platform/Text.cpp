@@ -106,6 +106,13 @@ char16_t FoldWideCase(char16_t ch)
     return static_cast<char16_t>(towlower_l(ch, FoldingLocale()));
 }
 
+char16_t UpperCase(char16_t ch)
+{
+    if (ch < 0x80)
+        return ch >= u'a' && ch <= u'z' ? static_cast<char16_t>(ch - 32) : ch;
+    return static_cast<char16_t>(towupper_l(ch, FoldingLocale()));
+}
+
 bool EqualNoCase(std::u16string_view a, std::u16string_view b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),

@@ -24,6 +24,7 @@ inline char16_t FoldCase(char16_t ch)
         return FoldWideCase(ch);
     return ch >= u'A' && ch <= u'Z' ? static_cast<char16_t>(ch + 32) : ch;
 }
+char16_t UpperCase(char16_t ch);
 bool EqualNoCase(std::u16string_view a, std::u16string_view b);
 bool ContainsNoCase(std::u16string_view text, std::u16string_view what);
 // Place of the first match, or npos.

@@ -412,6 +412,35 @@ case_two_side_by_side() {
     terminate
 }
 
+# listed ROWS: name, sound sync and favorites of the preset folder, as a run of its own finds them
+listed() {
+    [ "$("$bin/vorticade-render" --modules "$module_folder" --list "$folder/data/Presets" 2>/dev/null |
+        sed 1d | cut -f 1,4,5 | tr '\t\n' ', ')" = "$1" ]
+}
+
+case_presets_change_while_it_runs() {
+    local preset presets=$folder/data/Presets
+    ramp_modules
+    mkdir -p "$presets"
+    for preset in a b c; do
+        echo '<Source>8</Source>' >"$presets/$preset.VD"
+    done
+    printf '<x>\n<Favorites><Entries>1</Entries><Fave0><Name>b.VD</Name><Favor>4</Favor></Fave0></Favorites>' \
+        >"$folder/data/Favorites.XML"
+    start
+    wait_for_window "Visuals Window"
+    expect_motion
+    rm "$presets/a.VD"
+    mv "$presets/b.VD" "$presets/moved.VD"
+    cp -p "$presets/c.VD" "$presets/new.VD"
+    sleep 2 # what is noticed within that time is all that the cache can hold
+    terminate
+    [ "$(stat -c %s "$presets/PresetCache.dat")" = $((4 + 3 * 288)) ] || fail "the cache does not hold three presets"
+    grep -q '<Name>moved.VD</Name>' "$folder/data/Favorites.XML" || fail "the count did not go along"
+    rm "$folder/data/Favorites.XML"
+    listed 'c.VD,Yes,0 moved.VD,Yes,4 new.VD,Yes,0 ' || fail "the list from the cache is another one"
+}
+
 case_refusals() {
     module_folder=$folder
     ends_with 2 '--bogus' "$bin/vorticade" --bogus

@@ -5,10 +5,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <vector>
 
@@ -193,15 +195,33 @@ TEST_F(Render, HelpAndVersionGoToStandardOutput)
         EXPECT_NE(std::string::npos, stats.sErr.find(pszStage)) << pszStage;
 }
 
-TEST_F(Render, ListsThePresetsOfAFolderByName)
+TEST_F(Render, ListsThePresetsOfAFolderByReadingThem)
 {
     fs::create_directory(folder / "p");
-    for (const char *pszName : {"b.VD", "a \"q\".vd", "c.txt"})
-        std::ofstream(folder / "p" / pszName) << "x";
-    const RunResult plain = RunBare("--list p");
-    EXPECT_EQ("a \"q\".vd\nb.VD\n", plain.sOut);
-    EXPECT_EQ("[\n  {\"name\": \"a \\\"q\\\".vd\"},\n  {\"name\": \"b.VD\"}\n]\n", RunBare("--list p --json").sOut);
-    EXPECT_EQ(1, RunBare("--list nowhere").nExit);
+    std::ofstream(folder / "p" / "b.VD") << "<ModuleDLL>pmarc.DLL</ModuleDLL><Source>8</Source><ModuleDLL>CMShift.dll";
+    std::ofstream(folder / "p" / "a \"q\"\t.vd") << "x";
+    std::ofstream(folder / "p" / "c.txt") << "x";
+    std::ofstream(folder / "Favorites.XML") << "<x>\n<Favorites><Entries>1</Entries><Fave0><Name>b.VD</Name>"
+                                               "<Favor>3</Favor></Fave0></Favorites>";
+    const timespec ats[] = {{1000000000, 1234500}, {1000000000, 1234500}};
+    for (const char *pszName : {"p/b.VD", "p/a \"q\"\t.vd"})
+        ASSERT_EQ(0, utimensat(AT_FDCWD, (folder / pszName).c_str(), ats, 0));
+    EXPECT_EQ("name\tdate\tsize\tsound sync\tfavorites\tcompatible\tmodules\n"
+              "a \"q\"?.vd\t2001-09-09 01:46:40\t1\tNo\t0\tYes\t\n"
+              "b.VD\t2001-09-09 01:46:40\t72\tYes\t3\tYes\tCMShift.dll,PMArc.dll\n",
+              Run("--list p").sOut);
+    const RunResult json = Run("--list p/ --json");
+    EXPECT_EQ("[\n  {\"name\": \"a \\\"q\\\"\\u0009.vd\", \"date\": \"2001-09-09T01:46:40.0012345Z\", \"size\": 1, "
+              "\"soundSync\": false, \"favorites\": 0, \"compatible\": true, \"modules\": []},\n"
+              "  {\"name\": \"b.VD\", \"date\": \"2001-09-09T01:46:40.0012345Z\", \"size\": 72, "
+              "\"soundSync\": true, \"favorites\": 3, \"compatible\": true, "
+              "\"modules\": [\"CMShift.dll\", \"PMArc.dll\"]}\n]\n",
+              json.sOut);
+    EXPECT_EQ("", json.sErr);
+    EXPECT_EQ(5u, Files().size()) << "nothing was written";
+    fs::create_directory(folder / "empty");
+    EXPECT_EQ("[]\n", Run("--list empty --json").sOut);
+    EXPECT_EQ(1, Run("--list nowhere").nExit);
 }
 
 } // namespace
