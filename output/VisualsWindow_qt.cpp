@@ -3,6 +3,7 @@
 
 #include "app/GlobalSettings.h"
 #include "engine/PresetManager.h"
+#include "library/Favorites.h"
 #include "output/FrameRecorder.h"
 #include "output/FrameStats.h"
 #include "output/NativeWindow_qt.h"
@@ -143,7 +144,7 @@ void VisualsWindow::ConnectTimers()
     StatusTimer.setSingleShot(true);
     StatusTimer.setInterval(TITLE_STATUS_MS);
     connect(&StatusTimer, &QTimer::timeout, this, [this] { setWindowTitle(QLatin1String(TITLE)); });
-    connect(&OverlayTimer, &QTimer::timeout, this, [this] { TickOverlayTexts(); });
+    connect(&OverlayTimer, &QTimer::timeout, this, [this] { Tick(); });
     OverlayTimer.start(OVERLAY_TICK_MS);
     connect(qApp, &QGuiApplication::screenRemoved, this, [this](QScreen *pGone) { ScreenRemoved(pGone); });
 }
@@ -270,6 +271,13 @@ void VisualsWindow::PaintNotices(QPainter *pPainter)
     pPainter->fillRect(box.adjusted(-12, -10, 12, 10), QColor(0, 0, 0, 190));
     pPainter->setPen(QColor(235, 235, 235));
     pPainter->drawText(box, Qt::AlignLeft | Qt::TextWordWrap, text);
+}
+
+// Five times a second.
+void VisualsWindow::Tick()
+{
+    ServeFavorPresses(&bFavorPending);
+    TickOverlayTexts();
 }
 
 void VisualsWindow::TickOverlayTexts()

@@ -68,6 +68,7 @@ class VisualsWindow : public QWidget, private QAbstractNativeEventFilter {
     void PlaceChanged();
     void Settled();
     void AskForSizeAgain();
+    void Tick();
     void TickOverlayTexts();
     void SetFullScreen(bool bOn);
     void SetClientSize(QSize size);
