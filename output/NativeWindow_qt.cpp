@@ -30,23 +30,6 @@ struct FreeDeleter {
     }
 };
 
-// With a scale that is no whole number the toolkit asks for sizes in steps of two pixels: not every size is one.
-void DropSizeSteps(xcb_connection_t *pConnection, xcb_window_t window)
-{
-    constexpr u32 HINT_WORDS = 18; // of the size hints; the first one holds flags
-    constexpr u32 STEPS = 1u << 6, BASE = 1u << 8;
-    const std::unique_ptr<xcb_get_property_reply_t, FreeDeleter> pReply(xcb_get_property_reply(
-        pConnection,
-        xcb_get_property(pConnection, 0, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 0, HINT_WORDS),
-        nullptr));
-    if (!pReply || pReply->format != 32 || pReply->value_len == 0)
-        return;
-    auto *pdwHint = static_cast<u32 *>(xcb_get_property_value(pReply.get()));
-    pdwHint[0] &= ~(STEPS | BASE);
-    xcb_change_property(pConnection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS,
-                        32, pReply->value_len, pdwHint);
-}
-
 } // namespace
 
 NativeNews ReadNativeEvent(const QByteArray &type, const void *pMessage, u64 qwWindow)
@@ -64,6 +47,11 @@ NativeNews ReadNativeEvent(const QByteArray &type, const void *pMessage, u64 qwW
         const auto *p = static_cast<const xcb_visibility_notify_event_t *>(pMessage);
         news.bVisibility = p->window == window;
         news.bCovered = p->state == XCB_VISIBILITY_FULLY_OBSCURED;
+        break;
+    }
+    case XCB_PROPERTY_NOTIFY: {
+        const auto *p = static_cast<const xcb_property_notify_event_t *>(pMessage);
+        news.bSizeHints = p->window == window && p->atom == XCB_ATOM_WM_NORMAL_HINTS;
         break;
     }
     case XCB_CONFIGURE_NOTIFY: {
@@ -103,12 +91,35 @@ void WatchVisibility(QWidget *pWindow)
     xcb_flush(pConnection);
 }
 
+void AllowEverySize(QWidget *pWindow)
+{
+    constexpr u32 HINT_WORDS = 18; // of the size hints; the first one holds flags
+    constexpr u32 STEPS = 1u << 6, BASE = 1u << 8;
+    xcb_connection_t *pConnection = Connection();
+    if (!pConnection || !pWindow->internalWinId())
+        return;
+    const xcb_window_t window = WindowOf(pWindow);
+    const std::unique_ptr<xcb_get_property_reply_t, FreeDeleter> pReply(xcb_get_property_reply(
+        pConnection,
+        xcb_get_property(pConnection, 0, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 0, HINT_WORDS),
+        nullptr));
+    if (!pReply || pReply->format != 32 || pReply->value_len == 0)
+        return;
+    auto *pdwHint = static_cast<u32 *>(xcb_get_property_value(pReply.get()));
+    if (!(pdwHint[0] & STEPS))
+        return; // this is news of our own change
+    pdwHint[0] &= ~(STEPS | BASE);
+    xcb_change_property(pConnection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS,
+                        32, pReply->value_len, pdwHint);
+    xcb_flush(pConnection);
+}
+
 bool SetNativeClientSize(QWidget *pWindow, QSize size)
 {
     xcb_connection_t *pConnection = Connection();
     if (!pConnection || !pWindow->internalWinId())
         return false;
-    DropSizeSteps(pConnection, WindowOf(pWindow));
+    AllowEverySize(pWindow);
     const u32 adwSize[] = {static_cast<u32>(size.width()), static_cast<u32>(size.height())};
     xcb_configure_window(pConnection, WindowOf(pWindow), XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, adwSize);
     xcb_flush(pConnection);

@@ -528,6 +528,8 @@ bool VisualsWindow::nativeEventFilter(const QByteArray &type, void *pMessage, qi
         pfnClosed();
     if (news.bVisibility)
         bCovered = news.bCovered;
+    if (news.bSizeHints)
+        AllowEverySize(this);
     if (news.size.isValid())
         NativeSize = news.size;
     return false;

@@ -82,9 +82,10 @@ TEST_F(Desktop, FramesGoOnUnderAModalBoxAndTheEndOfTheProgramClosesIt)
     EXPECT_GE(nFrames, 10u);
 }
 
-void SendMouse(QWidget *pWidget, QEvent::Type eType, const QPointF &place, Qt::MouseButtons buttons)
+void SendMouse(QWidget *pWidget, QEvent::Type eType, const QPointF &place, Qt::MouseButtons buttons,
+               Qt::MouseButton ePressed = Qt::NoButton)
 {
-    QMouseEvent event(eType, place, pWidget->mapToGlobal(place), Qt::NoButton, buttons, Qt::NoModifier);
+    QMouseEvent event(eType, place, pWidget->mapToGlobal(place), ePressed, buttons, Qt::NoModifier);
     QCoreApplication::sendEvent(pWidget, &event);
 }
 
@@ -101,7 +102,8 @@ TEST_F(Desktop, ModulesSeeTheWindowInDevicePixelsAndChangingBetweenFramesOnly)
     EXPECT_EQ(1u, before.bVisible);
 
     window.resize(301, 220);
-    SendMouse(&window, QEvent::MouseButtonPress, {10, 20.5}, Qt::LeftButton | Qt::MiddleButton);
+    SendMouse(&window, QEvent::MouseButtonPress, {10, 20.5}, Qt::LeftButton, Qt::LeftButton);
+    SendMouse(&window, QEvent::MouseButtonPress, {10, 20.5}, Qt::LeftButton | Qt::MiddleButton, Qt::MiddleButton);
     EXPECT_EQ(0, std::memcmp(&before, &GlobalSettings.hwndVisuals, sizeof before));
     window.PublishWindow();
     EXPECT_EQ(602, GlobalSettings.hwndVisuals.nWidth);
