@@ -1,10 +1,17 @@
 // Recording_bench.cpp -- what saving frames costs: the encoders, the queue before them, and the renderer as a whole
 #include "bench/BenchReport.h"
 
+#include "app/GlobalSettings.h"
+#include "app/Startup.h"
+#include "engine/FrameStep.h"
+#include "engine/PresetManager.h"
 #include "output/PictureFiles.h"
 #include "output/PictureQueue.h"
 #include "platform/Bitmap.h"
+#include "platform/Clock.h"
+#include "platform/Random.h"
 #include "platform/Text.h"
+#include "platform/Threads.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -24,11 +31,8 @@ constexpr i32 HEIGHT = 1080;
 constexpr u32 ENCODER_ROUNDS = 24;
 constexpr u32 QUEUE_ROUNDS = 7;
 constexpr u32 QUEUE_PICTURES = 24;
-constexpr u32 RENDER_ROUNDS = 5;
-constexpr u32 RENDER_FRAMES = 60;
-const std::string sRender = PROGRAM_FOLDER "/vorticade-render --data " SOURCE_FOLDER
-                                           "/data --modules " STOCK_MODULE_FOLDER " --size 1920x1080 ";
-
+constexpr u32 RENDER_ROUNDS = 16;
+constexpr u32 RENDER_FRAMES = 20;
 fs::path folder;
 
 std::u16string PathOf(const std::string &sName)
@@ -42,14 +46,33 @@ std::u16string PathOf(const std::string &sName)
     std::exit(1);
 }
 
+void StartEngine()
+{
+    UseFixedClock(0);
+    SeedAllRandom(1);
+    StartHeadless({FromUtf8(SOURCE_FOLDER "/data"), FromUtf8(STOCK_MODULE_FOLDER), {}});
+    GlobalSettings.dwPlaneWaitMs = WAIT_FOREVER;
+    GlobalSettings.nBufferWidth = WIDTH;
+    GlobalSettings.nBufferHeight = HEIGHT;
+    SwitchPreset(MakeDefaultPreset, nullptr);
+}
+
+const HostBitmap *DrawFrame()
+{
+    SetFixedTick(TickCount() + 16);
+    if (!RunFrameStep(CurrentPreset()))
+        GiveUp("the default preset gives no frame");
+    return *CurrentPreset()->phbmOutput;
+}
+
 // A frame of the default preset, as the mixer leaves it, with the grain of a film over it: noise of 2 levels either
 // way on every channel, which no run of equal bytes survives.
 HostBitmap *DrawNoisyFrame()
 {
     HostBitmap *hbm = CreateBitmap(WIDTH, HEIGHT);
-    FILE *pPipe = popen((sRender + "--warmup 200 --frames 1 --out - default").c_str(), "r");
-    if (!pPipe || std::fread(hbm->pBits, BitmapBytes(hbm), 1, pPipe) != 1 || pclose(pPipe) != 0)
-        GiveUp("vorticade-render gives no frame");
+    for (u32 i = 0; i < 200; i++)
+        DrawFrame();
+    CopyBitmap(hbm, DrawFrame());
     u32 dwNoise = 1;
     for (u8 *p = static_cast<u8 *>(hbm->pBits), *pEnd = p + BitmapBytes(hbm); p < pEnd; p++) {
         dwNoise = dwNoise * 1664525u + 1013904223u;
@@ -166,28 +189,26 @@ void MeasureQueue(const HostBitmap *hbm)
                  BenchGoal::AT_LEAST);
 }
 
-void RunRenderer(const std::string &sArguments)
-{
-    if (std::system((sRender + sArguments + " default >/dev/null").c_str()) != 0)
-        GiveUp("vorticade-render failed");
-}
-
-// The engine alone runs the same frames as warm-up; what both need to come up is measured and taken away.
+// What the renderer does, in turn with and without its pictures.
 void MeasureRenderer()
 {
-    const std::string sFiles = " --out " + (folder / "f-%04d.ppm").string();
+    PictureQueue *pQueue = StartPictureQueue({});
+    u32 nFrame = 0;
     const auto times = TimeInterleaved(
-        RENDER_ROUNDS, 1, [&] { RunRenderer("--frames 1" + sFiles); },
-        [&] { RunRenderer("--frames 1 --warmup " + std::to_string(RENDER_FRAMES) + sFiles); },
-        [&] { RunRenderer("--frames " + std::to_string(RENDER_FRAMES + 1) + sFiles); });
-    std::vector<double> afEngine, afAll;
-    for (u32 i = 0; i < RENDER_ROUNDS; i++) {
-        afEngine.push_back(times[1][i] - times[0][i]);
-        afAll.push_back(times[2][i] - times[0][i]);
-    }
-    ReportFigure("Recording/renderer to PPM against the engine alone", MedianRatio(afEngine, afAll), 0.9, "x",
+        RENDER_ROUNDS, 1,
+        [&] {
+            for (u32 i = 0; i < RENDER_FRAMES; i++)
+                DrawFrame();
+        },
+        [&] {
+            for (u32 i = 0; i < RENDER_FRAMES; i++)
+                SubmitPicture(pQueue, DrawFrame(), PathOf(std::to_string(nFrame++ % 64) + ".ppm"), 95);
+            FinishPictures(pQueue);
+        });
+    StopPictureQueue(pQueue);
+    ReportFigure("Recording/renderer to PPM against the engine alone", MedianRatio(times[0], times[1]), 0.9, "x",
                  BenchGoal::AT_LEAST);
-    ReportFigure("Recording/engine alone, default preset at 1080p", RENDER_FRAMES * 1e6 / Median(afEngine), 0, "1/s",
+    ReportFigure("Recording/engine alone, default preset at 1080p", RENDER_FRAMES * 1e6 / Median(times[0]), 0, "1/s",
                  BenchGoal::NONE);
 }
 
@@ -201,11 +222,13 @@ int main()
     if (!mkdtemp(sFolder.data()))
         GiveUp("there is no place for the pictures");
     folder = sFolder;
+    StartEngine();
     HostBitmap *hbm = DrawNoisyFrame();
     MeasureEncoders(hbm);
     MeasureQueue(hbm);
     MeasureRenderer();
     DeleteBitmap(hbm);
+    ShutDownHeadless();
     fs::remove_all(folder);
     return 0;
 }
