@@ -29,10 +29,10 @@ namespace fs = std::filesystem;
 constexpr i32 WIDTH = 1920;
 constexpr i32 HEIGHT = 1080;
 constexpr u32 ENCODER_ROUNDS = 24;
-constexpr u32 QUEUE_ROUNDS = 7;
-constexpr u32 QUEUE_PICTURES = 24;
-constexpr u32 RENDER_ROUNDS = 16;
-constexpr u32 RENDER_FRAMES = 20;
+constexpr u32 QUEUE_ROUNDS = 16;
+constexpr u32 QUEUE_PICTURES = 12;
+constexpr u32 RENDER_ROUNDS = 9;
+constexpr u32 RENDER_FRAMES = 60;
 fs::path folder;
 
 std::u16string PathOf(const std::string &sName)
