@@ -18,6 +18,7 @@ RenderOptions *Options(void *pv)
 
 bool SetFrames(void *pv, const std::string &s)
 {
+    Options(pv)->bFramesGiven = 1;
     return ParseNumber(s, 1, FRAMES_MAX, &Options(pv)->nFrames);
 }
 
@@ -81,17 +82,20 @@ template <std::string RenderOptions::*pText> bool SetText(void *pv, const std::s
 }
 
 constexpr OptionRow asOption[] = {
-    {"--frames", "N", "frames to write, numbered from 1 (default 300)", SetFrames},
+    {"--frames", "N", "frames to write, numbered from 1 (default 300, or the length of the sound file)", SetFrames},
     {"--size", "WxH", "size of the picture, 128 to 8192 each way (default 1280x720)", SetSize},
     {"--fps", "F", "frames a second of the fixed clock, up to 1000 (default 60)", SetFps},
     {"--out", "PATTERN",
      "file name with one number field, such as out/f-%04d.png; the extension picks the format: "
-     "png or ppm; - writes raw BGRA frames, top row first, to standard output "
+     "png, jpg, tif, gif, bmp or ppm; - writes raw BGRA frames, top row first, to standard output "
      "(default Untitled-%04d.png)",
      SetText<&RenderOptions::out>},
     {"--warmup", "N", "frames run before the first one written (default 0)", SetWarmup},
     {"--seed", "S", "fixes every random number of the run (default 1)", SetSeed},
-    {"--sound", "FILE", "levels from this sound file; not in this version: refused", SetText<&RenderOptions::sound>},
+    {"--sound", "FILE",
+     "levels from this sound file (WAV, FLAC, OGG, MP3), which begins with the first frame written; "
+     "its silence is silence (default: a simulated level)",
+     SetText<&RenderOptions::sound>},
     {"--mix", "PATH", "rule: rule by rule; onepass: all rules at once (default rule)", SetMix},
     {"--threads", "N", "1: each plane on a thread of its own; 0: one after the other (default 1)", SetThreads},
     {"--data", "DIR", "an existing data folder", SetData},
@@ -108,13 +112,6 @@ constexpr OptionRow asOption[] = {
     {"--version", nullptr, "the version", SwitchOn<&RenderOptions::bVersion>},
 };
 
-bool CheckSound(const RenderOptions *pro, std::string *psError)
-{
-    if (!pro->sound.empty())
-        *psError = "--sound " + pro->sound + ": this version cannot read sound files";
-    return pro->sound.empty();
-}
-
 bool CheckOut(RenderOptions *pro, std::string *psError)
 {
     if (pro->out == "-")
@@ -124,12 +121,14 @@ bool CheckOut(RenderOptions *pro, std::string *psError)
         *psError = "--out " + pro->out + ": " + pszWrong;
         return false;
     }
-    if (!pro->pattern.bHasNumber && pro->nFrames > 1) {
+    const bool bMany = pro->nFrames > 1 || (!pro->sound.empty() && !pro->bFramesGiven);
+    if (!pro->pattern.bHasNumber && bMany) {
         *psError = "--out " + pro->out + ": a number field such as %04d is needed for more than one frame";
         return false;
     }
     if (!CanWritePicture(PictureFormatOf(out.c_str()))) {
-        *psError = "--out " + pro->out + ": no picture format that can be written; name it .png or .ppm";
+        *psError = "--out " + pro->out +
+                   ": no picture format that can be written; name it .png, .jpg, .tif, .gif, .bmp or .ppm";
         return false;
     }
     return true;
@@ -157,7 +156,7 @@ bool ReadRenderOptions(int argc, char **argv, RenderOptions *pro, std::string *p
         return false;
     if (pro->bHelp || pro->bVersion)
         return true;
-    return CheckOperands(pro, asOperand, psError) && CheckSound(pro, psError) && CheckOut(pro, psError);
+    return CheckOperands(pro, asOperand, psError) && CheckOut(pro, psError);
 }
 
 std::string RenderHelp()

@@ -11,6 +11,7 @@ struct RenderOptions {
     StartOptions start;
     std::string preset; // PRESET: a file, or "default"
     i64 nFrames = 300;
+    u32 bFramesGiven = 0; // else a song's length decides
     i64 nWidth = 1280;
     i64 nHeight = 720;
     double fFps = 60;
@@ -18,7 +19,7 @@ struct RenderOptions {
     NumberPattern pattern;                 // of out
     i64 nWarmup = 0;
     u64 qwSeed = 1;
-    std::string sound;
+    std::string sound; // empty: the simulated level
     u32 bOnePass = 0;
     u32 bThreads = 1;
     std::string save;

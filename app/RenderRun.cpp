@@ -1,6 +1,7 @@
 // RenderRun.cpp -- the headless renderer: a preset to numbered pictures
 #include "app/RenderRun.h"
 
+#include "app/FrameOutput.h"
 #include "app/GlobalSettings.h"
 #include "app/PresetList.h"
 #include "app/RenderSound.h"
@@ -8,19 +9,19 @@
 #include "engine/FrameStep.h"
 #include "engine/PresetFile.h"
 #include "engine/PresetManager.h"
-#include "output/PictureFiles.h"
 #include "output/PlaneMixer.h"
 #include "output/Presenters.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/Random.h"
+#include "platform/Signals.h"
 #include "platform/Text.h"
 #include "platform/Threads.h"
 
-#include <cerrno>
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -29,8 +30,8 @@ namespace {
 // What the presenter needs to know of the frame that it receives.
 struct FrameWriter {
     const RenderOptions *pro;
+    PictureQueue *pQueue;
     u32 dwNumber; // of the frame; 0: warming up, nothing is written
-    std::string sError;
 };
 
 void Complain(const std::string &s)
@@ -38,35 +39,40 @@ void Complain(const std::string &s)
     std::fprintf(stderr, "vorticade-render: %s\n", s.c_str());
 }
 
-bool WriteRawFrame(const HostBitmap *hbm)
-{
-    for (i32 y = hbm->nHeight - 1; y >= 0; y--) {
-        const u8 *pRow = static_cast<const u8 *>(hbm->pBits) + static_cast<u64>(y) * hbm->cbRow;
-        if (std::fwrite(pRow, hbm->cbRow, 1, stdout) != 1)
-            return false;
-    }
-    return std::fflush(stdout) == 0;
-}
-
 // Every frame counts as shown, those of the warm-up too.
 u32 WriteFrame(const HostBitmap *hbm, void *pv)
 {
-    auto *pfw = static_cast<FrameWriter *>(pv);
-    if (pfw->dwNumber == 0)
-        return 1;
-    errno = 0;
-    if (pfw->pro->out == "-") {
-        if (!WriteRawFrame(hbm))
-            pfw->sError = std::string("frames cannot be written to standard output: ") + std::strerror(errno);
-        return 1;
-    }
-    const std::u16string path = FormatNumberPattern(pfw->pro->pattern, pfw->dwNumber);
-    if (!SavePicture(hbm, path.c_str(), 95))
-        pfw->sError = ToUtf8(path) + " cannot be written" + (errno ? std::string(": ") + std::strerror(errno) : "");
+    const auto *pfw = static_cast<FrameWriter *>(pv);
+    if (pfw->dwNumber)
+        SubmitFrame(pfw->pQueue, *pfw->pro, hbm, pfw->dwNumber);
     return 1;
 }
 
-void SetUpRun(const RenderOptions &ro)
+u64 TickOfFrame(const RenderOptions &ro, i64 k)
+{
+    return static_cast<u64>(static_cast<double>(k) * 1000.0 / ro.fFps);
+}
+
+// Reads the song, if one is named; its length gives the number of frames unless the command line does. Empty, or what
+// is wrong with it.
+std::string LoadSong(RenderOptions *pro, Song *pSong)
+{
+    if (pro->sound.empty())
+        return {};
+    std::string sError;
+    if (!ReadSong(pSong, pro->sound, &sError))
+        return pro->sound + ": " + sError;
+    const std::string sDamage = SongDamage(*pSong);
+    if (pro->bFramesGiven && !sDamage.empty())
+        Complain(pro->sound + ": " + sDamage + "; the rest is silence");
+    else if (!sDamage.empty())
+        return pro->sound + ": " + sDamage + "; with --frames N it is taken as it is";
+    if (!pro->bFramesGiven)
+        pro->nFrames = std::max<i64>(std::llround(SongSeconds(*pSong) * pro->fFps), 1);
+    return {};
+}
+
+void SetUpRun(const RenderOptions &ro, const Song &song)
 {
     UseFixedClock(0);
     SeedAllRandom(ro.qwSeed);
@@ -80,31 +86,68 @@ void SetUpRun(const RenderOptions &ro)
     GlobalSettings.nBufferHeight = static_cast<i32>(ro.nHeight);
     GlobalSettings.hwndVisuals.nWidth = GlobalSettings.nBufferWidth;
     GlobalSettings.hwndVisuals.nHeight = GlobalSettings.nBufferHeight;
-    BindRenderSound(&GlobalSettings.Monitor, ro.qwSeed);
+    if (!ro.sound.empty()) // the warm-up is over when it begins
+        BindRenderSong(&GlobalSettings.Monitor, &song, TickOfFrame(ro, ro.nWarmup));
+    else
+        BindRenderSound(&GlobalSettings.Monitor, ro.qwSeed);
+}
+
+std::string CountText(const PictureReport &report)
+{
+    return "; " + std::to_string(report.nSaved) + (report.nSaved == 1 ? " frame was" : " frames were") + " written";
+}
+
+// Why the run must end before its last frame, or empty.
+std::string FindReasonToStop(PictureQueue *pQueue)
+{
+    const PictureReport report = ReadPictureReport(pQueue);
+    if (report.nFailed)
+        return PictureFailureText(report.firstFailed, report.nFirstError);
+    return TerminationWasAsked() ? "interrupted" : "";
+}
+
+// Draws frame k and hands it over. False: there is nothing to draw.
+bool RunOneFrame(FrameWriter *pWriter, i64 k, RenderStats *prs)
+{
+    const RenderOptions &ro = *pWriter->pro;
+    PresetState *lppsi = CurrentPreset();
+    SetFixedTick(TickOfFrame(ro, k));
+    pWriter->dwNumber = static_cast<u32>(std::max<i64>(k - ro.nWarmup, 0));
+    if (!RunFrameStep(lppsi))
+        return false;
+    const i64 nStepped = RealNanoseconds();
+    PresentFrame(lppsi->phbmOutput ? *lppsi->phbmOutput : nullptr);
+    if (pWriter->dwNumber)
+        CountFrame(prs, LastFrameStages(), RealNanoseconds() - nStepped);
+    return true;
 }
 
 // Runs the frames. Empty, or what went wrong.
 std::string RunFrames(const RenderOptions &ro, RenderStats *prs)
 {
-    FrameWriter writer = {&ro, 0, {}};
+    FrameWriter writer = {&ro, StartFrameOutput(ro, prs), 0};
     AddPresenter(WriteFrame, &writer);
-    PresetState *lppsi = CurrentPreset();
-    for (i64 k = 1; k <= ro.nWarmup + ro.nFrames && writer.sError.empty(); k++) {
-        SetFixedTick(static_cast<u64>(static_cast<double>(k) * 1000.0 / ro.fFps));
-        writer.dwNumber = static_cast<u32>(k > ro.nWarmup ? k - ro.nWarmup : 0);
-        if (!RunFrameStep(lppsi)) {
-            writer.sError = "the preset has no planes: there is no picture";
+    const u64 nFrames = static_cast<u64>(ro.nFrames);
+    std::string sError;
+    for (i64 k = 1; k <= ro.nWarmup + ro.nFrames && sError.empty(); k++) {
+        if (!RunOneFrame(&writer, k, prs)) {
+            sError = "the preset has no planes: there is no picture";
             break;
         }
-        const i64 nStepped = RealNanoseconds();
-        PresentFrame(lppsi->phbmOutput ? *lppsi->phbmOutput : nullptr);
-        if (writer.dwNumber)
-            CountFrame(prs, LastFrameStages(), RealNanoseconds() - nStepped);
-        ShowProgress(*prs, static_cast<u64>(ro.nFrames));
+        ShowProgress(*prs, ReadPictureReport(writer.pQueue).nSaved, nFrames);
+        sError = FindReasonToStop(writer.pQueue);
     }
+    FinishPictures(writer.pQueue);
+    const PictureReport report = ReadPictureReport(writer.pQueue);
+    ShowProgress(*prs, report.nSaved, nFrames);
     EndProgress();
+    if (report.nFailed)
+        sError = FindReasonToStop(writer.pQueue);
+    else if (report.nSaved == nFrames)
+        sError.clear(); // asked to end when all was done
     RemovePresenter(WriteFrame, &writer);
-    return writer.sError;
+    StopPictureQueue(writer.pQueue);
+    return sError.empty() || report.nSaved == 0 ? sError : sError + CountText(report);
 }
 
 std::string LoadPreset(const RenderOptions &ro)
@@ -139,15 +182,20 @@ std::string RunJob(const RenderOptions &ro)
 
 } // namespace
 
-int RunRender(const RenderOptions &ro)
+int RunRender(const RenderOptions &given)
 {
-    if (!ro.list.empty())
-        return ListPresets(ro);
-    SetUpRun(ro);
-    std::string sError = LoadPreset(ro);
-    if (sError.empty())
-        sError = RunJob(ro);
-    ShutDownHeadless();
+    if (!given.list.empty())
+        return ListPresets(given);
+    RenderOptions ro = given;
+    Song song = {};
+    std::string sError = LoadSong(&ro, &song);
+    if (sError.empty()) {
+        SetUpRun(ro, song);
+        sError = LoadPreset(ro);
+        if (sError.empty())
+            sError = RunJob(ro);
+        ShutDownHeadless();
+    }
     if (!sError.empty())
         Complain(sError);
     return sError.empty() ? 0 : 1;

@@ -2,6 +2,10 @@
 #pragma once
 
 #include "app/GlobalSettings.h"
+#include "app/Song.h"
 
 // Binds a monitor that gives the simulated level at the present tick, the same in every run with the same seed.
 void BindRenderSound(SoundMonitorBinding *pMonitor, u64 qwSeed);
+// Binds a monitor that gives the levels of the song, which begins at the tick qwStartTick. Silence in it is silence:
+// nothing is simulated. The song must outlive the binding.
+void BindRenderSong(SoundMonitorBinding *pMonitor, const Song *pSong, u64 qwStartTick);

@@ -65,6 +65,7 @@ void RunShow()
 int RunDesktop(const StartOptions &options)
 {
     BlockTerminationSignals();
+    IgnoreWriteSignals(); // a full disk is an error of the file, not the end of the show
     const std::unique_ptr<QApplication> pApp = StartToolkit();
     if (!pApp)
         return 1;

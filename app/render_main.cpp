@@ -1,8 +1,8 @@
 // render_main.cpp -- vorticade-render: the engine without any window
 #include "app/RenderOptions.h"
 #include "app/RenderRun.h"
+#include "platform/Signals.h"
 
-#include <csignal>
 #include <cstdio>
 
 int main(int argc, char **argv)
@@ -17,6 +17,7 @@ int main(int argc, char **argv)
         std::fputs(ro.bHelp ? RenderHelp().c_str() : "vorticade-render " VD_VERSION "\n", stdout);
         return 0;
     }
-    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is an error to report, not a reason to die
+    IgnoreWriteSignals(); // errors to report, not reasons to die
+    NoteTerminationSignals();
     return RunRender(ro);
 }

@@ -32,8 +32,8 @@ struct FormatWriter {
 };
 
 constexpr FormatWriter asWriter[] = {
-    {PictureFormat::Png, WritePng, true},
-    {PictureFormat::Ppm, WritePpm, false},
+    {PictureFormat::Jpeg, WriteJpeg, true}, {PictureFormat::Png, WritePng, true}, {PictureFormat::Gif, WriteGif, true},
+    {PictureFormat::Tiff, WriteTiff, true}, {PictureFormat::Bmp, WriteBmp, true}, {PictureFormat::Ppm, WritePpm, false},
 };
 
 const FormatWriter *FindWriter(PictureFormat eFormat)

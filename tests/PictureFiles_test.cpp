@@ -1,24 +1,51 @@
-// PictureFiles_test.cpp -- formats by name, PNG and PPM files read back, failed writes
+// PictureFiles_test.cpp -- formats by name, files of every format read back by another program, failed writes
 #include "output/PictureFiles.h"
 #include "platform/Bitmap.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
 
 #include <gtest/gtest.h>
-#include <png.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
 
 namespace fs = std::filesystem;
+
+const char *const apszEncoded[] = {"a.jpg", "a.png", "a.gif", "a.tif", "a.bmp"};
+
+u32 NoisyPixel(std::mt19937 *pRandom, i32, i32)
+{
+    return static_cast<u32>((*pRandom)()) & 0x00FFFFFFu; // alpha 0, as the mixer leaves it
+}
+
+// Bright and dark areas with soft changes of colour, far from equal in all four corners.
+u32 SoftPixel(std::mt19937 *, i32 x, i32 y)
+{
+    return static_cast<u32>(x * 255 / 160 % 256) << 16 | static_cast<u32>(y * 255 / 130 % 256) << 8 |
+           static_cast<u32>((x + y) * 255 / 290 % 256);
+}
+
+u32 FewColouredPixel(std::mt19937 *pRandom, i32, i32)
+{
+    return static_cast<u32>((*pRandom)() % 256) * 0x010305u; // 256 colours that lie close together
+}
 
 class PictureFiles : public testing::Test {
   protected:
@@ -26,15 +53,26 @@ class PictureFiles : public testing::Test {
     {
         folder = fs::temp_directory_path() / ("pictures-" + std::to_string(getpid()));
         fs::create_directories(folder);
-        hbm = CreateBitmap(61, 33);
-        std::mt19937 random(5);
-        for (i32 i = 0; i < 61 * 33; i++)
-            BitmapPixels(hbm)[i] = static_cast<u32>(random()) & 0x00FFFFFFu; // alpha 0, as the mixer leaves it
+        hbm = MakePicture(61, 33, NoisyPixel);
     }
     void TearDown() override
     {
         DeleteBitmap(hbm);
         fs::remove_all(folder);
+    }
+    static HostBitmap *MakePicture(i32 nWidth, i32 nHeight, u32 (*pfnPixel)(std::mt19937 *, i32, i32))
+    {
+        HostBitmap *hbmNew = CreateBitmap(nWidth, nHeight);
+        std::mt19937 random(5);
+        for (i32 y = 0; y < nHeight; y++)
+            for (i32 x = 0; x < nWidth; x++)
+                BitmapPixels(hbmNew)[y * nWidth + x] = pfnPixel(&random, x, y);
+        return hbmNew;
+    }
+    void Draw(i32 nWidth, i32 nHeight, u32 (*pfnPixel)(std::mt19937 *, i32, i32))
+    {
+        DeleteBitmap(hbm);
+        hbm = MakePicture(nWidth, nHeight, pfnPixel);
     }
     std::u16string Path(const char *pszName) const
     {
@@ -49,23 +87,57 @@ class PictureFiles : public testing::Test {
         std::ifstream file(folder / pszName, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
+    // The file as another program sees it: RGBA, top row first.
+    std::vector<u8> ReadBack(const char *pszName) const
+    {
+        const std::string sCommand = "convert '" + (folder / pszName).string() + "' -depth 8 rgba:-";
+        FILE *pPipe = popen(sCommand.c_str(), "r");
+        std::vector<u8> rgba(static_cast<size_t>(hbm->nWidth * hbm->nHeight) * 4 + 1);
+        rgba.resize(std::fread(rgba.data(), 1, rgba.size(), pPipe));
+        EXPECT_EQ(pclose(pPipe), 0) << sCommand;
+        return rgba;
+    }
+    // The same of the bitmap, opaque.
+    std::vector<u8> Wanted() const
+    {
+        std::vector<u8> rgba;
+        for (i32 y = hbm->nHeight - 1; y >= 0; y--)
+            for (i32 x = 0; x < hbm->nWidth; x++) {
+                const u32 dw = BitmapPixels(hbm)[y * hbm->nWidth + x];
+                for (const u32 n : {dw >> 16, dw >> 8, dw, 255u})
+                    rgba.push_back(static_cast<u8>(n));
+            }
+        return rgba;
+    }
 
     fs::path folder;
     HostBitmap *hbm = nullptr;
 };
 
-// The picture of a PNG file as RGBA, top row first.
-std::vector<u8> ReadPng(const fs::path &path, png_image &image)
+// Root of the mean square of the differences; huge for pictures of different size.
+double Distance(const std::vector<u8> &a, const std::vector<u8> &b)
 {
-    image = {};
-    image.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_file(&image, path.c_str()))
-        return {};
-    const bool bOpaque = !(image.format & PNG_FORMAT_FLAG_ALPHA);
-    image.format = PNG_FORMAT_RGBA;
-    std::vector<u8> rgba(PNG_IMAGE_SIZE(image));
-    png_image_finish_read(&image, nullptr, rgba.data(), 0, nullptr);
-    return bOpaque ? rgba : std::vector<u8>();
+    if (a.size() != b.size())
+        return 1e9;
+    double fSum = 0;
+    for (size_t i = 0; i < a.size(); i++)
+        fSum += (a[i] - b[i]) * (a[i] - b[i]);
+    return std::sqrt(fSum / static_cast<double>(a.size()));
+}
+
+// Means of blocks of 8 x 8 pixels, without what does not fill a block.
+std::vector<u8> Blurred(const std::vector<u8> &rgba, size_t nWidth, size_t nHeight)
+{
+    std::vector<u8> means;
+    for (size_t y = 0; y + 8 <= nHeight; y += 8)
+        for (size_t x = 0; x + 8 <= nWidth; x += 8)
+            for (size_t c = 0; c < 4; c++) {
+                size_t nSum = 0;
+                for (size_t i = 0; i < 64; i++)
+                    nSum += rgba[((y + i / 8) * nWidth + x + i % 8) * 4 + c];
+                means.push_back(static_cast<u8>(nSum / 64));
+            }
+    return means;
 }
 
 } // namespace
@@ -93,25 +165,74 @@ TEST_F(PictureFiles, TheFirstKnownTextInTheWholePathDecides)
         EXPECT_EQ(PictureFormatOf(pszPath), eFormat) << ToUtf8(pszPath);
 }
 
-TEST_F(PictureFiles, APngHoldsThePictureOpaqueWithTheTopRowFirst)
+TEST_F(PictureFiles, LosslessFormatsHoldEveryPixelOpaqueWithTheTopRowFirst)
 {
-    ASSERT_EQ(Save("shot.PNG"), 1u);
-    png_image image;
-    const std::vector<u8> rgba = ReadPng(folder / "shot.PNG", image);
-    ASSERT_EQ(rgba.size(), 61u * 33 * 4);
-    for (u32 y = 0; y < 33; y++)
-        for (u32 x = 0; x < 61; x++) {
-            const u32 nPixel = BitmapPixels(hbm)[(32 - y) * 61 + x];
-            const u8 *p = &rgba[(y * 61 + x) * 4];
-            ASSERT_EQ(p[0] << 16 | p[1] << 8 | p[2], static_cast<int>(nPixel)) << x << ", " << y;
-            ASSERT_EQ(p[3], 255);
+    for (const i32 nWidth : {1, 2, 17, 61, 300}) {
+        Draw(nWidth, 33, NoisyPixel);
+        for (const char *pszName : {"a.PNG", "a.tiff", "a.bmp"}) {
+            ASSERT_EQ(Save(pszName), 1u) << pszName;
+            EXPECT_TRUE(ReadBack(pszName) == Wanted()) << pszName << " " << nWidth;
         }
+    }
 }
 
-TEST_F(PictureFiles, QualityDoesNotTouchAPng)
+TEST_F(PictureFiles, LargePicturesSpanManyBlocksAndChunks)
 {
-    ASSERT_TRUE(Save("a.png", 90) && Save("b.png", 95));
-    EXPECT_EQ(Bytes("a.png"), Bytes("b.png"));
+    Draw(1000, 701, NoisyPixel); // 2 MB that cannot be compressed
+    for (const char *pszName : {"a.png", "a.tif", "a.bmp"}) {
+        ASSERT_EQ(Save(pszName), 1u) << pszName;
+        EXPECT_TRUE(ReadBack(pszName) == Wanted()) << pszName;
+    }
+    Draw(1000, 701, SoftPixel);
+    ASSERT_EQ(Save("soft.png"), 1u);
+    EXPECT_TRUE(ReadBack("soft.png") == Wanted());
+    EXPECT_LT(fs::file_size(folder / "soft.png"), 1000u * 701 * 3 / 4);
+}
+
+TEST_F(PictureFiles, AJpegLooksLikeThePictureAndFollowsTheQuality)
+{
+    Draw(161, 131, SoftPixel);
+    double fLast = 0;
+    size_t cbLast = SIZE_MAX;
+    for (const u32 nQuality : {100u, 95u, 90u, 60u, 0u}) {
+        ASSERT_EQ(Save("a.jpg", nQuality), 1u);
+        const double fDistance = Distance(ReadBack("a.jpg"), Wanted());
+        EXPECT_GT(fDistance, fLast) << nQuality;
+        EXPECT_LT(Bytes("a.jpg").size(), cbLast) << nQuality;
+        EXPECT_LT(fDistance, nQuality >= 90 ? 2.0 : 60.0) << nQuality;
+        fLast = fDistance;
+        cbLast = Bytes("a.jpg").size();
+    }
+    ASSERT_TRUE(Save("b.png", 90) && Save("c.png", 95));
+    EXPECT_EQ(Bytes("b.png"), Bytes("c.png"));
+}
+
+TEST_F(PictureFiles, AJpegOfGoodQualityKeepsTheColourOfThinLines)
+{
+    Draw(64, 64, [](std::mt19937 *, i32 x, i32) { return x % 8 == 3 ? 0xFF0000u : 0x0000FFu; });
+    ASSERT_EQ(Save("a.jpg", 95), 1u);
+    EXPECT_LT(Distance(ReadBack("a.jpg"), Wanted()), 4.0);
+}
+
+TEST_F(PictureFiles, AGifOfFewColoursIsExactAndOneOfManyKeepsTheMeanOfEveryArea)
+{
+    Draw(123, 45, FewColouredPixel);
+    ASSERT_EQ(Save("few.gif"), 1u);
+    EXPECT_TRUE(ReadBack("few.gif") == Wanted());
+
+    for (u32 (*pfnPixel)(std::mt19937 *, i32, i32) : {SoftPixel, NoisyPixel}) {
+        Draw(160, 128, pfnPixel);
+        ASSERT_EQ(Save("many.gif"), 1u);
+        const std::vector<u8> rgba = ReadBack("many.gif");
+        ASSERT_EQ(rgba.size(), 160u * 128 * 4);
+        std::set<u32> colours;
+        for (size_t i = 0; i < rgba.size(); i += 4)
+            colours.insert(static_cast<u32>(rgba[i] << 16 | rgba[i + 1] << 8 | rgba[i + 2]));
+        EXPECT_LE(colours.size(), 256u);
+        EXPECT_GT(colours.size(), 200u);
+        EXPECT_LT(Distance(Blurred(rgba, 160, 128), Blurred(Wanted(), 160, 128)), 2.0);
+        EXPECT_LT(Distance(rgba, Wanted()), 20.0);
+    }
 }
 
 TEST_F(PictureFiles, APpmHoldsAHeaderAndTheRowsInMemoryOrder)
@@ -149,14 +270,51 @@ TEST_F(PictureFiles, AnExistingFileIsOverwritten)
     EXPECT_EQ(Bytes("a.png").substr(1, 3), "PNG");
 }
 
-TEST_F(PictureFiles, AHalfWrittenEncodedFileIsRemovedAndAPpmStays)
+TEST_F(PictureFiles, AFullDiskIsToldAndAHalfWrittenEncodedFileIsRemovedButAPpmStays)
 {
-    if (!fs::exists("/dev/full"))
-        GTEST_SKIP() << "no device that is always full";
-    fs::create_symlink("/dev/full", folder / "a.png");
-    fs::create_symlink("/dev/full", folder / "a.ppm");
-    EXPECT_EQ(Save("a.png"), 0u);
+    Draw(400, 300, NoisyPixel);
+    rlimit before;
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto pfnBefore = std::signal(SIGXFSZ, SIG_IGN);
+    for (const char *pszName : apszEncoded) {
+        ASSERT_EQ(Save(pszName), 1u);
+        const rlimit half = {fs::file_size(folder / pszName) / 2, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &half);
+        const u32 bSaved = Save(pszName);
+        const int nError = errno;
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_EQ(bSaved, 0u) << pszName;
+        EXPECT_EQ(nError, EFBIG) << pszName;
+        EXPECT_FALSE(fs::exists(folder / pszName)) << pszName;
+    }
+    const rlimit small = {1000, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
     EXPECT_EQ(Save("a.ppm"), 0u);
-    EXPECT_FALSE(fs::is_symlink(folder / "a.png"));
-    EXPECT_TRUE(fs::is_symlink(folder / "a.ppm"));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, pfnBefore);
+    EXPECT_EQ(fs::file_size(folder / "a.ppm"), 1000u);
+
+    // What fails only when the last bytes leave the buffer.
+    fs::create_symlink("/dev/full", folder / "b.jpg");
+    EXPECT_EQ(Save("b.jpg"), 0u);
+    EXPECT_EQ(errno, ENOSPC);
+    EXPECT_FALSE(fs::is_symlink(folder / "b.jpg"));
+}
+
+TEST_F(PictureFiles, ManyThreadsSaveAtOnceWithTheSameBytes)
+{
+    Draw(200, 150, SoftPixel);
+    for (const char *pszName : apszEncoded)
+        ASSERT_EQ(Save(pszName), 1u);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; i++)
+        threads.emplace_back([this, i] {
+            for (const char *pszName : apszEncoded)
+                EXPECT_EQ(Save((std::to_string(i) + pszName).c_str()), 1u);
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    for (int i = 0; i < 4; i++)
+        for (const char *pszName : apszEncoded)
+            EXPECT_TRUE(Bytes((std::to_string(i) + pszName).c_str()) == Bytes(pszName)) << pszName;
 }

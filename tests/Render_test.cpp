@@ -3,11 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <sndfile.h>
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
@@ -62,6 +65,19 @@ class Render : public testing::Test {
         fs::remove(err);
         return result;
     }
+    // Runs a line of shell that knows the program and the stock data and modules as $render.
+    RunResult RunShell(const std::string &sLine) const
+    {
+        const fs::path err = folder.string() + ".err";
+        const std::string sCommand = "cd " + folder.string() +
+                                     " && render='" PROGRAM_FOLDER "/vorticade-render --data " SOURCE_FOLDER
+                                     "/data --modules " STOCK_MODULE_FOLDER "' && " +
+                                     sLine + " 2>" + err.string();
+        const int nStatus = std::system(sCommand.c_str());
+        const RunResult result = {WEXITSTATUS(nStatus), {}, ReadAll(err)};
+        fs::remove(err);
+        return result;
+    }
     std::vector<std::string> Files() const
     {
         std::vector<std::string> names;
@@ -69,6 +85,23 @@ class Render : public testing::Test {
             names.push_back(fs::relative(entry.path(), folder).string());
         std::sort(names.begin(), names.end());
         return names;
+    }
+    // Three seconds of silence, three of a loud tone that beats, three of silence.
+    void WriteSong(const std::string &sName) const
+    {
+        SF_INFO info = {};
+        info.samplerate = 44100;
+        info.channels = 2;
+        info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+        std::vector<float> af(44100 * 9 * 2);
+        for (size_t i = 44100 * 3 * 2; i < 44100 * 6 * 2; i++) {
+            const double fSecond = static_cast<double>(i / 2) / 44100;
+            af[i] = static_cast<float>((0.1 + 0.6 * std::exp(-8 * std::fmod(fSecond, 0.5))) * std::sin(fSecond * 1400));
+        }
+        SNDFILE *pFile = sf_open((folder / sName).c_str(), SFM_WRITE, &info);
+        ASSERT_NE(nullptr, pFile);
+        sf_writef_float(pFile, af.data(), 44100 * 9);
+        sf_close(pFile);
     }
     static long Lines(const std::string &s)
     {
@@ -124,6 +157,75 @@ TEST_F(Render, ThePictureMovesAndIsNotBlack)
     EXPECT_GT(nMoved, 320u * 180 / 50);
 }
 
+// How much the raw frames iFrom to iTo differ from the ones before them, on average.
+double Activity(const std::string &sRaw, size_t cbFrame, size_t iFrom, size_t iTo)
+{
+    double fSum = 0;
+    for (size_t i = iFrom * cbFrame; i < iTo * cbFrame; i++)
+        fSum += std::abs(static_cast<u8>(sRaw[i]) - static_cast<u8>(sRaw[i - cbFrame]));
+    return fSum / static_cast<double>((iTo - iFrom) * cbFrame);
+}
+
+TEST_F(Render, ASongMovesThePictureAndItsSilenceCalmsIt)
+{
+    WriteSong("song.wav");
+    const std::string sCommon = "default --size 192x128 --fps 15 --sound song.wav --out - ";
+    const RunResult film = Run(sCommon);
+    ASSERT_EQ(0, film.nExit) << film.sErr;
+    const size_t cbFrame = 192 * 128 * 4;
+    ASSERT_EQ(9 * 15 * cbFrame, film.sOut.size()); // as long as the song
+    const double fBefore = Activity(film.sOut, cbFrame, 15, 45);
+    const double fDuring = Activity(film.sOut, cbFrame, 50, 90);
+    const double fAfter = Activity(film.sOut, cbFrame, 110, 135);
+    EXPECT_GT(fDuring, 1.3 * fBefore);
+    EXPECT_GT(fDuring, 1.3 * fAfter);
+    EXPECT_TRUE(film.sOut == Run(sCommon + "--threads 0").sOut);
+    // Silence is not simulated: the first second looks the same in another song that is silent there.
+    const RunResult start = Run(sCommon + "--frames 15");
+    EXPECT_TRUE(start.sOut == film.sOut.substr(0, 15 * cbFrame));
+    EXPECT_FALSE(start.sOut == Run("default --size 192x128 --fps 15 --frames 15 --out -").sOut);
+    // The song begins with the first frame written.
+    const RunResult warm = Run("default --size 128x128 --fps 15 --sound song.wav --out - --warmup 30 --frames 60");
+    EXPECT_GT(Activity(warm.sOut, 128 * 128 * 4, 48, 60), 1.3 * Activity(warm.sOut, 128 * 128 * 4, 30, 44));
+}
+
+TEST_F(Render, ASongThatCannotBeReadEndsWithOneAndOneLine)
+{
+    std::ofstream(folder / "empty.wav").close();
+    std::ofstream(folder / "text.mp3") << std::string(100000, 'x');
+    fs::create_directory(folder / "folder");
+    for (const char *pszSong : {"empty.wav", "text.mp3", "folder", "missing.wav"}) {
+        const RunResult result = Run(std::string("default --size 128x128 --out f-%d.png --sound ") + pszSong);
+        EXPECT_EQ(1, result.nExit) << pszSong;
+        EXPECT_EQ(1, Lines(result.sErr)) << result.sErr;
+        EXPECT_NE(std::string::npos, result.sErr.find(pszSong)) << result.sErr;
+    }
+    EXPECT_EQ(3u, Files().size());
+}
+
+TEST_F(Render, AFullDiskOrAnInterruptionEndsWithOneLineAndWholeFiles)
+{
+    // No file may be larger than 20 KB.
+    const RunResult full =
+        RunShell("(ulimit -f 20 && exec $render default --size 128x128 --frames 50 --out f-%02d.bmp)");
+    EXPECT_EQ(1, full.nExit);
+    EXPECT_EQ("vorticade-render: f-01.bmp cannot be written: File too large\n", full.sErr);
+    EXPECT_TRUE(Files().empty());
+
+    const RunResult stopped = RunShell("{ $render default --size 640x480 --frames 1000000 --out f-%06d.bmp & "
+                                       "while [ ! -e f-000005.bmp ] && kill -0 $!; do sleep 0.02; done; "
+                                       "kill -TERM $!; wait $!; }");
+    EXPECT_EQ(1, stopped.nExit);
+    EXPECT_EQ(1, Lines(stopped.sErr)) << stopped.sErr;
+    const std::vector<std::string> names = Files();
+    ASSERT_FALSE(names.empty());
+    EXPECT_NE(std::string::npos, stopped.sErr.find("interrupted; " + std::to_string(names.size()) + " frames"))
+        << stopped.sErr;
+    for (const std::string &sName : names)
+        EXPECT_EQ(54u + 640 * 480 * 3, fs::file_size(folder / sName)) << sName;
+    EXPECT_EQ("f-000001.bmp", names.front());
+}
+
 TEST_F(Render, AWrongCommandLineEndsWithTwoAndOneLine)
 {
     for (const char *pszArguments : {"--bogus",
@@ -141,6 +243,9 @@ TEST_F(Render, AWrongCommandLineEndsWithTwoAndOneLine)
                                      "default --out f.png",
                                      "default --out f-%d-%d.png",
                                      "default --out f-%s.png",
+                                     "default --out f-%n.png",
+                                     "default --out f-%*d.png",
+                                     "default --out f.png --sound song.wav",
                                      "default --out f-%d",
                                      "default --out f-%d.xyz",
                                      "default --stats=1",
@@ -165,6 +270,9 @@ TEST_F(Render, WhatCannotBeDoneEndsWithOneAndOneLineAndLeavesNothing)
         EXPECT_EQ(1, result.nExit) << pszArguments;
         EXPECT_EQ(1, Lines(result.sErr)) << pszArguments << "\n" << result.sErr;
     }
+    const RunResult longName = Run("default --frames 2 --size 128x128 --out " + std::string(260, 'n') + "%d.png");
+    EXPECT_EQ(1, longName.nExit);
+    EXPECT_NE(std::string::npos, longName.sErr.find("1.png cannot be written: File name too long")) << longName.sErr;
     EXPECT_EQ(std::vector<std::string>{"taken-1.png"}, Files());
     const RunResult full =
         RunBare("--modules " STOCK_MODULE_FOLDER " default --frames 1 --size 128x128 --out -", "/dev/full");
@@ -191,7 +299,7 @@ TEST_F(Render, HelpAndVersionGoToStandardOutput)
         EXPECT_NE(std::string::npos, help.sOut.find(pszOption)) << pszOption;
     EXPECT_EQ(0, RunBare("--version").nExit);
     const RunResult stats = Run("default --frames 3 --size 128x128 --out - --stats");
-    for (const char *pszStage : {"draw", "mix", "post", "write"})
+    for (const char *pszStage : {"draw", "mix", "post", "wait", "write"})
         EXPECT_NE(std::string::npos, stats.sErr.find(pszStage)) << pszStage;
 }
 
