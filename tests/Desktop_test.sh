@@ -181,10 +181,16 @@ shows_ramp() {
     ! differ above below
 }
 
+# Right after its start the window may still ask for sizes in steps.
+takes_size() {
+    xdotool windowsize "$window" "${1%x*}" "${1#*x}"
+    sleep 0.2
+    [ "$(geometry)" = "$1" ]
+}
+
 expect_ramp_after_resize() {
     local wanted=$1
-    xdotool windowsize "$window" "${wanted%x*}" "${wanted#*x}"
-    wait_for "the window at $wanted" eval "[ \$(geometry) = $wanted ]"
+    wait_for "the window at $wanted" takes_size "$wanted"
     wait_for "a picture that fills $wanted" shows_ramp "$wanted"
 }
 
