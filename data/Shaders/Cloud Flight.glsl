@@ -18,20 +18,19 @@ void mainImage(out vec4 color, in vec2 place)
 {
     vec2 p = (place - 0.5 * iResolution.xy) / iResolution.y;
     p = rotate(0.05 * sin(0.23 * iTime)) * p;
-    float high = p.y - 0.12;
-    vec3 sky = mix(light.rgb * 1.1, shade.rgb * 0.8, smoothstep(0.0, 0.45, high)) + light.rgb * 0.25 * exp(-9.0 * length(p - vec2(0.2, 0.16)));
-    vec3 sum = sky + vec3(1.0, 0.9, 0.7) * smoothstep(0.05, 0.044, length(p - vec2(0.2, 0.2))) * 1.2;
-    for (int i = 0; i < 10; i++) {
-        float level = float(i) / 10.0, down = 0.35 + 0.5 * (1.0 - level) - 0.1;
-        float far = down / max(-high + 0.06 + 0.2 * level, 0.02);
-        if (-high + 0.06 + 0.2 * level < 0.02)
-            continue;
-        vec2 q = vec2(p.x * far * 1.4, far * 1.4 + speed);
-        float d = clouds(q * 1.2 + 0.04 * float(i)) - (0.72 - 0.42 * cover) - 0.25 * abs(level - 0.35);
-        float a = smoothstep(0.0, 0.16, d) * 0.55 * smoothstep(14.0, 5.0, far);
-        vec3 tone = mix(shade.rgb * 0.55, light.rgb * 1.25, level * 0.9 + 0.25 * smoothstep(0.25, 0.0, d));
-        tone += thunder * vec3(0.7, 0.75, 1.0) * pow(noise(q * 0.35 + vec2(0.4 * iTime, 0.0)), 5.0) * 1.6 * (1.0 - level);
-        sum = mix(sum, mix(tone, sky, smoothstep(2.0, 13.0, far)), a);
+    vec2 away = p - vec2(0.28, 0.22);
+    vec3 sum = mix(light.rgb * 1.1, shade.rgb * 0.7, smoothstep(-0.05, 0.5, p.y)) + light.rgb * 0.05 / (0.06 + length(away));
+    sum += vec3(1.0, 0.9, 0.7) * smoothstep(0.06, 0.054, length(away));
+    for (int i = 0; i < 9; i++) {
+        // Banks stand one behind the other, the nearest one last.
+        float near = float(i) / 8.0, scale = mix(3.4, 0.8, near), low = mix(0.13, -0.42, near * near);
+        vec2 q = vec2(p.x * scale + speed * mix(0.12, 0.7, near) + 9.0 * float(i), (p.y - low) * scale * 1.7);
+        float puff = clouds(q * 1.5 + vec2(0.0, 0.08 * iTime)), top = (puff - 0.55 + 0.5 * (cover - 0.5)) * 0.75 / scale;
+        float h = low + top - p.y, body = smoothstep(0.0, 0.05 / scale, h);
+        float lit = exp(-h * 7.0 * scale) * (0.5 + 0.8 * clouds(q * 3.0 + 40.0)) * (0.6 + 0.6 * exp(-2.0 * length(away)));
+        vec3 tone = mix(mix(shade.rgb, light.rgb, 0.35 * (1.0 - near)) * 0.75, light.rgb * 1.5 + 0.12, clamp(lit, 0.0, 1.0));
+        tone += thunder * vec3(0.7, 0.75, 1.0) * pow(noise(vec2(q.x * 0.6, 3.0 * iTime + 7.0 * float(i))), 6.0) * 2.5 * near;
+        sum = mix(sum, tone, body * mix(0.75, 0.95, near));
     }
-    color = vec4(expose(1.5 * sum), 1.0);
+    color = vec4(expose(1.4 * sum), 1.0);
 }

@@ -17,6 +17,11 @@
 #include "noise.glsl"
 #include "color.glsl"
 
+vec2 way(float t, float a, float b)
+{
+    return vec2(0.6 * sin(1.1 * t + 6.28 * a) + 0.2 * sin(2.7 * t + 6.28 * b), 0.38 * cos(0.9 * t + 6.28 * b));
+}
+
 void mainImage(out vec4 color, in vec2 place)
 {
     vec2 size = iResolution.xy, p = (place - 0.5 * size) / size.y;
@@ -26,11 +31,11 @@ void mainImage(out vec4 color, in vec2 place)
     vec3 light = texture(iLastFrame, flow * size.y / size + 0.5).rgb * exp(-dt / memory);
     for (int i = 0; i < pens; i++) {
         float a = hash1(vec2(i, 1)) + iSeed.x, b = hash1(vec2(i, 2)) + iSeed.y, t = speed * (0.6 + 0.5 * fract(b));
-        vec2 pen = vec2(0.6 * sin(1.1 * t + 6.28 * a) + 0.2 * sin(2.7 * t + 6.28 * b), 0.38 * cos(0.9 * t + 6.28 * b));
-        float r = 0.012 * pressure, d = length(p - pen);
+        vec2 pen = way(t, a, b), before = way(t - 1.5 * dt, a, b) - pen, ap = p - pen;
+        float r = 0.012 * pressure, d = length(ap - before * clamp(dot(ap, before) / max(dot(before, before), 1e-7), 0.0, 1.0));
         vec3 ink = rainbow(fract(a) + 0.05 * t);
         light = mix(light, ink, smoothstep(r, 0.4 * r, d));
-        light += ink * dt * pressure * 0.004 / (0.002 + d * d);
+        light += ink * dt * pressure * 0.0016 / (0.002 + d * d);
     }
     color = vec4(min(light, 1.0), 1.0);
 }

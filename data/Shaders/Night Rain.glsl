@@ -23,8 +23,8 @@ void mainImage(out vec4 color, in vec2 place)
         vec2 at = fract(q) - 0.3 - 0.4 * hash2(cell + layer);
         float chance = hash1(cell + 11.0 * layer), r = 0.16 + 0.12 * chance;
         float disc = smoothstep(r, r - 0.035, length(at)) * (0.45 + 0.55 * smoothstep(0.4 * r, r, length(at)));
-        float low = smoothstep(0.3, -0.35, p.y), alight = step(0.55, hash1(cell + 3.0)) * (0.6 + 0.4 * sin(iTime * chance + 9.0 * chance));
-        light += disc * low * alight * mix(rainbow(hue + 0.4 * chance), vec3(1.0, 0.7, 0.35), 0.4) * 0.3;
+        float low = smoothstep(0.45, -0.15, p.y), alight = step(0.55, hash1(cell + 3.0)) * (0.6 + 0.4 * sin(iTime * chance + 9.0 * chance));
+        light += disc * low * alight * mix(rainbow(hue + 0.4 * chance), vec3(1.0, 0.7, 0.35), 0.4) * 0.55;
     }
     for (int i = 0; i < 5; i++) {
         float layer = float(i), scale = 7.0 + 5.0 * layer;
@@ -33,7 +33,7 @@ void mainImage(out vec4 color, in vec2 place)
         q.y += fall * (2.4 + 1.5 * chance) + 31.0 * chance;
         float drop = hash1(vec2(column, floor(q.y))), f = fract(q.y);
         float streak = smoothstep(0.0, 0.12, f) * smoothstep(0.55, 0.12, f) * smoothstep(0.5, 0.1, abs(fract(q.x) - 0.5));
-        light += streak * step(drop, 0.75 * rain) * mix(vec3(0.6, 0.75, 1.0), rainbow(hue + drop), 0.5) * (0.75 - 0.12 * layer);
+        light += streak * step(drop, 0.3 * rain) * mix(vec3(0.6, 0.75, 1.0), rainbow(hue + drop), 0.35) * (0.6 - 0.12 * layer);
     }
     color = vec4(expose(1.5 * light), 1.0);
 }

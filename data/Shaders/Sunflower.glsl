@@ -29,9 +29,9 @@ void mainImage(out vec4 color, in vec2 place)
         }
     }
     float share = which / seeds, heard = texture(iSoundHistory, vec2(min(share * 0.25, 1.0), 0.25)).r;
-    float seed = size * (0.35 + 0.5 * heard) * swell * 0.95;
+    float seed = size * (0.62 + 0.5 * heard) * swell;
     float dome = sqrt(clamp(1.0 - best * best / (seed * seed), 0.0, 1.0));
     vec3 tone = rainbow(hue + 0.35 * share + 0.1 * sin(which * 0.05 + iTime));
-    vec3 light = tone * (dome * (0.35 + 0.9 * heard) + 0.35 * pow(dome, 8.0)) + 0.12 * tone * exp(-3.0 * best / size);
+    vec3 light = tone * (dome * (0.55 + 0.9 * heard) + 0.35 * pow(dome, 8.0)) + 0.2 * tone * exp(-3.0 * best / size);
     color = vec4(expose(1.6 * light * smoothstep(1.15, 0.75, share)), 1.0);
 }
