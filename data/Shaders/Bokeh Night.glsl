@@ -35,7 +35,7 @@ void mainImage(out vec4 color, in vec2 place)
         float r = size * (0.035 + 0.085 * far) * (0.9 + 0.1 * sin(iTime * (0.5 + b) + 6.28 * c)), d = radius(p - at);
         float disc = smoothstep(r, r * 0.92, d) * (0.35 + 0.65 * smoothstep(0.2 * r, r, d));
         float lit = 0.4 + 0.6 * sin(iTime * (0.3 + 0.9 * a) + 6.28 * b);
-        light += disc * (0.25 + 0.75 * max(lit, 0.0)) * breath * rainbow(hue + 0.3 * (a - 0.5) + 0.1 * far) * mix(0.9, 0.42, far);
+        light += disc * (0.3 + 0.7 * max(lit, 0.0)) * breath * rainbow(hue + 0.3 * (a - 0.5) + 0.1 * far) * mix(1.6, 0.9, far);
     }
     color = vec4(expose(1.7 * light), 1.0);
 }

@@ -15,7 +15,7 @@
 vec3 city(vec2 p)
 {
     vec3 light = mix(rainbow(hue + 0.1) * 0.35, rainbow(hue + 0.6) * 0.05, smoothstep(0.0, 0.6, p.y));
-    vec2 cell = floor(p * 60.0), at = fract(p * 60.0) - 0.5;
+    vec2 sky = p * vec2(RENDERSIZE.x / RENDERSIZE.y, 1.0) * 60.0, cell = floor(sky), at = fract(sky) - 0.5;
     light += step(0.97, hash1(cell)) * exp(-40.0 * dot(at, at)) * 0.7 * smoothstep(0.2, 0.6, p.y);
     for (int row = 1; row >= 0; row--) {
         float x = (mirrored ? abs(p.x - 0.5) * 2.0 : p.x) * float(towers) * (row == 1 ? 0.7 : 0.5) + 31.0 * float(row);

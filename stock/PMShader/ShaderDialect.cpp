@@ -119,7 +119,8 @@ void NoteGlobal(Facts *pFacts, size_t i)
         i > 0 && IsWord(aToken[i - 1]) && !aToken[i - 1].nDirective && !IsSkipped(aToken[i - 1].text);
     const bool bFunction =
         bAfterWord && aToken[i - 1].text == "void" && i + 1 < aToken.size() && aToken[i + 1].text == "(";
-    if (bAfterWord || (i > 0 && aToken[i - 1].text == "]"))
+    // At this level a comma stands between names that are declared together.
+    if (bAfterWord || (i > 0 && (aToken[i - 1].text == "]" || aToken[i - 1].text == ",")))
         pFacts->declared.insert(word);
     pFacts->bMain |= bFunction && word == "main";
     pFacts->bMainImage |= bFunction && word == "mainImage";
