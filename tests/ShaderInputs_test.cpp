@@ -76,7 +76,8 @@ TEST_F(ShaderInputs, OfHostileHeadersLeaveOnlyWhatCanBeUsed)
         "{\"INPUTS\":[{\"NAME\":\"l\",\"TYPE\":\"long\",\"VALUES\":[1e300,null,{}],\"LABELS\":[[],\"\\ud800\"]}]}",
         "{\"INPUTS\":[{\"NAME\":\"t\",\"LABEL\":\"\\u0000\\u0001.\\u0000\",\"HELP\":\"" + std::string(2000, 'h') +
             "\",\"TYPE\":\"float\"}]}",
-        "{\"INPUTS\":[{\"NAME\":\"b\",\"LABEL\":\"\xff\xfe\",\"TYPE\":\"bool\"}]}",
+        "{\"INPUTS\":[{\"NAME\":\"b\",\"LABEL\":\"\xff\x80\x80\x80\x80\x80\x80\x80\x80\x80\x80\xfe\",\"TYPE\":\"bool\"}"
+        "]}",
         many + "{}]}",
         same + "{}]}"};
     for (const std::string &header : headers) {

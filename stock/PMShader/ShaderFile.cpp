@@ -269,13 +269,10 @@ void AppendCharacter(std::string *pText, uint32_t dwCode)
 uint32_t TakeCharacter(std::string_view *pText)
 {
     const uint8_t b = (uint8_t)(*pText)[0];
-    const size_t nMore = b < 0x80                ? 0
-                         : b >= 0xF0 && b < 0xF5 ? 3
-                         : b >= 0xE0 && b < 0xF0 ? 2
-                         : b >= 0xC2 && b < 0xE0 ? 1
-                                                 : 9;
+    const bool bLead = b < 0x80 || (b >= 0xC2 && b < 0xF5);
+    const size_t nMore = b < 0xC0 ? 0 : b < 0xE0 ? 1 : b < 0xF0 ? 2 : 3;
     uint32_t dwCode = nMore == 0 ? b : b & (0x3Fu >> nMore);
-    bool bGood = nMore < pText->size();
+    bool bGood = bLead && nMore < pText->size();
     for (size_t i = 1; bGood && i <= nMore; i++) {
         bGood = ((uint8_t)(*pText)[i] & 0xC0) == 0x80;
         dwCode = dwCode << 6 | ((uint8_t)(*pText)[i] & 0x3Fu);
