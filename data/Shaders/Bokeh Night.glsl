@@ -9,19 +9,17 @@
         {"NAME": "breath", "LABEL": "Breath", "TYPE": "float", "MIN": 0, "MAX": 2, "DEFAULT": 1, "SOURCE": "sound",
          "SMOOTH": 7, "RANGE": [0.75, 1.8]},
         {"NAME": "hue", "LABEL": "Hue", "TYPE": "float", "DEFAULT": 0.06, "SOURCE": "wave", "PERIOD": 88, "WAVE": "ramp"},
-        {"NAME": "edges", "LABEL": "Edges", "TYPE": "long", "VALUES": [0, 5, 6, 8],
-         "LABELS": ["Round", "Five blades", "Six blades", "Eight blades"], "DEFAULT": 6}
+        {"NAME": "edges", "LABEL": "Edges", "TYPE": "long", "VALUES": [0, 6, 8],
+         "LABELS": ["Round", "Six blades", "Eight blades"], "DEFAULT": 6}
     ]
 }*/
-#include "noise.glsl"
 #include "color.glsl"
 
 float radius(vec2 d)
 {
-    if (edges == 0)
-        return length(d);
-    float blade = 3.14159265 / float(edges), a = mod(atan(d.y, d.x), 2.0 * blade) - blade;
-    return mix(length(d), length(d) * cos(a) / cos(0.5 * blade), 0.8);
+    vec2 q = abs(d);
+    float six = max(q.x, dot(q, vec2(0.5, 0.8660254))), eight = max(max(q.x, q.y), 0.7071068 * (q.x + q.y));
+    return edges == 0 ? length(d) : edges == 6 ? six : eight;
 }
 
 void mainImage(out vec4 color, in vec2 place)
@@ -30,9 +28,11 @@ void mainImage(out vec4 color, in vec2 place)
     float wide = iResolution.x / iResolution.y + 0.6;
     vec3 light = mix(rainbow(hue + 0.55), rainbow(hue + 0.7), p.y + 0.5) * 0.09;
     for (int i = 0; i < lights; i++) {
-        float a = hash1(vec2(i, 1)), b = hash1(vec2(i, 2)), c = hash1(vec2(i, 3)), far = 0.3 + 0.7 * c;
+        // Evenly spread without chance: multiples of what no fraction comes near to.
+        float a = fract(0.5 + 0.7549 * float(i)), b = fract(0.5 + 0.5698 * float(i)), c = fract(0.3820 * float(i)), far = 0.3 + 0.7 * c;
         vec2 at = vec2((fract(a + sail * 0.06 * far) - 0.5) * wide, 1.1 * (b - 0.5) + 0.05 * sin(sail * (1.0 + a) + 6.28 * b));
-        float r = size * (0.035 + 0.085 * far) * (0.9 + 0.1 * sin(iTime * (0.5 + b) + 6.28 * c)), d = radius(p - at);
+        float r = size * (0.035 + 0.085 * far) * (0.9 + 0.1 * sin(iTime * (0.5 + b) + 6.28 * c));
+        float d = radius(p - at);
         float disc = smoothstep(r, r * 0.92, d) * (0.35 + 0.65 * smoothstep(0.2 * r, r, d));
         float lit = 0.4 + 0.6 * sin(iTime * (0.3 + 0.9 * a) + 6.28 * b);
         light += disc * (0.3 + 0.7 * max(lit, 0.0)) * breath * rainbow(hue + 0.3 * (a - 0.5) + 0.1 * far) * mix(1.6, 0.9, far);

@@ -11,7 +11,6 @@
         {"NAME": "water", "LABEL": "Water", "TYPE": "color", "DEFAULT": [0.16, 0.03, 0.3, 1]}
     ]
 }*/
-#include "noise.glsl"
 #include "color.glsl"
 
 void mainImage(out vec4 color, in vec2 place)
@@ -20,7 +19,7 @@ void mainImage(out vec4 color, in vec2 place)
     float field = 0.0;
     vec2 pull = vec2(0.0);
     for (int i = 0; i < drops; i++) {
-        float a = hash1(vec2(i, 1)), b = hash1(vec2(i, 2)), c = hash1(vec2(i, 3));
+        float a = fract(0.5 + 0.7549 * float(i)), b = fract(0.5 + 0.5698 * float(i)), c = fract(0.3820 * float(i) + 0.1);
         vec2 at = vec2((a - 0.5) * 1.7 + 0.12 * sin(heat * (0.5 + b) + 9.0 * c),
                        0.5 * sin(heat * (0.35 + 0.6 * b) + 6.28 * c + 0.3 * sin(heat * 0.7 + a * 5.0)));
         float r = size * (0.055 + 0.075 * c);

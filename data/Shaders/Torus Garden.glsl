@@ -29,16 +29,16 @@ void mainImage(out vec4 color, in vec2 place)
     ray.xz *= rotate(0.25 * sin(0.17 * iTime));
     float t = 0.0, near = 9.0;
     int i = 0;
-    for (; i < 96; i++) {
+    for (; i < 90; i++) {
         float d = scene(from + ray * t);
         near = min(near, d / (0.4 + 0.1 * t));
-        if (d < 0.0015 * t || t > 18.0)
+        if (d < 0.002 * t || t > 18.0)
             break;
         t += min(d * 0.6, 0.5);
     }
     vec3 sky = mix(rainbow(hue + 0.55) * 0.28, rainbow(hue + 0.75) * 0.04, smoothstep(-0.5, 0.5, p.y));
     vec3 light = sky + rainbow(hue + 0.1) * 0.05 / (0.06 + near) * (0.3 + iSoundSlow);
-    if (t < 18.0 && i < 96) {
+    if (t < 18.0 && i < 90) {
         vec3 at = from + ray * t;
         vec2 e = vec2(0.004, -0.004);
         vec3 n = normalize(e.xyy * scene(at + e.xyy) + e.yyx * scene(at + e.yyx) + e.yxy * scene(at + e.yxy) + e.xxx * scene(at + e.xxx));

@@ -51,7 +51,8 @@ struct Shader {
 
 void ShowFault(Shader *pShader, const PlaneInfo *ppi, const std::string &faults)
 {
-    const std::string heading = NameOfPath(pShader->path) + " does not compile";
+    const std::string heading =
+        NameOfPath(pShader->path) + (pShader->stage.pContext ? " does not compile" : " cannot run");
     pShader->bFaultShown = true;
     if (!ppi->pfnShowMessage || !ppi->pfnShowMessage(FaultMessage(heading, faults).c_str()))
         fprintf(stderr, "%s\n%s%s", heading.c_str(), faults.c_str(), faults.ends_with('\n') ? "" : "\n");
@@ -270,11 +271,13 @@ MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
     ResetShaderControls(&pShader->aControl);
     const bool bOpen =
         pShader->stage.pContext ? EnterStage(pShader->stage, ppi->hwndGL) : OpenStage(&pShader->stage, ppi->hwndGL);
-    if (!bOpen)
-        return;
-    ForgetPictures(&pShader->stage);
-    if (!pShader->bTried)
+    if (bOpen)
+        ForgetPictures(&pShader->stage);
+    if (!pShader->bTried && bOpen)
         CompileFile(pShader, ppi);
+    else if (!pShader->bTried && ppi->hwndGL)
+        ShowFault(pShader, ppi, "it needs OpenGL 3.3, which the driver does not offer");
+    pShader->bTried = true;
 }
 
 MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
