@@ -33,7 +33,7 @@ TEST_F(ShaderDrawing, TakesTheWaysInWhichAuthorsWrite)
         "void main() { vec2 u = isf_FragNormCoord; gl_FragColor = vec4(a * step(u.x, 2.0) * step(1.0, RENDERSIZE.x), "
         "TIME * 0.0 + IMG_NORM_PIXEL(i, u).g + IMG_THIS_PIXEL(i).g, float(FRAMEINDEX) * 0.0, 1); }",
         "varying vec2 vUv;\nvoid main() { gl_FragColor = vec4(vUv.x > 0.4 && vUv.y > 0.4 ? 1.0 : 0.0, 0, 0, 1); }",
-        "#version 420 core\nin highp vec2 uv;\nlayout(location = 0) out vec4 fragColor;\nuniform vec3 iResolution;\n"
+        "#version 460 core\nin highp vec2 uv;\nlayout(location = 0) out vec4 fragColor;\nuniform vec3 iResolution;\n"
         "void main() { fragColor = vec4(uv.x * 0.0 + iResolution.z, 0, 0, 1); }",
         "uniform sampler2D iChannel0, iChannel1;\nvoid mainImage(out vec4 c, in vec2 p) { c = vec4(1, "
         "texture2D(iChannel0, p).x, 0, 1); "

@@ -64,6 +64,7 @@ constexpr HostUniform asHostUniform[] = {
     {"PASSINDEX", "int", "", VALUE_ZERO},
     {"RENDERSIZE", "vec2", "", VALUE_RESOLUTION},
     {"DATE", "vec4", "", VALUE_DATE},
+    {"backbuffer", nullptr, "", VALUE_PICTURE_LAST},
     {"time", nullptr, "", VALUE_TIME},
     {"resolution", nullptr, "", VALUE_RESOLUTION},
     {"mouse", nullptr, "", VALUE_MOUSE_UNIT},

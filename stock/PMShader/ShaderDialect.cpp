@@ -16,7 +16,6 @@
 namespace {
 
 #define DIALECT_VERSION 330
-#define DIALECT_VERSION_MAX 460
 #define ADDED_LINES (SHADER_LINES_MAX * SHADER_FILES_MAX) // number of the first line that is not the author's
 
 using Words = std::set<std::string_view>;
@@ -32,7 +31,7 @@ struct Facts {
     std::vector<Edit> aEdit;
     std::string extensions;            // "#extension" lines, which have to stand before everything else
     std::vector<std::string> varyings; // "vec2 NAME" of every input from the vertex stage
-    int32_t nVersion;
+    int32_t nVersion, nVersionMost;
     bool bMain, bMainImage;
 };
 
@@ -92,7 +91,7 @@ void NoteDirective(Facts *pFacts, size_t i)
         pFacts->nVersion = std::clamp(bEmbedded && nVersion > 300 ? 430
                                       : bEmbedded                 ? 0
                                                                   : nVersion,
-                                      DIALECT_VERSION, DIALECT_VERSION_MAX);
+                                      DIALECT_VERSION, pFacts->nVersionMost);
     } else if (!name.starts_with("GL_OES_") && iEnd - i == 5 && IsWord(aToken[i + 4])) {
         pFacts->extensions += "#extension " + std::string(name) + " : " + std::string(aToken[i + 4].text) + "\n";
     }
@@ -218,11 +217,12 @@ std::string VertexShader(const Facts &facts)
 
 } // namespace
 
-bool TranslateShader(const std::string &text, const std::vector<ShaderInput> &inputs, ShaderSources *pSources,
-                     std::string *psError)
+bool TranslateShader(const std::string &text, const std::vector<ShaderInput> &inputs, int32_t nVersionMost,
+                     ShaderSources *pSources, std::string *psError)
 {
     Facts facts = {};
     facts.nVersion = DIALECT_VERSION;
+    facts.nVersionMost = std::max(nVersionMost, DIALECT_VERSION);
     facts.aToken = SplitShader(text);
     NoteWords(&facts);
     if (!facts.bMain && !facts.bMainImage) {

@@ -14,8 +14,9 @@ struct ShaderSources {
 };
 
 // text: as ReadShaderText gives it, with "#line" lines. Adds what the file uses without declaring it, an entry point
-// for mainImage, and a bound for loops that might not end. False with *psError when there is no entry point.
-bool TranslateShader(const std::string &text, const std::vector<ShaderInput> &inputs, ShaderSources *pSources,
-                     std::string *psError);
+// for mainImage, and a bound for loops that might not end. nVersionMost: the
+// newest version of the language that the driver takes, as in 450. False with *psError when there is no entry point.
+bool TranslateShader(const std::string &text, const std::vector<ShaderInput> &inputs, int32_t nVersionMost,
+                     ShaderSources *pSources, std::string *psError);
 
 #endif

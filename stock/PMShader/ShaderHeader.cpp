@@ -72,16 +72,19 @@ bool IsName(const std::string &name)
 void ReadRange(const Json &object, ShaderInput *pInput)
 {
     for (size_t i = 0; i < (size_t)InputParts(pInput->eKind); i++) {
-        float fMin = NumberOf(Member(object, "MIN"), i).value_or(0);
-        float fMax = NumberOf(Member(object, "MAX"), i).value_or(pInput->eKind == INPUT_LONG ? 100.0f : 1.0f);
+        // A default outside of what is usual widens the range that is not told.
+        const std::optional<float> fGiven = NumberOf(Member(object, "DEFAULT"), i);
+        const float fUsual = pInput->eKind == INPUT_LONG ? 100.0f : 1.0f,
+                    fTwice = pInput->eKind == INPUT_COLOR ? 0 : 2 * fGiven.value_or(0);
+        float fMin = NumberOf(Member(object, "MIN"), i).value_or(std::min(fTwice, 0.0f));
+        float fMax = NumberOf(Member(object, "MAX"), i).value_or(std::max(fTwice, fUsual));
         if (fMin > fMax)
             std::swap(fMin, fMax);
         const bool bOpaque = pInput->eKind == INPUT_COLOR && i == 3;
         const float fMiddle = pInput->eKind == INPUT_LONG || pInput->eKind == INPUT_BOOL ? fMin : 0.5f * (fMin + fMax);
-        const float fDefault = NumberOf(Member(object, "DEFAULT"), i).value_or(bOpaque ? fMax : fMiddle);
         pInput->afMin[i] = fMin;
         pInput->afMax[i] = fMax;
-        pInput->afDefault[i] = std::clamp(fDefault, fMin, fMax);
+        pInput->afDefault[i] = std::clamp(fGiven.value_or(bOpaque ? fMax : fMiddle), fMin, fMax);
     }
     const Json *pRange = Member(object, "RANGE");
     pInput->range.fLow = std::clamp(NumberOf(pRange, 0).value_or(pInput->afMin[0]), pInput->afMin[0], pInput->afMax[0]);

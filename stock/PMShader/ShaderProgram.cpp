@@ -6,6 +6,7 @@
 #include <epoxy/gl.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -93,6 +94,14 @@ GLuint Link(const std::string &vertex, const std::string &fragment, std::string 
     glDeleteShader(uVertex);
     glDeleteShader(uFragment);
     return uProgram;
+}
+
+// "4.50 NVIDIA" is 450; 0 if unknown.
+int32_t LanguageVersion()
+{
+    const auto *pszVersion = (const char *)glGetString(GL_SHADING_LANGUAGE_VERSION);
+    int32_t nMajor = 0, nMinor = 0;
+    return pszVersion && sscanf(pszVersion, "%d.%d", &nMajor, &nMinor) == 2 ? nMajor * 100 + nMinor : 0;
 }
 
 HostValue PictureOf(const LiveUniform &uniform, const ShaderProgram &program)
@@ -192,7 +201,7 @@ bool BuildProgram(const ShaderText &text, const std::vector<ShaderInput> &inputs
 {
     ShaderSources sources;
     std::string log;
-    if (!TranslateShader(text.text, inputs, &sources, &log)) {
+    if (!TranslateShader(text.text, inputs, LanguageVersion(), &sources, &log)) {
         *psError = text.aPart[0].name + ": " + log + "\n";
         return false;
     }
