@@ -28,8 +28,9 @@ void mainImage(out vec4 color, in vec2 place)
     float wide = iResolution.x / iResolution.y + 0.6;
     vec3 light = mix(rainbow(hue + 0.55), rainbow(hue + 0.7), p.y + 0.5) * 0.09;
     for (int i = 0; i < lights; i++) {
-        // Evenly spread without chance: multiples of what no fraction comes near to.
-        float a = fract(0.5 + 0.7549 * float(i)), b = fract(0.5 + 0.5698 * float(i)), c = fract(0.3820 * float(i)), far = 0.3 + 0.7 * c;
+        // Evenly spread without chance: multiples of what no fraction comes near to. The speed goes by squares, since
+        // lights at evenly stepped places and speeds would line up one day.
+        float a = fract(0.5 + 0.7549 * float(i)), b = fract(0.5 + 0.5698 * float(i)), c = fract(0.1373 * float(i * i)), far = 0.3 + 0.7 * c;
         vec2 at = vec2((fract(a + sail * 0.06 * far) - 0.5) * wide, 1.1 * (b - 0.5) + 0.05 * sin(sail * (1.0 + a) + 6.28 * b));
         float r = size * (0.035 + 0.085 * far) * (0.9 + 0.1 * sin(iTime * (0.5 + b) + 6.28 * c));
         float d = radius(p - at);
