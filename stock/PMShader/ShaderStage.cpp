@@ -79,26 +79,29 @@ void UploadSound(ShaderStage *pStage, const float *afSound)
 
 void FreeTargets(ShaderStage *pStage)
 {
-    glDeleteFramebuffers(2, pStage->adwFrame);
-    glDeleteTextures(2, pStage->adwTarget);
-    pStage->nTargetWidth = pStage->nTargetHeight = 0;
+    glDeleteFramebuffers(pStage->nTargets, pStage->adwFrame);
+    glDeleteTextures(pStage->nTargets, pStage->adwTarget);
+    pStage->nTargets = 0;
+    pStage->iTarget = 0;
 }
 
 // Sixteen bits a channel: palettes have more colours than a byte can number, and trails fade to black.
-void NeedTargets(ShaderStage *pStage, int32_t nWidth, int32_t nHeight)
+// Two only where one is drawn from the other: at the largest size each takes half a gibibyte.
+void NeedTargets(ShaderStage *pStage, int32_t nTargets, int32_t nWidth, int32_t nHeight)
 {
-    if (pStage->nTargetWidth == nWidth && pStage->nTargetHeight == nHeight)
+    if (pStage->nTargets == nTargets && pStage->nTargetWidth == nWidth && pStage->nTargetHeight == nHeight)
         return;
     FreeTargets(pStage);
     glActiveTexture(GL_TEXTURE0 + UNIT_LAST);
-    glGenFramebuffers(2, pStage->adwFrame);
-    for (int32_t i = 0; i < 2; i++) {
+    glGenFramebuffers(nTargets, pStage->adwFrame);
+    for (int32_t i = 0; i < nTargets; i++) {
         pStage->adwTarget[i] = MakeTexture(GL_LINEAR, GL_CLAMP_TO_EDGE);
         glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA16, nWidth, nHeight, 0, GL_RGBA, GL_UNSIGNED_SHORT, nullptr);
         glBindFramebuffer(GL_FRAMEBUFFER, pStage->adwFrame[i]);
         glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, pStage->adwTarget[i], 0);
         glClear(GL_COLOR_BUFFER_BIT);
     }
+    pStage->nTargets = nTargets;
     pStage->nTargetWidth = nWidth;
     pStage->nTargetHeight = nHeight;
 }
@@ -127,10 +130,12 @@ void DrawCover()
 void DrawThroughTarget(ShaderStage *pStage, const ShaderProgram &program, const UniformValues &values,
                        const Canvas &canvas)
 {
-    NeedTargets(pStage, canvas.nWidth, canvas.nHeight);
+    NeedTargets(pStage, program.bReadsLast ? 2 : 1, canvas.nWidth, canvas.nHeight);
     glActiveTexture(GL_TEXTURE0 + UNIT_LAST);
-    glBindTexture(GL_TEXTURE_2D, pStage->adwTarget[pStage->iTarget]);
-    pStage->iTarget ^= 1;
+    if (program.bReadsLast) {
+        glBindTexture(GL_TEXTURE_2D, pStage->adwTarget[pStage->iTarget]);
+        pStage->iTarget ^= 1;
+    }
     glBindFramebuffer(GL_FRAMEBUFFER, pStage->adwFrame[pStage->iTarget]);
     UseProgram(program, values);
     DrawCover();
@@ -203,9 +208,7 @@ void CloseStage(ShaderStage *pStage)
 
 void ForgetPictures(ShaderStage *pStage)
 {
-    if (pStage->nTargetWidth)
-        FreeTargets(pStage);
-    pStage->iTarget = 0;
+    FreeTargets(pStage);
 }
 
 void DrawOnStage(ShaderStage *pStage, const ShaderProgram &program, const UniformValues &values, const float *afSound,

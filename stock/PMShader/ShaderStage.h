@@ -14,8 +14,8 @@ struct ShaderStage {
     int32_t nColorsLocation;
     uint32_t dwSound, dwNoise; // pictures; 0: not made yet
     uint32_t adwTarget[2], adwFrame[2];
-    int32_t nTargetWidth, nTargetHeight; // 0: there are no targets
-    int32_t iTarget;                     // drawn last
+    int32_t nTargets, nTargetWidth, nTargetHeight;
+    int32_t iTarget; // drawn last
 };
 
 // Makes a context of OpenGL 3.3 on the window and makes it current. False if there is none.
