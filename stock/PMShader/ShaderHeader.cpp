@@ -1,0 +1,236 @@
+// ShaderHeader.cpp -- the inputs that a shader's header comment declares
+#include "ShaderHeader.h"
+
+#include "ShaderFile.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <optional>
+#include <set>
+
+namespace {
+
+using Json = nlohmann::json;
+
+#define HEADER_BYTES_MAX (64 << 10)
+#define HEADER_NUMBER_MAX 1e6f // keeps every sum of a few inputs well within what a float holds
+#define HEADER_FAULTS_MAX 8
+
+struct KindName {
+    const char *pszType;
+    InputKind eKind;
+};
+constexpr KindName asKind[] = {{"float", INPUT_FLOAT},   {"long", INPUT_LONG},   {"bool", INPUT_BOOL},
+                               {"event", INPUT_BOOL},    {"color", INPUT_COLOR}, {"point2D", INPUT_POINT},
+                               {"image", INPUT_PICTURE}, {"audio", INPUT_SOUND}, {"audioFFT", INPUT_SOUND}};
+
+const Json *Member(const Json &object, const char *pszName)
+{
+    const auto it = object.find(pszName);
+    return it == object.end() ? nullptr : &*it;
+}
+
+std::string TextMember(const Json &object, const char *pszName)
+{
+    const Json *pText = Member(object, pszName);
+    return pText && pText->is_string() ? pText->get<std::string>() : std::string();
+}
+
+// A number, or the part of an array of numbers; booleans count as 0 and 1.
+std::optional<float> NumberOf(const Json *pValue, size_t iPart = 0)
+{
+    if (pValue && pValue->is_array())
+        pValue = iPart < pValue->size() ? &(*pValue)[iPart] : nullptr;
+    if (pValue && pValue->is_boolean())
+        return pValue->get<bool>() ? 1.0f : 0.0f;
+    if (!pValue || !pValue->is_number())
+        return {};
+    return std::clamp((float)pValue->get<double>(), -HEADER_NUMBER_MAX, HEADER_NUMBER_MAX);
+}
+
+// Text for the user, on one line; full stops would part the control's name in files.
+std::u16string Displayed(const std::string &text, size_t nMost)
+{
+    std::u16string wide = WideText(text).substr(0, nMost);
+    std::replace(wide.begin(), wide.end(), u'.', u' ');
+    std::replace_if(
+        wide.begin(), wide.end(), [](char16_t ch) { return ch < u' '; }, u' ');
+    return wide;
+}
+
+bool IsName(const std::string &name)
+{
+    const auto Fits = [](char ch) { return isalnum((unsigned char)ch) || ch == '_'; };
+    return !name.empty() && name.size() <= 64 && std::all_of(name.begin(), name.end(), Fits) &&
+           !isdigit((unsigned char)name[0]) && !name.starts_with("gl_") && !name.starts_with("vd_") &&
+           name.find("__") == std::string::npos;
+}
+
+void ReadRange(const Json &object, ShaderInput *pInput)
+{
+    for (size_t i = 0; i < (size_t)InputParts(pInput->eKind); i++) {
+        // A default outside of what is usual widens the range that is not told.
+        const std::optional<float> fGiven = NumberOf(Member(object, "DEFAULT"), i);
+        const float fUsual = pInput->eKind == INPUT_LONG ? 100.0f : 1.0f,
+                    fTwice = pInput->eKind == INPUT_COLOR ? 0 : 2 * fGiven.value_or(0);
+        float fMin = NumberOf(Member(object, "MIN"), i).value_or(std::min(fTwice, 0.0f));
+        float fMax = NumberOf(Member(object, "MAX"), i).value_or(std::max(fTwice, fUsual));
+        if (fMin > fMax)
+            std::swap(fMin, fMax);
+        const bool bOpaque = pInput->eKind == INPUT_COLOR && i == 3;
+        const float fMiddle = pInput->eKind == INPUT_LONG || pInput->eKind == INPUT_BOOL ? fMin : 0.5f * (fMin + fMax);
+        pInput->afMin[i] = fMin;
+        pInput->afMax[i] = fMax;
+        pInput->afDefault[i] = std::clamp(fGiven.value_or(bOpaque ? fMax : fMiddle), fMin, fMax);
+    }
+    const Json *pRange = Member(object, "RANGE");
+    pInput->range.fLow = std::clamp(NumberOf(pRange, 0).value_or(pInput->afMin[0]), pInput->afMin[0], pInput->afMax[0]);
+    pInput->range.fHigh =
+        std::clamp(NumberOf(pRange, 1).value_or(pInput->afMax[0]), pInput->afMin[0], pInput->afMax[0]);
+}
+
+void ReadChoices(const Json &object, ShaderInput *pInput)
+{
+    const Json *pValues = Member(object, "VALUES"), *pLabels = Member(object, "LABELS");
+    if (!pValues || !pValues->is_array())
+        return;
+    for (size_t i = 0; i < pValues->size() && pInput->anValue.size() < SHADER_CHOICES_MAX; i++) {
+        const std::optional<float> fValue = NumberOf(&(*pValues)[i]);
+        if (!fValue)
+            continue;
+        const bool bLabel = pLabels && pLabels->is_array() && i < pLabels->size() && (*pLabels)[i].is_string();
+        pInput->anValue.push_back((int32_t)*fValue);
+        pInput->aszChoice.push_back(
+            WideText(bLabel ? (*pLabels)[i].get<std::string>() : std::to_string((int32_t)*fValue)));
+    }
+    // The range was read for numbers; a choice may lie anywhere.
+    pInput->afDefault[0] =
+        NumberOf(Member(object, "DEFAULT")).value_or(pInput->anValue.empty() ? 0 : (float)pInput->anValue[0]);
+}
+
+uint32_t Milliseconds(const Json &object, const char *pszName, uint32_t nLowest, uint32_t nHighest)
+{
+    const std::optional<float> fSeconds = NumberOf(Member(object, pszName));
+    return fSeconds ? std::clamp((uint32_t)(std::max(*fSeconds, 0.0f) * 1000), nLowest, nHighest) : 0;
+}
+
+void ReadSource(const Json &object, ShaderInput *pInput)
+{
+    static const char *const apszSource[] = {"fixed", "random", "wave", "sound", "periodic"};
+    static const char *const apszWave[] = {"sine", "triangle", "square", "ramp"};
+    FluidDefault &source = pInput->source;
+    source = FromFixed();
+    const std::string name = TextMember(object, "SOURCE"), wave = TextMember(object, "WAVE");
+    for (uint32_t i = 0; i < std::size(apszSource); i++)
+        if (name == apszSource[i])
+            source.dwSource = 1u << i;
+    for (uint32_t i = 0; i < std::size(apszWave); i++)
+        if (wave == apszWave[i])
+            source.dwWaveType = i;
+    source.nPeriodMs = Milliseconds(object, "PERIOD", 400, 120000);
+    source.nSamples = (uint32_t)std::clamp(NumberOf(Member(object, "SMOOTH")).value_or(0), 0.0f, 44.0f);
+    pInput->fEase = std::clamp(NumberOf(Member(object, "EASE")).value_or(0), 0.0f, 60.0f);
+    pInput->bSum = pInput->eKind == INPUT_FLOAT && NumberOf(Member(object, "SUM")).value_or(0) != 0;
+}
+
+// Empty on success, else what is wrong with it.
+std::string ReadInput(const Json &object, ShaderInput *pInput)
+{
+    if (!object.is_object())
+        return "an input has to be an object between braces";
+    pInput->name = TextMember(object, "NAME");
+    if (!IsName(pInput->name))
+        return "an input needs a NAME of letters, digits and single underscores";
+    const std::string type = TextMember(object, "TYPE");
+    const auto itKind =
+        std::find_if(std::begin(asKind), std::end(asKind), [&](const KindName &kind) { return type == kind.pszType; });
+    if (itKind == std::end(asKind))
+        return "the input " + pInput->name + " has no TYPE of float, long, bool, color, point2D";
+    pInput->eKind = itKind->eKind;
+    const std::string label = TextMember(object, "LABEL");
+    pInput->label = Displayed(label.empty() ? pInput->name : label, 60);
+    pInput->group = Displayed(TextMember(object, "GROUP"), 60);
+    pInput->help = WideText(TextMember(object, "HELP"));
+    ReadRange(object, pInput);
+    if (pInput->eKind == INPUT_LONG)
+        ReadChoices(object, pInput);
+    ReadSource(object, pInput);
+    return {};
+}
+
+void AddFault(std::string *psError, int32_t nLine, const std::string &fault)
+{
+    if (std::count(psError->begin(), psError->end(), '\n') < HEADER_FAULTS_MAX)
+        *psError += std::to_string(nLine) + ": " + fault + "\n";
+}
+
+int32_t LineAt(const std::string &json, size_t iByte, int32_t nLine)
+{
+    return nLine + (int32_t)std::count(json.begin(), json.begin() + (int64_t)std::min(iByte, json.size()), '\n');
+}
+
+// The line on which a name stands first, between quotes; for messages.
+int32_t LineOf(const std::string &json, const std::string &name, int32_t nLine)
+{
+    const size_t i = name.empty() ? std::string::npos : json.find("\"" + name + "\"");
+    return LineAt(json, i == std::string::npos ? 0 : i, nLine);
+}
+
+void ReadInputs(const Json &aInput, const std::string &json, int32_t nLine, std::vector<ShaderInput> *pInputs,
+                std::string *psError)
+{
+    std::set<std::string> names;
+    for (const Json &object : aInput) {
+        ShaderInput input = {};
+        std::string fault = ReadInput(object, &input);
+        if (fault.empty() && !names.insert(input.name).second)
+            fault = "there are two inputs " + input.name;
+        if (fault.empty() && pInputs->size() >= SHADER_INPUTS_MAX)
+            fault = "there are more than " + std::to_string(SHADER_INPUTS_MAX) + " inputs";
+        if (fault.empty())
+            pInputs->push_back(std::move(input));
+        else
+            AddFault(psError, LineOf(json, input.name, nLine), fault);
+    }
+}
+
+} // namespace
+
+int32_t InputParts(InputKind eKind)
+{
+    return eKind == INPUT_COLOR ? 4 : eKind == INPUT_POINT ? 2 : 1;
+}
+
+const char *InputType(InputKind eKind)
+{
+    static const char *const apszType[] = {"float", "int", "bool", "vec4", "vec2", "sampler2D", "sampler2D"};
+    return apszType[eKind];
+}
+
+bool ReadShaderHeader(const std::string &json, int32_t nLine, std::vector<ShaderInput> *pInputs, std::string *psError)
+{
+    if (json.size() > HEADER_BYTES_MAX) {
+        AddFault(psError, nLine, "the header comment is larger than 64 kibibytes");
+        return false;
+    }
+    // The JSON has to be valid UTF-8; a stray byte of an old code page is no reason to lose the controls.
+    const std::string text = NarrowText(WideText(json).c_str());
+    Json root;
+    try {
+        root = Json::parse(text, nullptr, true, true);
+    } catch (const Json::exception &e) {
+        const auto *pParse = dynamic_cast<const Json::parse_error *>(&e);
+        AddFault(psError, LineAt(text, pParse ? pParse->byte : 0, nLine), "the header comment is no valid JSON here");
+        return false;
+    }
+    const Json *pArray = root.is_object() ? Member(root, "INPUTS") : nullptr;
+    if (pArray && pArray->is_array())
+        ReadInputs(*pArray, text, nLine, pInputs, psError);
+    const Json *pPasses = root.is_object() ? Member(root, "PASSES") : nullptr;
+    if (pPasses && pPasses->is_array() && pPasses->size() > 1)
+        AddFault(psError, nLine, "several PASSES are not supported: the file is drawn in one");
+    return psError->empty();
+}
