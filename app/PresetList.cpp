@@ -6,6 +6,7 @@
 #include "library/PresetScan.h"
 #include "library/PresetTable.h"
 #include "modules/ModuleRegistry.h"
+#include "platform/FileFacts.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
 
@@ -124,6 +125,11 @@ int ListPresets(const RenderOptions &ro)
     const std::u16string folder = AbsolutePath(FromUtf8(ro.list));
     if (!FolderExists(folder)) {
         std::fprintf(stderr, "vorticade-render: %s is not a folder\n", ro.list.c_str());
+        return 1;
+    }
+    FolderListing probe;
+    if (!ListFolder(folder, ".vd", 0, &probe)) {
+        std::fprintf(stderr, "vorticade-render: the folder %s cannot be read\n", ro.list.c_str());
         return 1;
     }
     StartHeadless(ro.start);

@@ -5,11 +5,13 @@
 #include "library/PresetTable.h"
 #include "library/SummaryPool.h"
 #include "platform/Files.h"
+#include "platform/Notices.h"
 #include "platform/Text.h"
 #include "platform/Threads.h"
 
 #include <algorithm>
 #include <atomic>
+#include <system_error>
 #include <thread>
 #include <unordered_map>
 #include <vector>
@@ -99,15 +101,19 @@ void PlaceFile(ScanPass *pPass, std::u16string_view path, const FileFacts &facts
 void LookAtFile(ScanPass *pPass, u32 iFile, const std::u16string &path, const FileFacts *pListed, ReadBuffer *pBuffer)
 {
     const KnownFile known = FindKnown(pPass, path);
+    FileFacts facts = known.facts;
     if (known.iSlot >= 0 && pPass->bDetails && !known.bSummarized) {
-        UpdateFile(pPass, path, known.facts, pBuffer);
+        if (!pPass->bInPlaceOfNotices || QueryFile(path, &facts) == FileKind::Regular)
+            UpdateFile(pPass, path, facts, pBuffer);
         return;
     }
-    FileFacts facts = {};
+    facts = {};
     if (pListed)
         facts = *pListed;
     else if (QueryFile(path, &facts) != FileKind::Regular)
         return;
+    if (static_cast<u32>(facts.cb) == ALL_ONES)
+        return; // the size that stands for a failure
     const bool bMoved = pPass->bInPlaceOfNotices ? facts != known.facts : facts.ftLastWrite != known.facts.ftLastWrite;
     if (known.iSlot < 0 && !pPass->bDetails) {
         PlaceFile(pPass, path, facts, nullptr);
@@ -153,23 +159,32 @@ u32 LookAtFolder(ScanPass *pPass)
     return bAll;
 }
 
+using SlotOfPath = std::pair<i32, std::u16string>;
+
 // Entries that the listing lacks. One whose file is there has an unusual name and is looked at like the others.
-std::vector<i32> FindGoneEntries(ScanPass *pPass)
+std::vector<SlotOfPath> FindGoneEntries(ScanPass *pPass)
 {
-    std::vector<std::pair<i32, std::u16string>> unseen;
+    std::vector<SlotOfPath> unseen;
     ForEachPreset([&](i32 iSlot, const PresetInfo *lppi) {
         if (static_cast<size_t>(iSlot) < pPass->abSeen.size() && !pPass->abSeen[static_cast<size_t>(iSlot)])
             unseen.emplace_back(iSlot, lppi->szPath);
     });
-    std::vector<i32> gone;
+    std::vector<SlotOfPath> gone;
     ReadBuffer buffer = {};
     for (const auto &[iSlot, path] : unseen) {
         if (QueryFile(path, nullptr) == FileKind::Regular)
             LookAtFile(pPass, ALL_ONES, path, nullptr, &buffer);
         else
-            gone.push_back(iSlot);
+            gone.emplace_back(iSlot, path);
     }
     return gone;
+}
+
+// Another thread may have dropped or recycled it meanwhile.
+bool StillHolds(i32 iSlot, const std::u16string &path)
+{
+    const PresetInfo *lppi = GetLivePreset(iSlot);
+    return lppi && path == lppi->szPath;
 }
 
 bool IsSameFile(i32 iSlot, const FileFacts &facts)
@@ -182,16 +197,19 @@ bool IsSameFile(i32 iSlot, const FileFacts &facts)
 // A file that went while the same one came under another name was renamed: its entry goes along.
 void SettleGoneEntries(ScanPass *pPass)
 {
-    const std::vector<i32> gone = FindGoneEntries(pPass);
+    const std::vector<SlotOfPath> gone = FindGoneEntries(pPass);
     std::unordered_map<u64, size_t> newById;
     for (size_t i = 0; i < pPass->newFiles.size(); i++)
         newById.emplace(pPass->newFiles[i].facts.qwFileId, i);
     const PresetTableLock lock;
-    for (i32 iSlot : gone) {
+    for (const auto &[iSlot, path] : gone) {
+        if (!StillHolds(iSlot, path))
+            continue;
         const auto it = newById.find(PresetFileId(iSlot));
         pPass->bChanged = 1;
-        if (it != newById.end() && IsSameFile(iSlot, pPass->newFiles[it->second].facts))
-            MovePreset(iSlot, pPass->newFiles[it->second].path);
+        const NewFile *pNew = it != newById.end() ? &pPass->newFiles[it->second] : nullptr;
+        if (pNew && IsSameFile(iSlot, pNew->facts) && FindPresetFile(pNew->path) < 0)
+            MovePreset(iSlot, pNew->path);
         else
             DropPreset(iSlot);
     }
@@ -326,9 +344,14 @@ u32 PathsTooLong()
     return nPathsTooLong;
 }
 
+// Where no thread can be had the presets are listed without summaries.
 void StartPresetScanThread()
 {
-    ScanThread = std::thread(PresetScanThread);
+    try {
+        ScanThread = std::thread(PresetScanThread);
+    } catch (const std::system_error &) {
+        AddNotice("presets cannot be summarised: the system has no thread to give");
+    }
 }
 
 void StopPresetScans()

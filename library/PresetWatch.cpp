@@ -62,6 +62,16 @@ bool TakeNewName(std::u16string_view path)
     return TakeContents(path);
 }
 
+// Renamed to a name that is too long a preset is gone; one that had such a name was none.
+bool TakeTooLong(u32 dwAction)
+{
+    if (dwAction != WATCH_OLD_NAME && dwAction != WATCH_NEW_NAME)
+        return false;
+    const std::u16string from = szRenamedFrom;
+    szRenamedFrom[0] = 0;
+    return dwAction == WATCH_NEW_NAME && TakeRemoved(from);
+}
+
 constexpr bool (*apfnTake[])(std::u16string_view path) = {
     nullptr, TakeContents, TakeRemoved, TakeContents, TakeOldName, TakeNewName,
 };
@@ -74,9 +84,12 @@ void PresetFolderCallback(const char16_t *pszName, u32 dwAction)
     if (!pszName || !*pszName || dwAction < WATCH_ADDED || dwAction > WATCH_NEW_NAME)
         return;
     const std::u16string path = JoinPath(PresetFolder(), pszName);
-    if (path.size() >= NAME_CHARS || QueryFile(path, nullptr) == FileKind::Folder)
-        return;
-    if (apfnTake[dwAction](path))
+    bool bChanged = false;
+    if (path.size() >= NAME_CHARS)
+        bChanged = TakeTooLong(dwAction);
+    else if (dwAction == WATCH_REMOVED || dwAction == WATCH_OLD_NAME || QueryFile(path, nullptr) != FileKind::Folder)
+        bChanged = apfnTake[dwAction](path);
+    if (bChanged)
         NotifyPresetChange();
 }
 

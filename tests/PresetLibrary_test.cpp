@@ -1,5 +1,7 @@
 // PresetLibrary_test.cpp -- the library over real files: passes, the watch, favorites, what is not as it should be
 #include "app/GlobalSettings.h"
+#include "library/FolderWatch.h"
+#include "library/PresetWatch.h"
 #include "platform/AtomicFile.h"
 #include "tests/PresetFolderFixture.h"
 
@@ -135,6 +137,39 @@ TEST_F(PresetLibrary, ThePassInPlaceOfNoticesFindsAdditionsRemovalsRenamesAndCha
     fs::remove_all(presets);
     EXPECT_EQ(1u, RescanPresetFolder());
     EXPECT_TRUE(Names().empty());
+}
+
+TEST_F(PresetLibrary, TwoNamesOfOneFileNeverBecomeOneEntryTwice)
+{
+    Write("a.VD", Text({"Alpha.dll"}));
+    fs::create_hard_link(presets / "a.VD", presets / "b.VD");
+    OpenAndScan();
+    fs::create_hard_link(presets / "a.VD", presets / "c.VD");
+    fs::remove(presets / "a.VD");
+    fs::remove(presets / "b.VD");
+    EXPECT_EQ(1u, RescanPresetFolder());
+    EXPECT_EQ(List{"c.VD"}, Names());
+}
+
+TEST_F(PresetLibrary, NoticesOfNamesThatAreGoneCountWhateverStandsThereNow)
+{
+    const std::u16string tooLong = std::u16string(252, u'x') + u".VD";
+    for (const char *pszName : {"a.VD", "b.VD", "c.VD"})
+        Write(pszName, Text({"Alpha.dll"}));
+    OpenAndScan();
+    fs::remove(presets / "a.VD");
+    fs::create_directory(presets / "a.VD");
+    PresetFolderCallback(u"a.VD", WATCH_REMOVED);
+    EXPECT_EQ((List{"b.VD", "c.VD"}), Names());
+    fs::remove(presets / "b.VD");
+    PresetFolderCallback(u"b.VD", WATCH_OLD_NAME);
+    PresetFolderCallback(tooLong.c_str(), WATCH_NEW_NAME);
+    EXPECT_EQ(List{"c.VD"}, Names());
+    Write("z.VD", Text({}));
+    PresetFolderCallback(u"c.VD", WATCH_OLD_NAME);
+    PresetFolderCallback(tooLong.c_str(), WATCH_OLD_NAME);
+    PresetFolderCallback(u"z.VD", WATCH_NEW_NAME);
+    EXPECT_EQ(List{"c.VD"}, Names()) << "a name that was too long was no preset's";
 }
 
 class WatchedPresets : public PresetFolderTest {
