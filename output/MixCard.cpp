@@ -1,7 +1,7 @@
 // MixCard.cpp -- runs one-pass programs of the mix kernels on a graphics card
 #include "output/MixCard.h"
 
-#include "platform/ForRanges.h"
+#include "output/ForRanges.h"
 #include "output/MixShader.h"
 
 #include <epoxy/gl.h>

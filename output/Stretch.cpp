@@ -1,7 +1,7 @@
 // Stretch.cpp -- nearest-pixel stretch of a whole picture
 #include "output/Stretch.h"
 
-#include "platform/ForRanges.h"
+#include "output/ForRanges.h"
 #include "output/StretchKernels.h"
 #include "platform/Bitmap.h"
 

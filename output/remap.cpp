@@ -1,7 +1,7 @@
 // remap.cpp -- runs programs of mix kernels: block by block through all steps, over all cores
 #include "output/remap.h"
 
-#include "platform/ForRanges.h"
+#include "output/ForRanges.h"
 #include "output/MixKernels.h"
 #include "output/MixPlan.h"
 #include "platform/Assert.h"

@@ -2,7 +2,6 @@
 #include "platform/Bitmap.h"
 
 #include "platform/Clock.h"
-#include "platform/ForRanges.h"
 #include "platform/Sanitizers.h"
 
 #include <sys/mman.h>
@@ -93,13 +92,6 @@ void GiveMemory(void *pv, u64 cb)
         std::free(pv);
 }
 
-// A preset that takes another's place clears a dozen pictures between two frames.
-void ClearNewBits(void *pBits, u64 cb)
-{
-    ForRanges(cb, LARGE_PAGE,
-              [=](size_t nFirst, size_t nEnd) { std::memset(static_cast<u8 *>(pBits) + nFirst, 0, nEnd - nFirst); });
-}
-
 HostBitmap *SelectBitmap(HostContext *hdc, HostBitmap *hbm)
 {
     HostBitmap *hbmBefore = hdc->pSelected;
@@ -122,7 +114,7 @@ HostBitmap *CreateBitmap(i32 nWidth, i32 nHeight)
         std::free(hbm);
         return nullptr;
     }
-    ClearNewBits(hbm->pBits, BitmapBytes(hbm));
+    ClearBitmap(hbm);
     return hbm;
 }
 
