@@ -2,7 +2,6 @@
 #include "output/PictureWriters.h"
 #include "output/PixelRows.h"
 
-#include <algorithm>
 #include <vector>
 
 namespace {
@@ -46,15 +45,5 @@ bool WriteBmp(const HostBitmap *hbm, FILE *pFile, u32)
     const std::vector<u8> header = MakeHeader(hbm, cbRow);
     if (!WriteBytes(pFile, header.data(), header.size()))
         return false;
-    const i32 nRows = RowsInBlock(cbRow, hbm->nHeight);
-    std::vector<u8> block(cbRow * static_cast<size_t>(nRows));
-    for (i32 y = 0; y < hbm->nHeight;) {
-        const i32 yEnd = std::min(y + nRows, hbm->nHeight);
-        u8 *pTo = block.data();
-        for (; y < yEnd; y++, pTo += cbRow)
-            RowToBgr(pTo, BitmapRow(hbm, y), hbm->nWidth);
-        if (!WriteBytes(pFile, block.data(), static_cast<size_t>(pTo - block.data())))
-            return false;
-    }
-    return true;
+    return WriteRowBlocks(hbm, pFile, cbRow, RowToBgr);
 }

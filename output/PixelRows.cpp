@@ -1,7 +1,10 @@
 // PixelRows.cpp -- rows of bitmaps as the bytes that picture files hold
 #include "output/PixelRows.h"
 
+#include "output/PictureWriters.h"
+
 #include <algorithm>
+#include <vector>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "output/PixelRows.cpp"
@@ -55,7 +58,7 @@ HWY_EXPORT(ToBgr);
 
 namespace {
 constexpr u64 BLOCK_BYTES = 256 * 1024;
-}
+} // namespace
 
 void RowToRgb(u8 *pRgb, const u8 *pBgra, i32 nPixels)
 {
@@ -70,5 +73,21 @@ void RowToBgr(u8 *pBgr, const u8 *pBgra, i32 nPixels)
 i32 RowsInBlock(u64 cbRow, i32 nRows)
 {
     return std::clamp(static_cast<i32>(BLOCK_BYTES / cbRow), 1, nRows);
+}
+
+bool WriteRowBlocks(const HostBitmap *hbm, FILE *pFile, size_t cbRow,
+                    void (*pfnRow)(u8 *pTo, const u8 *pBgra, i32 nPixels))
+{
+    const i32 nRows = RowsInBlock(cbRow, hbm->nHeight);
+    std::vector<u8> block(cbRow * static_cast<size_t>(nRows));
+    for (i32 y = 0; y < hbm->nHeight;) {
+        const i32 yEnd = std::min(y + nRows, hbm->nHeight);
+        u8 *pTo = block.data();
+        for (; y < yEnd; y++, pTo += cbRow)
+            pfnRow(pTo, BitmapRow(hbm, y), hbm->nWidth);
+        if (!WriteBytes(pFile, block.data(), static_cast<size_t>(pTo - block.data())))
+            return false;
+    }
+    return true;
 }
 #endif
