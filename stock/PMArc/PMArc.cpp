@@ -1,7 +1,7 @@
 // PMArc.cpp -- PMArc.dll, a painter: arcs and rings that tumble through space, grow and pulse
 #include "ArcShape.h"
 
-#include <new>
+#include "../common/StockModule.h"
 
 enum {
     CONTROL_RINGS,
@@ -77,14 +77,8 @@ static void AddPenControls(Arcs *pArcs, const ControlMaker &maker)
                                       aszPaint, PAINT_OVER, FromFixed());
 }
 
-MODULE_EXPORT void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn pfnAllocControl,
-                                               int32_t *pnControls)
+static void AddControls(Arcs *pArcs, const ControlMaker &maker)
 {
-    Arcs *pArcs = new (std::nothrow) Arcs();
-    *ppvContext = pArcs;
-    if (!pArcs)
-        return;
-    const ControlMaker maker = {pfnAllocControl, pnControls};
     AddShapeControls(pArcs, maker);
     AddMotionControls(pArcs, maker);
     AddPenControls(pArcs, maker);
@@ -109,27 +103,16 @@ static ArcLook ReadLook(const Arcs *pArcs)
     return look;
 }
 
-MODULE_EXPORT void ModulePreInitialize(void *, PlaneInfo *)
+static void Start(Arcs *pArcs, PlaneInfo *ppi)
 {
-}
-
-MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
-{
-    Arcs *pArcs = (Arcs *)pvContext;
-    if (!pArcs)
-        return;
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
     SeedArcs(&pArcs->motion, &random);
     pArcs->clock = {};
     pArcs->look = ReadLook(pArcs);
 }
 
-MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
+static uint32_t Draw(Arcs *pArcs, PlaneInfo *ppi, const Canvas &canvas)
 {
-    Arcs *pArcs = (Arcs *)pvContext;
-    Canvas canvas;
-    if (!pArcs || !OpenCanvas(&canvas, ppi))
-        return 0;
     const float fSeconds = StepSeconds(&pArcs->clock, ppi);
     EaseLook(&pArcs->look, ReadLook(pArcs), fSeconds);
     const Paint paint = MakePaint(ppi, ReadItem(pArcs->apControl[CONTROL_PAINT]), fSeconds);
@@ -137,15 +120,4 @@ MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
     return 0;
 }
 
-MODULE_EXPORT void ModuleResolveIndexedPlane(void *, PlaneInfo *, HostBitmap *)
-{
-}
-
-MODULE_EXPORT void ModuleCleanUp(void *)
-{
-}
-
-MODULE_EXPORT void ModuleDestroyControlStructure(void *pvContext)
-{
-    delete (Arcs *)pvContext;
-}
+STOCK_DRAWING_MODULE(Arcs)

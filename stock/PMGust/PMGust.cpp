@@ -1,7 +1,7 @@
 // PMGust.cpp -- PMGust.dll, a drawing effect: a slowly turning wind carries the picture along and wears it away
 #include "Carry.h"
 
-#include <new>
+#include "../common/StockModule.h"
 
 enum {
     CONTROL_STRENGTH,
@@ -59,15 +59,6 @@ static void AddControls(Gust *pGust, const ControlMaker &maker)
                                       pGust->aEdgeRow, aszEdges, EDGES_OPEN, FromFixed());
 }
 
-MODULE_EXPORT void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn pfnAllocControl,
-                                               int32_t *pnControls)
-{
-    Gust *pGust = new (std::nothrow) Gust();
-    *ppvContext = pGust;
-    if (pGust)
-        AddControls(pGust, {pfnAllocControl, pnControls});
-}
-
 static float ReadControl(const Gust *pGust, int32_t iControl)
 {
     return ReadFloat(pGust->apControl[iControl]);
@@ -105,16 +96,9 @@ static CarryFade FadeFor(float fDecay, float fSeconds)
     return {std::exp(-4 * fRate), 0.5f * fRate};
 }
 
-MODULE_EXPORT void ModulePreInitialize(void *, PlaneInfo *)
+static void Start(Gust *pGust, PlaneInfo *ppi)
 {
-}
-
-MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
-{
-    Gust *pGust = (Gust *)pvContext;
     Canvas canvas;
-    if (!pGust)
-        return;
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
     SeedWind(&pGust->state, &random);
     pGust->clock = {};
@@ -123,12 +107,10 @@ MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
         FitCarryBuffers(&pGust->buffers, canvas);
 }
 
-MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
+static uint32_t Draw(Gust *pGust, PlaneInfo *ppi, const Canvas &canvas)
 {
-    Gust *pGust = (Gust *)pvContext;
-    Canvas canvas;
     // A plane that was paused during a resize comes back with another size and without a bring-up.
-    if (!pGust || !OpenCanvas(&canvas, ppi) || !FitCarryBuffers(&pGust->buffers, canvas))
+    if (!FitCarryBuffers(&pGust->buffers, canvas))
         return 0;
     const float fSeconds = StepSeconds(&pGust->clock, ppi);
     EaseForces(&pGust->forces, ReadForces(pGust), fSeconds);
@@ -146,20 +128,9 @@ MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
     return 0;
 }
 
-MODULE_EXPORT void ModuleResolveIndexedPlane(void *, PlaneInfo *, HostBitmap *)
+static void Release(Gust *pGust)
 {
+    FreeCarryBuffers(&pGust->buffers);
 }
 
-MODULE_EXPORT void ModuleCleanUp(void *pvContext)
-{
-    if (pvContext)
-        FreeCarryBuffers(&((Gust *)pvContext)->buffers);
-}
-
-MODULE_EXPORT void ModuleDestroyControlStructure(void *pvContext)
-{
-    Gust *pGust = (Gust *)pvContext;
-    if (pGust)
-        FreeCarryBuffers(&pGust->buffers);
-    delete pGust;
-}
+STOCK_DRAWING_MODULE(Gust)

@@ -1,7 +1,7 @@
 // PMRotor.cpp -- PMRotor.dll, a painter: arms of several joints that turn within each other, in symmetric copies
 #include "RotorShape.h"
 
-#include <new>
+#include "../common/StockModule.h"
 
 enum {
     CONTROL_COPIES,
@@ -79,14 +79,8 @@ static void AddPenControls(Rotor *pRotor, const ControlMaker &maker)
                                       aszPaint, PAINT_OVER, FromFixed());
 }
 
-MODULE_EXPORT void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn pfnAllocControl,
-                                               int32_t *pnControls)
+static void AddControls(Rotor *pRotor, const ControlMaker &maker)
 {
-    Rotor *pRotor = new (std::nothrow) Rotor();
-    *ppvContext = pRotor;
-    if (!pRotor)
-        return;
-    const ControlMaker maker = {pfnAllocControl, pnControls};
     AddShapeControls(pRotor, maker);
     AddMotionControls(pRotor, maker);
     AddPenControls(pRotor, maker);
@@ -112,27 +106,16 @@ static RotorLook ReadLook(const Rotor *pRotor)
     return look;
 }
 
-MODULE_EXPORT void ModulePreInitialize(void *, PlaneInfo *)
+static void Start(Rotor *pRotor, PlaneInfo *ppi)
 {
-}
-
-MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
-{
-    Rotor *pRotor = (Rotor *)pvContext;
-    if (!pRotor)
-        return;
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
     SeedRotor(&pRotor->motion, &random);
     pRotor->clock = {};
     pRotor->look = ReadLook(pRotor);
 }
 
-MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
+static uint32_t Draw(Rotor *pRotor, PlaneInfo *ppi, const Canvas &canvas)
 {
-    Rotor *pRotor = (Rotor *)pvContext;
-    Canvas canvas;
-    if (!pRotor || !OpenCanvas(&canvas, ppi))
-        return 0;
     const float fSeconds = StepSeconds(&pRotor->clock, ppi);
     EaseLook(&pRotor->look, ReadLook(pRotor), fSeconds);
     const Paint paint = MakePaint(ppi, ReadItem(pRotor->apControl[CONTROL_PAINT]), fSeconds);
@@ -140,15 +123,4 @@ MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
     return 0;
 }
 
-MODULE_EXPORT void ModuleResolveIndexedPlane(void *, PlaneInfo *, HostBitmap *)
-{
-}
-
-MODULE_EXPORT void ModuleCleanUp(void *)
-{
-}
-
-MODULE_EXPORT void ModuleDestroyControlStructure(void *pvContext)
-{
-    delete (Rotor *)pvContext;
-}
+STOCK_DRAWING_MODULE(Rotor)
