@@ -3,6 +3,7 @@
 
 #include "output/MixCard.h"
 #include "output/PlaneMixer.h"
+#include "platform/Clock.h"
 #include "platform/Notices.h"
 #include "platform/Text.h"
 
@@ -13,10 +14,13 @@ AcceleratorTest MixAcceleratorTest = {};
 namespace {
 
 constexpr u32 LOSSES_MAX = 3;
+constexpr i64 PAUSE_NANOSECONDS = 1'000'000'000; // from a loss to the next try
 
 MixCard Card;
-u32 nLosses = 0; // since the start; at LOSSES_MAX the card is left alone
+u32 nLosses = 0;  // since the start; at LOSSES_MAX the card is left alone
+i64 nNextTry = 0; // RealNanoseconds before which a lost card is not asked
 bool bOpen = false;
+bool bRefusalTold = false;
 
 bool OpenCard(std::string *psRenderer)
 {
@@ -32,6 +36,7 @@ void SetProcessor()
 void CountLoss(const char *pszWhy)
 {
     CloseMixAccelerator();
+    nNextTry = RealNanoseconds() + (MixAcceleratorTest.bNoPause ? 0 : PAUSE_NANOSECONDS);
     if (++nLosses < LOSSES_MAX)
         return;
     AddNotice("the graphics card " + ToUtf8(szGpuDescription) + " was lost three times while it mixed (at last " +
@@ -39,11 +44,24 @@ void CountLoss(const char *pszWhy)
     SetProcessor();
 }
 
+// After a loss it may be another one.
 bool CardIsOpen()
 {
     std::string sRenderer;
-    bOpen = bOpen || OpenCard(&sRenderer);
+    if (!bOpen && OpenCard(&sRenderer)) {
+        CopyText(szGpuDescription, FromUtf8(sRenderer));
+        bOpen = true;
+    }
     return bOpen;
+}
+
+void TellRefusal(const MixProgram &prog)
+{
+    if (bRefusalTold)
+        return;
+    bRefusalTold = true;
+    AddNotice("the graphics card " + ToUtf8(szGpuDescription) + " cannot take these rules at " +
+              std::to_string(prog.nWidth) + " x " + std::to_string(prog.nHeight) + ": the processor mixes them");
 }
 
 } // namespace
@@ -53,6 +71,8 @@ void SetupMixAccelerator()
 {
     CloseMixAccelerator();
     nLosses = 0;
+    nNextTry = 0;
+    bRefusalTold = false;
     SetProcessor();
     std::string sRenderer;
     if (!OpenCard(&sRenderer))
@@ -64,12 +84,14 @@ void SetupMixAccelerator()
 
 bool MixOnAccelerator(const MixProgram &prog, const u32 *anWeight)
 {
-    if (bAccelEmulated || prog.nSteps == 0)
+    if (bAccelEmulated || prog.nSteps == 0 || RealNanoseconds() < nNextTry)
         return false;
     const char *pszWhy = "it could not be opened";
     const CardOutcome eOutcome = CardIsOpen() ? RunOnMixCard(&Card, prog, anWeight, &pszWhy) : CardOutcome::Lost;
     if (eOutcome == CardOutcome::Lost)
         CountLoss(pszWhy);
+    if (eOutcome == CardOutcome::Refused)
+        TellRefusal(prog);
     return eOutcome == CardOutcome::Mixed;
 }
 

@@ -220,12 +220,14 @@ void PreparePerRule(PreparedMix *pMix)
 
 // What stands in each place of the per-pixel store: a plane, the result of a step, or zeros.
 struct PixelStore {
+    i32 nPlanes;
     MixOperand asEntry[MIX_SOURCES_MAX];
 };
 
 PixelStore StoreOfPlanes(const MixInput &input)
 {
     PixelStore store;
+    store.nPlanes = input.nPlanes;
     std::fill(std::begin(store.asEntry), std::end(store.asEntry), MIX_OPERAND_ZERO);
     for (i32 i = 0; i < input.nPlanes; i++)
         store.asEntry[i].pImage = input.apPlane[i];
@@ -247,7 +249,7 @@ MixOperand EvaluateRule(MixProgram *pProg, const PixelStore &store, const RuleIn
     const MixOperand from = StoredAt(store, rule.SrcIdx1);
     if (eKernel == MixKernel::Copy)
         return from;
-    if (KernelIsSpatial(eKernel) && !from.pImage)
+    if (KernelIsSpatial(eKernel) && (rule.SrcIdx1 < 0 || rule.SrcIdx1 >= store.nPlanes || !from.pImage))
         return MIX_OPERAND_ZERO;
     const RuleSources sources = SourcesOf(rule);
     MixStep &step = pProg->asStep[pProg->nSteps];

@@ -36,7 +36,7 @@ void SetUpAccelerator(bool bSoftware, bool bPlainBuffers)
     nMixedThere = nToLose = 0;
     pfnAtUpload = nullptr;
     pfnLoseCard = Watch;
-    MixAcceleratorTest = {bSoftware, bPlainBuffers};
+    MixAcceleratorTest = {bSoftware, bPlainBuffers, true};
     SetupMixAccelerator();
 }
 

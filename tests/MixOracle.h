@@ -175,7 +175,7 @@ inline void OraclePerRule(OraclePreset &ps)
     if (!bTile || nColumns == 0)
         return;
     const i32 nColumn = nWidth / nColumns;
-    for (i32 i = 0; i < nColumns; i++)
+    for (i32 i = 0; i < nColumns && source(i); i++)
         for (i32 y = 0; y < ps.final.nHeight; y++)
             for (i32 x = 0; x < nColumn; x++)
                 ps.final.pixels[static_cast<size_t>(y * nWidth + i * nColumn + x)] =

@@ -145,6 +145,16 @@ TEST(PlaneMixer, ASourceThatDoesNotExistKeepsThePictureOrReadsAsZero)
     }
 }
 
+TEST(PlaneMixer, InOnePassMirrorsAndDisplaceSeeNoMetaPlaneThatPassesAPlaneOn)
+{
+    for (i32 nOp : {MIXOP_INVERT_X, MIXOP_INVERT_Y, MIXOP_INVERT_XY, MIXOP_DISPLACE}) {
+        const OraclePreset ps = Solid(5, 3, {0x00ABCDEFu}, {{0, 0, 0, MIXOP_TILE_PLANES, 0}, {1, 0, 0, nOp, 0}});
+        MixerPreset preset(ps);
+        MixPlanes(&preset.state, 1);
+        EXPECT_EQ(BitmapPixels(preset.state.hbmFinal)[0], 0u) << nOp;
+    }
+}
+
 TEST(PlaneMixer, APictureThatIsMissingOrOfAnotherSizeCountsAsNoSource)
 {
     MixerPreset preset(Solid(64, 32, {0x1u, 0x2u}, {{0, 1, 0, MIXOP_BLEND_XOR, 0}}));
