@@ -106,6 +106,21 @@ for compiler in g++ clang++; do
     done
 done
 
+# A host with a sanitizer of its own does not take another one.
+if ! nm "$bin/vorticade-render" | grep -qE '__(asan|tsan)_init'; then
+    cmake -G Ninja -S module -B check -DVORTICADE_INCLUDE="$work/include" -DMODULE_SANITIZE=ON >log 2>&1 &&
+        cmake --build check >>log 2>&1 || cat log
+    cp -r stock checked && cp check/PMSunflower.dll checked/
+    sed -e 's/Shape.Size/Shape.Seeds/; s/<Min>.*</<Min>1</; s/<Max>.*</<Max>900</' module/Sunflower.VD >ends.VD
+    for preset in module/Sunflower.VD ends.VD; do
+        for size in 128x128 1921x1081; do
+            expect "no memory error at $size with $preset" env LD_PRELOAD="$(g++ -print-file-name=libasan.so)" \
+                "$bin/vorticade-render" --data "$tree/data" --modules checked --size $size --fps 10 --frames 12 \
+                --out check-%d.ppm "$preset"
+        done
+    done
+fi
+
 expect "without headers CMake says what to do" \
     eval '! cmake -G Ninja -S module -B build-none >log 2>&1 && grep -q VORTICADE_INCLUDE log'
 
