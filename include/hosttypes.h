@@ -21,11 +21,9 @@
 
 /* A picture in memory. Handle names: hbmDraw, hbmResolved, hbmTarget.
  *
- * A pixel is a 32-bit word: byte 0 blue, byte 1 green, byte 2 red, byte 3 alpha. Alpha has no meaning in pictures and
- * never reaches a file, but it stays in the plane and the mixer's "Blend using Boolean Channel" tests the whole word:
- * write 0 there.
- * Row 0 is the BOTTOM row of the picture; row y begins at pBits + y * cbRow. The bits may be read and
- * written from 0 to nHeight * cbRow - 1 and nowhere else.
+ * A pixel is a 32-bit word: byte 0 blue, byte 1 green, byte 2 red, byte 3 alpha: no meaning in pictures, but the
+ * mixer can test the whole word, so write 0. Row 0 is the BOTTOM row of the picture; row y begins at
+ * pBits + y * cbRow. The bits may be read and written from 0 to nHeight * cbRow - 1 and nowhere else.
  * Owned by the host. In the lists of a plane the record and its bits stay in place from ModulePreInitialize to
  * ModuleCleanUp. Post-processing may find another bitmap in each call. Take it from the call's PlaneInfo. */
 typedef struct HostBitmap {
