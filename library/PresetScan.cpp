@@ -44,7 +44,7 @@ struct ScanPass {
     std::vector<bool> abSeen;      // by slot; the same
     std::atomic<u32> bChanged;
     std::atomic<u32> nTooLong;
-    std::atomic<u32> nFilesDone;
+    u32 nFilesDone; // guarded by PresetTableLock
 };
 
 NewPreset MakeNewPreset(std::u16string_view path, const FileFacts &facts, const PresetSummary *pSummary)
@@ -125,11 +125,14 @@ void LookAtFile(ScanPass *pPass, u32 iFile, const std::u16string &path, const Fi
     }
 }
 
+// The end of the pass alone shows 1. Counted and shown in one step, so that it never goes back.
 void ShowScanProgress(ScanPass *pPass)
 {
-    const u32 nDone = ++pPass->nFilesDone;
-    if (pPass->bShowProgress)
-        StorePresetScanState(0, static_cast<f32>(nDone) / static_cast<f32>(pPass->listing.files.size()));
+    if (!pPass->bShowProgress)
+        return;
+    const PresetTableLock lock;
+    const f32 fFilesBefore = static_cast<f32>(pPass->nFilesDone++);
+    StorePresetScanState(0, fFilesBefore / static_cast<f32>(pPass->listing.files.size()));
 }
 
 bool LookAtListed(ScanPass *pPass, u32 iFile, ReadBuffer *pBuffer)
