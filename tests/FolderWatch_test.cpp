@@ -13,6 +13,7 @@
 #include <fstream>
 #include <mutex>
 #include <string>
+#include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -260,7 +261,7 @@ TEST_F(WatchWithErrors, NoticesThatCannotBeReadDoNotEndTheWatch)
     const int fdNotify = FindOpenFile("anon_inode:inotify");
     const int fdFolder = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
     ASSERT_GE(fdNotify, 0);
-    ASSERT_GE(dup2(fdFolder, fdNotify), 0); // always ready, and never to be read
+    ASSERT_GE(syscall(SYS_dup3, fdFolder, fdNotify, 0), 0); // always ready, and never to be read
     close(fdFolder);
     Touch("wakes nobody");
     EXPECT_TRUE(Soon([] { return nErrors == 1 && nLost >= 2; })) << nErrors << " " << nLost;
