@@ -24,6 +24,7 @@ std::u16string sFolder;
 std::thread ScanThread;
 std::atomic<u32> bScansStopped{0};
 std::atomic<u32> nPathsTooLong{0};
+std::atomic<u32> nNamesUnusable{0};
 
 // A file that the table lacks, to be read before it is entered.
 struct NewFile {
@@ -159,6 +160,7 @@ u32 LookAtFolder(ScanPass *pPass)
         for (u32 i = 0; i < nFiles; i++)
             LookAtListed(pPass, i, &buffer);
     nPathsTooLong = pPass->nTooLong.load();
+    nNamesUnusable = pPass->listing.nLeftOut;
     return bAll;
 }
 
@@ -342,9 +344,16 @@ void SummarizeFromCache()
     });
 }
 
-u32 PathsTooLong()
+std::string DescribePresetsLeftOut()
 {
-    return nPathsTooLong;
+    std::string s;
+    if (nPathsTooLong)
+        s = std::to_string(nPathsTooLong) + " presets are left out: their paths are longer than " +
+            std::to_string(NAME_CHARS - 1) + " characters";
+    if (nNamesUnusable)
+        s += (s.empty() ? "" : "; ") + std::to_string(nNamesUnusable) +
+             " presets are left out: their names are not UTF-8 or hold a backslash";
+    return s;
 }
 
 // Where no thread can be had the presets are listed without summaries.
