@@ -11,7 +11,9 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <vector>
 
@@ -111,11 +113,21 @@ void PrintTable(u32 bJson)
         std::fputs(*pszBefore == '[' ? "[]\n" : "\n]\n", stdout);
 }
 
-void TellTooLong()
+void TellLeftOut()
 {
-    if (PathsTooLong())
-        std::fprintf(stderr, "vorticade-render: %u presets are left out: their paths are longer than %u characters\n",
-                     PathsTooLong(), NAME_CHARS - 1);
+    const std::string sLeftOut = DescribePresetsLeftOut();
+    if (!sLeftOut.empty())
+        std::fprintf(stderr, "vorticade-render: %s\n", sLeftOut.c_str());
+}
+
+// A reader that has seen enough needs no message.
+int EndOutput()
+{
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+        return 0;
+    if (errno != EPIPE)
+        std::fprintf(stderr, "vorticade-render: the list cannot be written: %s\n", std::strerror(errno));
+    return 1;
 }
 
 } // namespace
@@ -134,10 +146,11 @@ int ListPresets(const RenderOptions &ro)
     }
     StartHeadless(ro.start);
     OpenPresetLibrary(folder, JoinPath(JoinPath(folder, u".."), u"Favorites.XML"));
-    TellTooLong();
+    TellLeftOut();
     ScanPresetFolder(1);
     PrintTable(ro.bJson);
+    const int nExit = EndOutput();
     FreePresetLibrary();
     ShutDownHeadless();
-    return std::fflush(stdout) == 0 && !std::ferror(stdout) ? 0 : 1;
+    return nExit;
 }

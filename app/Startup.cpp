@@ -137,9 +137,9 @@ u32 TestOpenGL()
 u32 OpenPresets()
 {
     OpenPresetLibrary(FolderPath(PATH_PRESETS), FolderPath(PATH_FAVORITES));
-    if (PathsTooLong())
-        AddNotice(std::to_string(PathsTooLong()) + " presets are left out: their paths are longer than " +
-                  std::to_string(NAME_CHARS - 1) + " characters");
+    const std::string sLeftOut = DescribePresetsLeftOut();
+    if (!sLeftOut.empty())
+        AddNotice(sLeftOut);
     return 1;
 }
 

@@ -52,19 +52,6 @@ void MixAndPostProcess(PresetState *lppsi)
     Stages = {nDrawn - nStepStart, nMixed - nDrawn, RealNanoseconds() - nMixed};
 }
 
-u32 StepOnThreads(PresetState *lppsi)
-{
-    if (lppsi->nPlanes == 0)
-        return 0;
-    StartPlaneThreads();
-    if (!DrawPlanesOnThreads(lppsi, GlobalSettings.dwPlaneWaitMs))
-        return 0;
-    EvaluateRuleWeights(lppsi, false);
-    MixAndPostProcess(lppsi);
-    ServePendingResize(lppsi);
-    return 1;
-}
-
 u32 StepHere(PresetState *lppsi)
 {
     StopPlaneThreads();
@@ -73,6 +60,21 @@ u32 StepHere(PresetState *lppsi)
         return 0;
     RunPresetModules(lppsi, MODSTEPS_FRAME);
     MixAndPostProcess(lppsi);
+    return 1;
+}
+
+u32 StepOnThreads(PresetState *lppsi)
+{
+    if (lppsi->nPlanes == 0)
+        return 0;
+    StartPlaneThreads();
+    if (!PlaneThreadsRun())
+        return StepHere(lppsi);
+    if (!DrawPlanesOnThreads(lppsi, GlobalSettings.dwPlaneWaitMs))
+        return 0;
+    EvaluateRuleWeights(lppsi, false);
+    MixAndPostProcess(lppsi);
+    ServePendingResize(lppsi);
     return 1;
 }
 

@@ -10,12 +10,14 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
 
-constexpr u32 START_POLL_MS = 30;  // longest time until a thread sees bStop
-constexpr u32 STOP_WAIT_MS = 1000; // longest wait for the threads to end
+constexpr u32 START_POLL_MS = 30;      // longest time until a thread sees bStop
+constexpr u32 STOP_WAIT_MS = 1000;     // longest wait for the threads to end
+constexpr u32 CALLS_UNTIL_RETRY = 600; // from a system without threads to the next try: ten seconds of frames
 
 // What a thread shares with the main thread. The atomics are written by the one and read by the other while both run:
 // after a dropped frame a late thread may still be in an earlier frame when the next one is released.
@@ -35,6 +37,7 @@ struct PlaneThreadParms {
 std::unique_ptr<PlaneThreadParms> apParms[PLANES_MAX];      // the running threads; all or none
 std::vector<std::unique_ptr<PlaneThreadParms>> apAbandoned; // stopped threads that are stuck in a module
 u32 dwFrameGeneration = 0;
+u32 nCallsToSkip = 0; // before threads are asked for again
 
 u32 ThreadSeed(u32 i)
 {
@@ -84,6 +87,21 @@ void ReapAbandonedThreads()
     });
 }
 
+// Null when the system has no thread to give.
+std::unique_ptr<PlaneThreadParms> StartThread(u32 iPlane)
+{
+    auto pParms = std::make_unique<PlaneThreadParms>();
+    pParms->iPlane = iPlane;
+    pParms->dwSteps = MODSTEPS_FRAME;
+    pParms->dwFrameDone = dwFrameGeneration;
+    try {
+        pParms->thread = std::thread(PlaneThreadBody, pParms.get());
+    } catch (const std::system_error &) {
+        return nullptr;
+    }
+    return pParms;
+}
+
 // Milliseconds left of nWaitMs since nStart (RealNanoseconds).
 u32 RemainingMs(i64 nStart, u32 nWaitMs)
 {
@@ -112,17 +130,24 @@ u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
 
 u32 StartPlaneThreads()
 {
-    if (apParms[0])
+    if (apParms[0] || (nCallsToSkip && nCallsToSkip--))
         return 0;
     ReapAbandonedThreads();
     for (u32 i = 0; i < PLANES_MAX; i++) {
-        apParms[i] = std::make_unique<PlaneThreadParms>();
-        apParms[i]->iPlane = i;
-        apParms[i]->dwSteps = MODSTEPS_FRAME;
-        apParms[i]->dwFrameDone = dwFrameGeneration;
-        apParms[i]->thread = std::thread(PlaneThreadBody, apParms[i].get());
+        apParms[i] = StartThread(i);
+        if (apParms[i])
+            continue;
+        StopPlaneThreads();
+        nCallsToSkip = CALLS_UNTIL_RETRY;
+        AddNotice("the planes are drawn one after the other: the system has no threads to give");
+        return 0;
     }
     return 1;
+}
+
+bool PlaneThreadsRun()
+{
+    return apParms[0] != nullptr;
 }
 
 u32 DrawPlanesOnThreads(PresetState *lppsi, u32 nWaitMs)
@@ -139,12 +164,13 @@ u32 DrawPlanesOnThreads(PresetState *lppsi, u32 nWaitMs)
 
 void StopPlaneThreads()
 {
-    if (!apParms[0])
-        return;
     for (auto &pParms : apParms)
-        pParms->bStop = 1;
+        if (pParms)
+            pParms->bStop = 1;
     const i64 nStart = RealNanoseconds();
     for (auto &pParms : apParms) {
+        if (!pParms)
+            continue;
         if (pParms->evEnded.Wait(RemainingMs(nStart, STOP_WAIT_MS))) {
             pParms->thread.join();
         } else {

@@ -3,11 +3,14 @@
 
 #include "engine/PresetState.h"
 
-// Creates the four threads. Non-zero if this call made them, 0 if they already ran. [main-thread]
+// Creates the four threads. Non-zero if this call made them, 0 if they already ran, or if the system has none to give;
+// that is told once and tried again after a while. [main-thread]
 u32 StartPlaneThreads();
+bool PlaneThreadsRun();
 
-// Lets every thread draw its plane of the preset and waits until the first nPlanes are done, at most nWaitMs in all.
-// 0: a plane took longer; its thread goes on with it and does not count for a later frame. [main-thread]
+// For threads that run: lets every one draw its plane of the preset and waits until the first nPlanes are done, at most
+// nWaitMs in all. 0: a plane took longer; its thread goes on with it and does not count for a later frame.
+// [main-thread]
 u32 DrawPlanesOnThreads(PresetState *lppsi, u32 nWaitMs);
 
 // Ends the threads and waits up to 1000 ms for them. One that is stuck in a module is left alone, with all that it

@@ -118,12 +118,12 @@ u32 RemoveAllPlanes(PresetState *lppsi)
 {
     const u32 bAny = lppsi->nPlanes > 0;
     ForgetPicture(lppsi);
-    lppsi->nPlanes = 0;
     for (PlaneState *&pps : lppsi->psPlane) {
         if (pps)
             FreePlane(pps);
         pps = nullptr;
     }
+    lppsi->nPlanes = 0; // a thread that was given up has read it before it entered its plane, which FreePlane saw
     return bAny;
 }
 

@@ -10,8 +10,15 @@
 
 #include <algorithm>
 #include <limits>
+#include <mutex>
+#include <vector>
 
 namespace {
+
+// More entries than a document has room for; a hand-made one may leave out numbers.
+constexpr i32 ENTRIES_MAX = 1 << 20;
+
+std::mutex mtxSave; // held from the copy to the end of the file: the later save has the last word
 
 // A name that the format cannot hold would come back as another one.
 bool CanBeStored(std::u16string_view name)
@@ -38,16 +45,27 @@ void ReadFave(XmlContext *pxc, u32 iFave)
     XmlLeaveTag(pxc);
 }
 
-bool IsStored(const PresetInfo *lppi)
+struct Fave {
+    std::u16string name;
+    i32 nFavor;
+};
+
+// A copy, so that nobody waits for the table while the file is written.
+std::vector<Fave> CollectFaves()
 {
-    return lppi->nFavor > 0 && CanBeStored(NameAndExtension(lppi->szPath));
+    std::vector<Fave> faves;
+    ForEachPreset([&](i32, const PresetInfo *lppi) {
+        if (lppi->nFavor > 0 && CanBeStored(NameAndExtension(lppi->szPath)))
+            faves.push_back({std::u16string(NameAndExtension(lppi->szPath)), lppi->nFavor});
+    });
+    return faves;
 }
 
-void WriteFave(XmlContext *pxc, u32 iFave, const PresetInfo *lppi)
+void WriteFave(XmlContext *pxc, u32 iFave, const Fave &fave)
 {
     XmlBeginTag(pxc, NumberedTag(u"Fave", iFave));
-    XmlWriteString(pxc, u"Name", NameAndExtension(lppi->szPath));
-    XmlWriteInt(pxc, u"Favor", lppi->nFavor);
+    XmlWriteString(pxc, u"Name", fave.name);
+    XmlWriteInt(pxc, u"Favor", fave.nFavor);
     XmlEndTag(pxc);
 }
 
@@ -75,30 +93,25 @@ u32 LoadFavorites(std::u16string_view path)
         return 0;
     i32 nEntries = 0;
     if (XmlEnterTag(pxc, u"Favorites") && XmlReadInt(pxc, u"Entries", &nEntries))
-        // No document holds more entries than tags, whatever it says.
-        for (u32 i = 0; i < std::min<size_t>(static_cast<u32>(std::max(nEntries, 0)), pxc->places.size()); i++)
-            ReadFave(pxc, i);
+        for (i32 i = 0; i < std::min(nEntries, ENTRIES_MAX); i++)
+            ReadFave(pxc, static_cast<u32>(i));
     XmlClose(pxc);
     return 1;
 }
 
 u32 SaveFavorites(std::u16string_view path, std::string *psWhy)
 {
-    const PresetTableLock lock;
-    u32 nStored = 0;
-    ForEachPreset([&](i32, const PresetInfo *lppi) { nStored += IsStored(lppi); });
-    if (nStored == 0)
+    const std::lock_guard lock(mtxSave);
+    const std::vector<Fave> faves = CollectFaves();
+    if (faves.empty())
         return 1;
     XmlContext *pxc = XmlCreate();
     if (!pxc)
         return 0;
     XmlBeginTag(pxc, u"Favorites");
-    XmlWriteInt(pxc, u"Entries", nStored);
-    u32 iFave = 0;
-    ForEachPreset([&](i32, const PresetInfo *lppi) {
-        if (IsStored(lppi))
-            WriteFave(pxc, iFave++, lppi);
-    });
+    XmlWriteInt(pxc, u"Entries", static_cast<u32>(faves.size()));
+    for (u32 i = 0; i < faves.size(); i++)
+        WriteFave(pxc, i, faves[i]);
     XmlEndTag(pxc);
     const u32 bSaved = XmlSaveFile(pxc, path, psWhy);
     XmlClose(pxc);

@@ -17,6 +17,7 @@ namespace {
 constexpr u32 ROWS_PER_BLOCK = 64;
 constexpr u32 BUFFER_BYTES = 32768;
 constexpr i64 SETTLE_MAX_NS = 500000000; // a burst is waited for this long before the folder is looked at
+constexpr u32 RENEW_DELAY_MS = 250;      // from one look for a folder that is gone to the next
 constexpr u32 NOTIFY_ALL = 31;
 
 // Written under csWatchTable. The thread of a watch reads its own record without it, so records never move.
@@ -44,15 +45,24 @@ void ReportError(const char16_t *pszText)
         lpfnWatchError(pszText);
 }
 
-bool ReadNotices(const FolderWatch *pWatch, WaitingChanges *pWaiting)
+void EndNotices(WaitingChanges *pWaiting, const char16_t *pszWhy)
 {
+    ReportError(pszWhy);
+    pWaiting->bEnded = 1;
+}
+
+void ReadNotices(const FolderWatch *pWatch, WaitingChanges *pWaiting)
+{
+    if (pWaiting->bEnded)
+        return;
     std::vector<FolderNotice> notices;
     const u32 bRead = ReadFolderNotices(pWatch->pNotices, {pWatch->lpBuffer, pWatch->dwBufferBytes}, &notices);
     for (const FolderNotice &notice : notices)
         TakeNotice(pWaiting, notice);
-    if (!bRead)
-        ReportError(u"The changes of a folder cannot be read.");
-    return bRead != 0;
+    if (pWaiting->bEnded)
+        ReportError(u"A watched folder is gone.");
+    else if (!bRead)
+        EndNotices(pWaiting, u"The changes of a folder cannot be read.");
 }
 
 // Lets a burst come to its end, but not without limit. False on a stop.
@@ -67,16 +77,18 @@ bool WaitForBurst(const FolderWatch *pWatch, WaitingChanges *pWaiting)
             return true;
         if (WaitNoticesStopped(pWatch->pNotices, WATCH_DELAY_MS / 10))
             return false;
-        if (!ReadNotices(pWatch, pWaiting))
-            return true;
+        ReadNotices(pWatch, pWaiting);
     }
 }
 
 // One call for the whole folder takes the place of what waits. Notices that come during the call stay for later.
 bool ServeLost(const FolderWatch *pWatch, WaitingChanges *pWaiting)
 {
-    if (!WaitForBurst(pWatch, pWaiting) || !ReadNotices(pWatch, pWaiting))
+    if (!WaitForBurst(pWatch, pWaiting))
         return false;
+    ReadNotices(pWatch, pWaiting);
+    if (pWaiting->bEnded)
+        return true;
     pWaiting->bLost = 0;
     pWatch->lpfnLost();
     return true;
@@ -84,35 +96,51 @@ bool ServeLost(const FolderWatch *pWatch, WaitingChanges *pWaiting)
 
 void ServeOne(const FolderWatch *pWatch, WaitingChanges *pWaiting)
 {
-    const WaitingChange change = NextChange(pWaiting);
+    const std::optional<WaitingChange> change = NextChange(pWaiting);
+    if (!change)
+        return;
     NameText szName;
-    CopyText(szName, FromUtf8(change.sName));
-    pWatch->lpfnChange(szName, change.dwAction);
+    CopyText(szName, FromUtf8(change->sName));
+    pWatch->lpfnChange(szName, change->dwAction);
+}
+
+// Nobody tells what happens meanwhile: the folder is looked at now and when there are notices again. False on a stop.
+bool BeginAnew(const FolderWatch *pWatch, WaitingChanges *pWaiting)
+{
+    pWatch->lpfnLost();
+    do
+        if (WaitNoticesStopped(pWatch->pNotices, RENEW_DELAY_MS))
+            return false;
+    while (!RenewFolderNotices(pWatch->pNotices, pWatch->szFolder));
+    *pWaiting = {};
+    pWaiting->bLost = 1;
+    return true;
+}
+
+bool WaitForNotices(const FolderWatch *pWatch, WaitingChanges *pWaiting)
+{
+    const NoticeWait eWait = WaitFolderNotices(pWatch->pNotices, WAIT_FOREVER);
+    if (eWait == NoticeWait::Failed)
+        EndNotices(pWaiting, u"The wait for changes of a folder failed.");
+    return eWait != NoticeWait::Stopped;
 }
 
 // One turn of the watch thread; false: it ends.
 bool WatchOnce(const FolderWatch *pWatch, WaitingChanges *pWaiting)
 {
-    if (pWaiting->queue.empty() && !pWaiting->bLost && !pWaiting->bEnded) {
-        const NoticeWait eWait = WaitFolderNotices(pWatch->pNotices, WAIT_FOREVER);
-        if (eWait == NoticeWait::Failed)
-            ReportError(u"The wait for changes of a folder failed.");
-        return eWait == NoticeWait::Ready && ReadNotices(pWatch, pWaiting);
-    }
-    if (pWaiting->bEnded) {
-        pWatch->lpfnLost();
-        ReportError(u"A watched folder is gone.");
-        return false;
+    if (pWaiting->bEnded)
+        return BeginAnew(pWatch, pWaiting);
+    if (pWaiting->queue.empty() && !pWaiting->bLost) {
+        const bool bOn = WaitForNotices(pWatch, pWaiting);
+        ReadNotices(pWatch, pWaiting);
+        return bOn;
     }
     if (!pWaiting->bLost && WaitNoticesStopped(pWatch->pNotices, WATCH_DELAY_MS))
         return false;
-    if (!ReadNotices(pWatch, pWaiting))
-        return false;
-    if (pWaiting->bEnded)
-        return true;
-    if (pWaiting->bLost)
+    ReadNotices(pWatch, pWaiting);
+    if (pWaiting->bLost && !pWaiting->bEnded)
         return ServeLost(pWatch, pWaiting);
-    if (!pWaiting->queue.empty())
+    if (!pWaiting->bEnded)
         ServeOne(pWatch, pWaiting);
     return true;
 }

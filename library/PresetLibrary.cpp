@@ -24,6 +24,7 @@ void OpenPresetLibrary(std::u16string_view folder, std::u16string_view favorites
 
 u32 WatchPresets()
 {
+    ForgetPresetNames();
     return WatchFolder(PresetFolder(), PresetFolderCallback, PresetFolderLost) != WATCH_ID_FAILED;
 }
 

@@ -24,6 +24,7 @@ std::u16string sFolder;
 std::thread ScanThread;
 std::atomic<u32> bScansStopped{0};
 std::atomic<u32> nPathsTooLong{0};
+std::atomic<u32> nNamesUnusable{0};
 
 // A file that the table lacks, to be read before it is entered.
 struct NewFile {
@@ -44,7 +45,7 @@ struct ScanPass {
     std::vector<bool> abSeen;      // by slot; the same
     std::atomic<u32> bChanged;
     std::atomic<u32> nTooLong;
-    std::atomic<u32> nFilesDone;
+    u32 nFilesDone; // guarded by PresetTableLock
 };
 
 NewPreset MakeNewPreset(std::u16string_view path, const FileFacts &facts, const PresetSummary *pSummary)
@@ -125,11 +126,14 @@ void LookAtFile(ScanPass *pPass, u32 iFile, const std::u16string &path, const Fi
     }
 }
 
+// The end of the pass alone shows 1. Counted and shown in one step, so that it never goes back.
 void ShowScanProgress(ScanPass *pPass)
 {
-    const u32 nDone = ++pPass->nFilesDone;
-    if (pPass->bShowProgress)
-        StorePresetScanState(0, static_cast<f32>(nDone) / static_cast<f32>(pPass->listing.files.size()));
+    if (!pPass->bShowProgress)
+        return;
+    const PresetTableLock lock;
+    const f32 fFilesBefore = static_cast<f32>(pPass->nFilesDone++);
+    StorePresetScanState(0, fFilesBefore / static_cast<f32>(pPass->listing.files.size()));
 }
 
 bool LookAtListed(ScanPass *pPass, u32 iFile, ReadBuffer *pBuffer)
@@ -156,6 +160,7 @@ u32 LookAtFolder(ScanPass *pPass)
         for (u32 i = 0; i < nFiles; i++)
             LookAtListed(pPass, i, &buffer);
     nPathsTooLong = pPass->nTooLong.load();
+    nNamesUnusable = pPass->listing.nLeftOut;
     return bAll;
 }
 
@@ -339,9 +344,16 @@ void SummarizeFromCache()
     });
 }
 
-u32 PathsTooLong()
+std::string DescribePresetsLeftOut()
 {
-    return nPathsTooLong;
+    std::string s;
+    if (nPathsTooLong)
+        s = std::to_string(nPathsTooLong) + " presets are left out: their paths are longer than " +
+            std::to_string(NAME_CHARS - 1) + " characters";
+    if (nNamesUnusable)
+        s += (s.empty() ? "" : "; ") + std::to_string(nNamesUnusable) +
+             " presets are left out: their names are not UTF-8 or hold a backslash";
+    return s;
 }
 
 // Where no thread can be had the presets are listed without summaries.

@@ -35,8 +35,9 @@ u32 ScanPresetFolder(u32 bDetails);
 u32 RescanPresetFolder();
 // Gives the entries without a summary the one that the cache has. Reads no file. [main-thread]
 void SummarizeFromCache();
-// Files of the last pass whose paths are too long for an entry.
-u32 PathsTooLong();
+// Files of the last pass whose paths are too long for an entry, and those whose names are no valid UTF-8 or hold a
+// separator. The user's words for both; empty: there are none.
+std::string DescribePresetsLeftOut();
 
 // The thread that runs one detail pass, below normal priority. [main-thread]
 void StartPresetScanThread();

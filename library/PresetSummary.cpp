@@ -17,7 +17,7 @@
 namespace {
 
 constexpr u64 PRESET_BYTES_MAX = 48000001; // no larger one can be loaded
-constexpr u32 NAME_BYTES_MAX = 260;        // a longer module name takes no part
+constexpr u32 NAME_BYTES_MAX = 259;        // a longer module name takes no part
 constexpr u32 SIZE_UNKNOWN = ALL_ONES;
 constexpr std::string_view SOUND_PROBE = ">8</source>"; // the sound source in a control's "Source" element
 constexpr std::string_view NAME_ENDING = ".dll";

@@ -7,6 +7,8 @@ namespace {
 
 using Queue = std::deque<WaitingChange>;
 
+constexpr size_t LEFT_MAX = 16;
+
 // The last change that waits for the name, or the end.
 Queue::iterator LastOf(Queue *pQueue, const std::string &sName)
 {
@@ -25,7 +27,7 @@ void Merge(Queue *pQueue, u32 dwAction, const std::string &sName, std::initializ
 {
     const auto it = LastOf(pQueue, sName);
     if (IsOneOf(pQueue, it, replaced))
-        it->dwAction = dwAction;
+        *it = {dwAction, 0, sName};
     else
         pQueue->push_back({dwAction, 0, sName});
 }
@@ -42,13 +44,34 @@ void TakeOldName(Queue *pQueue, const FolderNotice &notice)
         pQueue->push_back({WATCH_MODIFIED, notice.dwCookie, {}});
 }
 
-// A file that comes from another folder is added.
-void TakeNewName(Queue *pQueue, const FolderNotice &notice)
+Queue::iterator OldNameOf(Queue *pQueue, u32 dwCookie)
 {
-    const auto it = std::find_if(pQueue->begin(), pQueue->end(), [&](const WaitingChange &c) {
-        return c.dwCookie == notice.dwCookie && c.dwAction == WATCH_OLD_NAME;
+    return std::find_if(pQueue->begin(), pQueue->end(), [&](const WaitingChange &c) {
+        return dwCookie != 0 && c.dwCookie == dwCookie && c.dwAction == WATCH_OLD_NAME;
     });
-    if (notice.dwCookie == 0 || it == pQueue->end()) {
+}
+
+// The second half of a rename that came after the first was taken for a removal. What the file was called before still
+// tells whether it is to be added.
+bool TakeLateName(WaitingChanges *pWaiting, const FolderNotice &notice)
+{
+    const auto it = OldNameOf(&pWaiting->left, notice.dwCookie);
+    if (it == pWaiting->left.end())
+        return false;
+    pWaiting->queue.push_back({WATCH_OLD_NAME, 0, it->sName});
+    pWaiting->queue.push_back({WATCH_NEW_NAME, 0, notice.sName});
+    pWaiting->left.erase(it);
+    return true;
+}
+
+// A file that comes from another folder is added.
+void TakeNewName(WaitingChanges *pWaiting, const FolderNotice &notice)
+{
+    Queue *pQueue = &pWaiting->queue;
+    const auto it = OldNameOf(pQueue, notice.dwCookie);
+    if (it == pQueue->end()) {
+        if (TakeLateName(pWaiting, notice))
+            return;
         Merge(pQueue, WATCH_ADDED, notice.sName, {WATCH_ADDED, WATCH_MODIFIED, WATCH_REMOVED});
         return;
     }
@@ -59,6 +82,34 @@ void TakeNewName(Queue *pQueue, const FolderNotice &notice)
         itContents->dwCookie = 0;
         itContents->sName = notice.sName;
     }
+}
+
+// Each further write lets the file rest anew.
+void TakeTouched(Queue *pQueue, const std::string &sName)
+{
+    const auto it = LastOf(pQueue, sName);
+    if (!IsOneOf(pQueue, it, {WATCH_ADDED, WATCH_MODIFIED}))
+        pQueue->push_back({WATCH_MODIFIED, 0, sName, WATCH_REST_TURNS});
+    else if (it->nRestTurns)
+        it->nRestTurns = WATCH_REST_TURNS;
+}
+
+void TakeWritten(Queue *pQueue, const std::string &sName)
+{
+    const auto it = LastOf(pQueue, sName);
+    if (IsOneOf(pQueue, it, {WATCH_ADDED, WATCH_MODIFIED}))
+        it->nRestTurns = 0;
+    else
+        pQueue->push_back({WATCH_MODIFIED, 0, sName});
+}
+
+void LetRest(Queue *pQueue)
+{
+    for (WaitingChange &change : *pQueue)
+        if (change.nRestTurns && ++change.nHeldTurns < WATCH_HELD_TURNS_MAX)
+            change.nRestTurns--;
+        else
+            change.nRestTurns = 0;
 }
 
 } // namespace
@@ -72,9 +123,11 @@ void TakeNotice(WaitingChanges *pWaiting, const FolderNotice &notice)
     case NoticeKind::Created:
         Merge(pQueue, WATCH_ADDED, notice.sName, {WATCH_ADDED, WATCH_REMOVED});
         break;
+    case NoticeKind::Touched:
+        TakeTouched(pQueue, notice.sName);
+        break;
     case NoticeKind::Written:
-        if (!IsOneOf(pQueue, LastOf(pQueue, notice.sName), {WATCH_ADDED, WATCH_MODIFIED}))
-            pQueue->push_back({WATCH_MODIFIED, 0, notice.sName});
+        TakeWritten(pQueue, notice.sName);
         break;
     case NoticeKind::Removed:
         Merge(pQueue, WATCH_REMOVED, notice.sName, {WATCH_ADDED, WATCH_MODIFIED, WATCH_REMOVED});
@@ -83,7 +136,7 @@ void TakeNotice(WaitingChanges *pWaiting, const FolderNotice &notice)
         TakeOldName(pQueue, notice);
         break;
     case NoticeKind::MovedTo:
-        TakeNewName(pQueue, notice);
+        TakeNewName(pWaiting, notice);
         break;
     case NoticeKind::Lost:
         pWaiting->bLost = 1;
@@ -98,15 +151,22 @@ void TakeNotice(WaitingChanges *pWaiting, const FolderNotice &notice)
         pQueue->clear();
 }
 
-WaitingChange NextChange(WaitingChanges *pWaiting)
+std::optional<WaitingChange> NextChange(WaitingChanges *pWaiting)
 {
-    WaitingChange change = pWaiting->queue.front();
-    pWaiting->queue.pop_front();
-    if (change.dwAction == WATCH_OLD_NAME && change.dwCookie != 0) {
-        // The contents of a file that is gone are nobody's business.
-        if (!pWaiting->queue.empty() && pWaiting->queue.front().dwCookie == change.dwCookie)
-            pWaiting->queue.pop_front();
-        change = {WATCH_REMOVED, 0, change.sName};
-    }
-    return change;
+    Queue *pQueue = &pWaiting->queue;
+    LetRest(pQueue);
+    const auto it = std::find_if(pQueue->begin(), pQueue->end(), [](const auto &c) { return c.nRestTurns == 0; });
+    if (it == pQueue->end())
+        return std::nullopt;
+    WaitingChange change = *it;
+    const auto itNext = pQueue->erase(it);
+    if (change.dwAction != WATCH_OLD_NAME || change.dwCookie == 0)
+        return change;
+    // The contents of a file that is gone are nobody's business.
+    if (itNext != pQueue->end() && itNext->dwCookie == change.dwCookie)
+        pQueue->erase(itNext);
+    pWaiting->left.push_back(change);
+    if (pWaiting->left.size() > LEFT_MAX)
+        pWaiting->left.pop_front();
+    return WaitingChange{WATCH_REMOVED, 0, change.sName};
 }

@@ -32,6 +32,12 @@ std::string FollowLinks(const std::string &sPath)
     return s;
 }
 
+// How a save went.
+struct SaveResult {
+    int nError;   // 0: all is on the disk
+    u32 bInPlace; // the new file has its name, whatever failed after that
+};
+
 int WriteAll(int fd, std::string_view bytes)
 {
     while (!bytes.empty()) {
@@ -76,48 +82,47 @@ int WriteAndFlush(int fd, std::string_view bytes, mode_t nMode)
     return nError ? nError : fsync(fd) == 0 ? 0 : errno;
 }
 
-// Writes the bytes in the folder and renames them over the target. Returns 0 or the error; EXDEV when the folder
-// cannot serve this target.
-int SaveThrough(const std::string &sFolder, const std::string &sTarget, std::string_view bytes, mode_t nMode)
+// Writes the bytes in the folder and renames them over the target. EXDEV when the folder cannot serve this target.
+SaveResult SaveThrough(const std::string &sFolder, const std::string &sTarget, std::string_view bytes, mode_t nMode)
 {
     std::string sName;
     const int fd = CreateTemporary(sFolder, &sName);
     if (fd < 0)
-        return EXDEV;
+        return {EXDEV, 0};
     int nError = WriteAndFlush(fd, bytes, nMode);
     if (close(fd) != 0 && nError == 0)
         nError = errno;
     if (nError == 0 && rename(sName.c_str(), sTarget.c_str()) != 0)
         nError = errno;
     if (nError == 0)
-        return FlushFolder(FolderPart(sTarget));
+        return {FlushFolder(FolderPart(sTarget)), 1};
     unlink(sName.c_str());
-    return nError;
+    return {nError, 0};
 }
 
-int SaveBeside(const std::string &sTarget, std::string_view bytes, mode_t nMode)
+SaveResult SaveBeside(const std::string &sTarget, std::string_view bytes, mode_t nMode)
 {
     std::string sFolder = FolderPart(sTarget) + "/.saving-XXXXXX";
     if (!mkdtemp(sFolder.data()))
-        return errno;
-    const int nError = SaveThrough(sFolder, sTarget, bytes, nMode);
+        return {errno, 0};
+    const SaveResult result = SaveThrough(sFolder, sTarget, bytes, nMode);
     rmdir(sFolder.c_str());
-    return nError;
+    return result;
 }
 
-int Save(const std::string &sTarget, std::string_view bytes)
+SaveResult Save(const std::string &sTarget, std::string_view bytes)
 {
     struct stat st;
     const bool bExists = stat(sTarget.c_str(), &st) == 0;
     if (bExists && !S_ISREG(st.st_mode))
-        return S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
+        return {S_ISDIR(st.st_mode) ? EISDIR : EINVAL, 0};
     if (bExists && access(sTarget.c_str(), W_OK) != 0)
-        return errno;
+        return {errno, 0};
     const mode_t nMode = bExists ? st.st_mode & PERMISSION_BITS : 0;
-    int nError = EXDEV;
+    SaveResult result = {EXDEV, 0};
     if (!sSaveFolder.empty() && (mkdir(sSaveFolder.c_str(), 0700) == 0 || errno == EEXIST))
-        nError = SaveThrough(sSaveFolder, sTarget, bytes, nMode);
-    return nError == EXDEV ? SaveBeside(sTarget, bytes, nMode) : nError;
+        result = SaveThrough(sSaveFolder, sTarget, bytes, nMode);
+    return result.nError == EXDEV ? SaveBeside(sTarget, bytes, nMode) : result;
 }
 
 } // namespace
@@ -130,8 +135,10 @@ void SetSaveFolder(std::u16string_view folder)
 u32 SaveFileAtomically(std::u16string_view path, std::string_view bytes, std::string *psWhy)
 {
     const std::string sPath = NativePath(path);
-    const int nError = sPath.empty() ? ENOENT : Save(FollowLinks(sPath), bytes);
-    if (nError && psWhy)
-        *psWhy = "Cannot save " + sPath + ": " + std::strerror(nError) + ". The file is as it was before.";
-    return nError == 0;
+    const SaveResult result = sPath.empty() ? SaveResult{ENOENT, 0} : Save(FollowLinks(sPath), bytes);
+    if (result.nError && psWhy)
+        *psWhy = "Cannot save " + sPath + ": " + std::strerror(result.nError) +
+                 (result.bInPlace ? ". The file has the new contents, but a power cut may bring the old ones back."
+                                  : ". The file is as it was before.");
+    return result.nError == 0;
 }

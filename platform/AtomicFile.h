@@ -12,6 +12,7 @@
 void SetSaveFolder(std::u16string_view folder);
 
 // Replaces or creates the file. Non-zero only if all bytes have reached the disk under that name; otherwise the old
-// file stands as it was and *psWhy (may be null) says why in words for the user. A link is followed, the permissions of
-// the old file are kept, and a file without permission to write is left alone. [any-thread]
+// file stands as it was, or the new one stands there and may not outlast a power cut, and *psWhy (may be null) says why
+// and which in words for the user. A link is followed, the permissions of the old file are kept, and a file without
+// permission to write is left alone. [any-thread]
 u32 SaveFileAtomically(std::u16string_view path, std::string_view bytes, std::string *psWhy = nullptr);

@@ -55,8 +55,12 @@ void ListOpenFolder(DIR *pDir, std::string_view suffix, u32 bFacts, FolderListin
     while (const dirent *pEntry = readdir(pDir)) {
         const std::string_view name = pEntry->d_name;
         struct stat st = {};
-        if (!CanBeFile(*pEntry) || !EqualSuffix(name, suffix) || !OpensAgain(name))
+        if (!CanBeFile(*pEntry) || !EqualSuffix(name, suffix))
             continue;
+        if (!OpensAgain(name)) {
+            pListing->nLeftOut++;
+            continue;
+        }
         if (bFacts && (fstatat(dirfd(pDir), pEntry->d_name, &st, 0) != 0 || !S_ISREG(st.st_mode)))
             continue;
         const u32 iName = static_cast<u32>(pListing->sNames.size());
@@ -132,6 +136,7 @@ u32 ListFolder(std::u16string_view folder, std::string_view suffix, u32 bFacts, 
 {
     pListing->sNames.clear();
     pListing->files.clear();
+    pListing->nLeftOut = 0;
     DIR *pDir = opendir(ToUtf8(folder).c_str());
     if (!pDir)
         return 0;

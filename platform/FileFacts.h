@@ -30,6 +30,7 @@ struct FolderFile {
 struct FolderListing {
     std::string sNames;
     std::vector<FolderFile> files;
+    u32 nLeftOut; // files whose names could not be opened again from their UTF-16 form
     std::string_view Name(const FolderFile &file) const
     {
         return std::string_view(sNames).substr(file.iName, file.cbName);
@@ -37,8 +38,7 @@ struct FolderListing {
 };
 
 // Lists the files whose names end in the suffix (ASCII, without regard to case), in one walk; with bFacts regular files
-// only, and their facts, which takes a query each. Leaves out names that could not be opened again from their UTF-16
-// form. 0 when the folder cannot be read. [any-thread]
+// only, and their facts, which takes a query each. 0 when the folder cannot be read. [any-thread]
 u32 ListFolder(std::u16string_view folder, std::string_view suffix, u32 bFacts, FolderListing *pListing);
 
 // A buffer that one thread reads file after file into.

@@ -21,18 +21,21 @@ struct FolderNotices {
 
 namespace {
 
-// No IN_MODIFY: a save is one create, many modifies and a close, and the close says it all.
-constexpr u32 WATCH_MASK = IN_CREATE | IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO |
-                           IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
+constexpr u32 WATCH_MASK = IN_CREATE | IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE | IN_MOVED_FROM |
+                           IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
 
 struct KindRow {
     u32 dwBits;
     NoticeKind eKind;
 };
 constexpr KindRow asKind[] = {
-    {IN_Q_OVERFLOW, NoticeKind::Lost},  {IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_IGNORED, NoticeKind::Ended},
-    {IN_CREATE, NoticeKind::Created},   {IN_CLOSE_WRITE | IN_ATTRIB, NoticeKind::Written},
-    {IN_DELETE, NoticeKind::Removed},   {IN_MOVED_FROM, NoticeKind::MovedFrom},
+    {IN_Q_OVERFLOW, NoticeKind::Lost},
+    {IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_IGNORED, NoticeKind::Ended},
+    {IN_CREATE, NoticeKind::Created},
+    {IN_MODIFY, NoticeKind::Touched},
+    {IN_CLOSE_WRITE | IN_ATTRIB, NoticeKind::Written},
+    {IN_DELETE, NoticeKind::Removed},
+    {IN_MOVED_FROM, NoticeKind::MovedFrom},
     {IN_MOVED_TO, NoticeKind::MovedTo},
 };
 
@@ -59,14 +62,25 @@ void ParseNotices(const char *pBytes, size_t cb, std::vector<FolderNotice> *pTo)
     }
 }
 
-bool Poll(std::span<pollfd> fds, u32 nWaitMs)
+// As poll: how many have something to tell; 0 when the time is over, below 0 on failure.
+int Poll(std::span<pollfd> fds, u32 nWaitMs)
 {
     const int nTimeout = nWaitMs == WAIT_FOREVER ? -1 : static_cast<int>(std::min<u32>(nWaitMs, INT_MAX));
     int n = 0;
     do
         n = poll(fds.data(), fds.size(), nTimeout);
     while (n < 0 && errno == EINTR);
-    return n > 0;
+    return n;
+}
+
+// -1 when the folder is none or the system has no more watches to give.
+int StartWatching(std::u16string_view folder)
+{
+    const int fd = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (fd < 0 || inotify_add_watch(fd, ToUtf8(folder).c_str(), WATCH_MASK) >= 0)
+        return fd;
+    close(fd);
+    return -1;
 }
 
 } // namespace
@@ -76,10 +90,9 @@ FolderNotices *OpenFolderNotices(std::u16string_view folder)
     auto *pNotices = new (std::nothrow) FolderNotices{-1, -1};
     if (!pNotices)
         return nullptr;
-    pNotices->fdNotify = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    pNotices->fdNotify = StartWatching(folder);
     pNotices->fdStop = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    if (pNotices->fdNotify >= 0 && pNotices->fdStop >= 0 &&
-        inotify_add_watch(pNotices->fdNotify, ToUtf8(folder).c_str(), WATCH_MASK) >= 0)
+    if (pNotices->fdNotify >= 0 && pNotices->fdStop >= 0)
         return pNotices;
     CloseFolderNotices(pNotices);
     return nullptr;
@@ -95,11 +108,22 @@ void CloseFolderNotices(FolderNotices *pNotices)
     delete pNotices;
 }
 
+u32 RenewFolderNotices(FolderNotices *pNotices, std::u16string_view folder)
+{
+    const int fd = StartWatching(folder);
+    if (fd < 0)
+        return 0;
+    close(pNotices->fdNotify);
+    pNotices->fdNotify = fd;
+    return 1;
+}
+
 NoticeWait WaitFolderNotices(const FolderNotices *pNotices, u32 nWaitMs)
 {
     pollfd afd[] = {{pNotices->fdStop, POLLIN, 0}, {pNotices->fdNotify, POLLIN, 0}};
-    if (!Poll(afd, nWaitMs))
-        return NoticeWait::TimedOut;
+    const int n = Poll(afd, nWaitMs);
+    if (n <= 0)
+        return n == 0 ? NoticeWait::TimedOut : NoticeWait::Failed;
     if (afd[0].revents)
         return NoticeWait::Stopped;
     return afd[1].revents & POLLIN ? NoticeWait::Ready : NoticeWait::Failed;
@@ -108,7 +132,7 @@ NoticeWait WaitFolderNotices(const FolderNotices *pNotices, u32 nWaitMs)
 bool WaitNoticesStopped(const FolderNotices *pNotices, u32 nWaitMs)
 {
     pollfd fd = {pNotices->fdStop, POLLIN, 0};
-    return Poll({&fd, 1}, nWaitMs);
+    return Poll({&fd, 1}, nWaitMs) > 0;
 }
 
 u32 ReadFolderNotices(const FolderNotices *pNotices, std::span<char> buffer, std::vector<FolderNotice> *pTo)

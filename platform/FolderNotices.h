@@ -12,6 +12,7 @@ struct FolderNotices; // opaque; null means none
 
 enum class NoticeKind {
     Created, // a file, pipe or link stands there under a new name
+    Touched, // its contents were changed by a writer that still has it open
     Written, // a writer has closed it, or its attributes or date were changed
     Removed,
     MovedFrom, // the two halves of a rename inside the folder share a cookie
@@ -32,6 +33,9 @@ enum class NoticeWait { Ready, Stopped, TimedOut, Failed };
 // when the folder is none or the system has no more watches to give. [any-thread]
 FolderNotices *OpenFolderNotices(std::u16string_view folder);
 void CloseFolderNotices(FolderNotices *pNotices); // null is fine
+// Begins anew with the folder that has the path now, after notices have ended or could not be read. 0, and no change,
+// as above. A stop stays.
+u32 RenewFolderNotices(FolderNotices *pNotices, std::u16string_view folder);
 
 // Waits for notices, for StopFolderNotices or until the time is over (WAIT_FOREVER: no limit). A stop comes first and
 // stays.

@@ -15,11 +15,25 @@
 #include <sstream>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
+
+static bool bFoldersFailToFlush = false;
+
+// Takes the place of the system's, which the other tests get to all the same.
+extern "C" int fsync(int fd)
+{
+    struct stat st;
+    if (bFoldersFailToFlush && fstat(fd, &st) == 0 && S_ISDIR(st.st_mode)) {
+        errno = EIO;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_fsync, fd));
+}
 
 namespace {
 
@@ -143,4 +157,15 @@ TEST_P(AtomicFaults, AStepThatTheSystemRefusesLeavesTheOldFileAndFails)
             EXPECT_EQ(WEXITSTATUS(nStatus), 1) << "call " << calls[0] << ", error " << nError;
             EXPECT_EQ(Contents(), OLD);
         }
+}
+
+TEST_P(AtomicFaults, AFolderThatFailsToFlushIsToldAsWhatItIs)
+{
+    bFoldersFailToFlush = true;
+    std::string sWhy;
+    EXPECT_EQ(0u, SaveFileAtomically(FromUtf8(file.string()), NEW, &sWhy));
+    bFoldersFailToFlush = false;
+    EXPECT_EQ(NEW, Contents());
+    EXPECT_NE(std::string::npos, sWhy.find("has the new contents")) << sWhy;
+    EXPECT_EQ(std::string::npos, sWhy.find("as it was")) << sWhy;
 }

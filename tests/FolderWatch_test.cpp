@@ -8,11 +8,14 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
 #include <string>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -21,20 +24,31 @@ namespace {
 
 using enum NoticeKind;
 
-// What is called back for the notices, in the order in which it is: "+a" added, "-a" removed, "*a" modified, "a>b".
+// What one turn calls back: "+a" added, "-a" removed, "*a" modified, "a>b"; "_" nothing yet.
+std::string Turn(WaitingChanges *pWaiting)
+{
+    const std::optional<WaitingChange> change = NextChange(pWaiting);
+    if (!change)
+        return " _";
+    if (change->dwAction == WATCH_OLD_NAME)
+        return " " + change->sName;
+    return std::string(change->dwAction == WATCH_NEW_NAME ? "" : " ") + "?+-*.>"[change->dwAction] + change->sName;
+}
+
+void Take(WaitingChanges *pWaiting, const std::vector<FolderNotice> &notices)
+{
+    for (const FolderNotice &notice : notices)
+        TakeNotice(pWaiting, notice);
+}
+
+// What is called back for the notices, in the order in which it is.
 std::string Changes(const std::vector<FolderNotice> &notices)
 {
     WaitingChanges waiting = {};
-    for (const FolderNotice &notice : notices)
-        TakeNotice(&waiting, notice);
+    Take(&waiting, notices);
     std::string s;
-    while (!waiting.queue.empty()) {
-        const WaitingChange change = NextChange(&waiting);
-        if (change.dwAction == WATCH_OLD_NAME)
-            s += " " + change.sName;
-        else
-            s += std::string(change.dwAction == WATCH_NEW_NAME ? "" : " ") + "?+-*.>"[change.dwAction] + change.sName;
-    }
+    while (!waiting.queue.empty())
+        s += Turn(&waiting);
     return s;
 }
 
@@ -58,6 +72,34 @@ TEST(WaitingChanges, ARenameIsAPairAndLeavingTheFolderARemoval)
     EXPECT_EQ(" -a +a", Changes({{MovedFrom, 1, "a"}, {Created, 0, "a"}}));
     EXPECT_EQ(" -a", Changes({{Written, 0, "a"}, {MovedFrom, 1, "a"}}));
     EXPECT_EQ(" +a", Changes({{Written, 0, "a"}, {MovedTo, 7, "a"}})) << "saved through another folder";
+}
+
+TEST(WaitingChanges, AFileThatStaysOpenIsLookedAtWhenItIsAtRestAndFromTimeToTimeBefore)
+{
+    EXPECT_EQ(" _ *a", Changes({{Touched, 0, "a"}, {Touched, 0, "a"}, {Touched, 0, "a"}}));
+    EXPECT_EQ(" *b *a", Changes({{Touched, 0, "a"}, {Written, 0, "b"}})) << "others do not wait for it";
+    EXPECT_EQ(" *a", Changes({{Touched, 0, "a"}, {Written, 0, "a"}, {Touched, 0, "a"}})) << "closed is at rest";
+    EXPECT_EQ(" +a", Changes({{Created, 0, "a"}, {Touched, 0, "a"}}));
+    EXPECT_EQ(" a>b *b", Changes({{Touched, 0, "a"}, {MovedFrom, 1, "a"}, {MovedTo, 1, "b"}}));
+    WaitingChanges waiting = {};
+    u32 nLooks = 0;
+    for (u32 i = 0; i < 1000; i++) {
+        Take(&waiting, {{Touched, 0, "a"}, {Touched, 0, "b"}});
+        nLooks += Turn(&waiting) == " *a";
+    }
+    EXPECT_EQ(1000u / WATCH_HELD_TURNS_MAX, nLooks);
+}
+
+TEST(WaitingChanges, ANewNameThatComesLateStillTellsTheOldOne)
+{
+    WaitingChanges waiting = {};
+    Take(&waiting, {{MovedFrom, 5, "tmp"}});
+    EXPECT_EQ(" -tmp", Turn(&waiting));
+    Take(&waiting, {{MovedTo, 6, "other"}, {MovedTo, 5, "a"}});
+    for (const char *pszExpected : {" +other", " tmp", ">a"})
+        EXPECT_EQ(pszExpected, Turn(&waiting));
+    Take(&waiting, {{MovedTo, 5, "b"}});
+    EXPECT_EQ(" +b", Turn(&waiting)) << "one rename has one new name";
 }
 
 TEST(WaitingChanges, TooManyOfThemCountAsLost)
@@ -160,18 +202,71 @@ TEST_F(FolderWatch, MoreWatchesThanTheFirstTableHoldsEachHaveANumberAndAThread)
     EXPECT_EQ(nFirst + 70, Watch(folder / "0")) << "numbers are not given twice";
 }
 
-TEST_F(FolderWatch, AFolderThatGoesAwayEndsItsWatchWithAReport)
+TEST_F(FolderWatch, AFileThatStaysOpenIsToldOfWhileItIsWritten)
 {
-    static std::atomic<u32> nErrors;
-    nErrors = 0;
-    lpfnWatchError = [](const char16_t *) { nErrors++; };
+    Touch("a");
+    std::ofstream writer(folder / "a", std::ios::app);
+    ASSERT_GT(Watch(folder), 0);
+    for (u32 i = 0; i < 1000; i++)
+        writer << "x" << std::flush;
+    EXPECT_TRUE(Soon([] { return Log() == " *a"; })) << Log();
+    writer << "x" << std::flush;
+    EXPECT_TRUE(Soon([] { return Log() == " *a *a"; })) << Log();
+}
+
+class WatchWithErrors : public FolderWatch {
+  protected:
+    static inline std::atomic<u32> nErrors;
+    void SetUp() override
+    {
+        FolderWatch::SetUp();
+        nErrors = 0;
+        lpfnWatchError = [](const char16_t *) { nErrors++; };
+    }
+    void TearDown() override
+    {
+        FolderWatch::TearDown();
+        lpfnWatchError = nullptr;
+    }
+};
+
+TEST_F(WatchWithErrors, AFolderThatComesBackIsWatchedAgain)
+{
     fs::create_directory(folder / "sub");
     ASSERT_GT(Watch(folder / "sub"), 0);
     fs::remove(folder / "sub");
-    EXPECT_TRUE(Soon([] { return nErrors == 1; }));
-    EXPECT_EQ(1u, nLost) << "what was in it is gone too";
-    StopAllWatches();
-    lpfnWatchError = nullptr;
+    EXPECT_TRUE(Soon([] { return nErrors == 1 && nLost == 1; })) << "what was in it is gone too";
+    fs::create_directory(folder / "sub");
+    EXPECT_TRUE(Soon([] { return nLost == 2; })) << "and what is in it now is new";
+    Touch("sub/a");
+    EXPECT_TRUE(Soon([] { return Log() == " +a"; })) << Log();
+    fs::rename(folder / "sub", folder / "moved");
+    EXPECT_TRUE(Soon([] { return nErrors == 2 && nLost == 3; }));
+}
+
+// The first open file of this process that is what the link says.
+int FindOpenFile(const std::string &sLink)
+{
+    for (const auto &entry : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code ignored;
+        if (fs::read_symlink(entry, ignored) == sLink)
+            return std::stoi(entry.path().filename().string());
+    }
+    return -1;
+}
+
+TEST_F(WatchWithErrors, NoticesThatCannotBeReadDoNotEndTheWatch)
+{
+    ASSERT_GT(Watch(folder), 0);
+    const int fdNotify = FindOpenFile("anon_inode:inotify");
+    const int fdFolder = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_GE(fdNotify, 0);
+    ASSERT_GE(syscall(SYS_dup3, fdFolder, fdNotify, 0), 0); // always ready, and never to be read
+    close(fdFolder);
+    Touch("wakes nobody");
+    EXPECT_TRUE(Soon([] { return nErrors == 1 && nLost >= 2; })) << nErrors << " " << nLost;
+    Touch("a");
+    EXPECT_TRUE(Soon([] { return Log() == " +a"; })) << Log();
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 // FrameStep_test.cpp -- tests FrameStep.cpp, PlaneThreads.cpp and SoundSampling.cpp
+#include "platform/Notices.h"
 #include "tests/EngineFixture.h"
 #include "tests/AllocationCounter.h"
 
 #include <chrono>
 #include <cmath>
+#include <pthread.h>
 #include <set>
 #include <thread>
 
@@ -152,6 +154,31 @@ TEST_F(FrameStep, ThreadsDrawThePlanesAndLeaveThePausedOnesAlone)
     GlobalSettings.ThreadedPlanes = 0;
     EXPECT_EQ(1u, Step()) << "no frame is lost when they are turned off";
     EXPECT_EQ(1u, StartPlaneThreads()) << "they were stopped";
+}
+
+TEST_F(FrameStep, WithoutThreadsToBeHadThePlanesAreDrawnHere)
+{
+    pthread_attr_t before, attr;
+    ASSERT_EQ(0, pthread_getattr_default_np(&before));
+    ASSERT_EQ(0, pthread_getattr_default_np(&attr));
+    ASSERT_EQ(0, pthread_attr_setstacksize(&attr, size_t{1} << 62));
+    ASSERT_EQ(0, pthread_setattr_default_np(&attr)); // no thread can have such a stack
+    GlobalSettings.ThreadedPlanes = 1;
+    MakePreset(2);
+    for (i32 i = 0; i < 2; i++)
+        Add(MODULEINDEX_DRAWPAINTER, i);
+    TakeLog();
+    EXPECT_EQ(1u, Step());
+    std::set<const PlaneInfo *> planes;
+    for (const RecorderEntry &entry : TakeLog())
+        planes.insert(entry.ppi);
+    EXPECT_EQ(2u, planes.size());
+    EXPECT_FALSE(PlaneThreadsRun());
+    ASSERT_EQ(0, pthread_setattr_default_np(&before));
+    for (i32 i = 0; i < 1000 && !PlaneThreadsRun(); i++)
+        Step();
+    EXPECT_TRUE(PlaneThreadsRun()) << "they are asked for again";
+    EXPECT_NE(std::string::npos, NoticeText().find("no threads to give"));
 }
 
 TEST_F(FrameStep, ASeededRunIsTheSameInBothThreadModes)

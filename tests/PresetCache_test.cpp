@@ -198,6 +198,20 @@ TEST_F(PresetCache, RecordsOfMoreThanSixtyFourModulesStayInTheirBounds)
     EXPECT_EQ(1u, info.bCompatible);
 }
 
+TEST_F(PresetCache, AModuleWithANameOf260BytesTakesNoPart)
+{
+    std::string sUmlauts; // more bytes than characters
+    while (sUmlauts.size() < 200)
+        sUmlauts += "\u00e4";
+    for (u32 cb : {259u, 260u}) {
+        const std::string sName = std::string(cb - 204, 'x') + sUmlauts + ".dll";
+        CopyText(GetModuleRecord(1)->szDll, FromUtf8(sName));
+        PrepareSummaries();
+        const std::string sPadded = sName + std::string(READ_SLACK, '\0');
+        EXPECT_EQ(cb < 260 ? 2u : 0u, SummarizeText(sPadded.data(), cb).qwModules);
+    }
+}
+
 std::string LowerText(std::string s)
 {
     std::transform(s.begin(), s.end(), s.begin(), [](char ch) { return ch >= 'A' && ch <= 'Z' ? ch + 32 : ch; });

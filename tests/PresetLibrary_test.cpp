@@ -72,7 +72,9 @@ TEST_F(PresetLibrary, OddNamesAndThingsThatAreNoFilesDoNoHarm)
     ASSERT_EQ(0, mkfifo((presets / "pipe.VD").c_str(), 0600));
     OpenAndScan();
     EXPECT_EQ((List{".VD", "A.VD", "a.VD", "link.VD", sLong, "\u96ea.vD"}), Names());
-    EXPECT_EQ(1u, PathsTooLong());
+    EXPECT_EQ("1 presets are left out: their paths are longer than 259 characters; 2 presets are left out: their names "
+              "are not UTF-8 or hold a backslash",
+              DescribePresetsLeftOut());
     for (const std::string &sName : Names())
         EXPECT_EQ("Alpha ", Summary(sName)) << sName;
     EXPECT_EQ(0u, AddPresetInfo(Path("folder.VD"), 1));
@@ -172,6 +174,71 @@ TEST_F(PresetLibrary, NoticesOfNamesThatAreGoneCountWhateverStandsThereNow)
     EXPECT_EQ(List{"c.VD"}, Names()) << "a name that was too long was no preset's";
 }
 
+TEST_F(PresetLibrary, AFileRenamedFromAStrangersNameIsNotAddedLaterEither)
+{
+    const auto change = [](const char16_t *pszName, u32 dwAction) { PresetFolderCallback(pszName, dwAction); };
+    OpenAndScan();
+    Write("x.VD", Text({}));
+    change(u"tmp", WATCH_ADDED); // at work for so long that its coming and its going are two changes
+    change(u"tmp", WATCH_OLD_NAME);
+    change(u"x.VD", WATCH_NEW_NAME);
+    change(u"x.VD", WATCH_MODIFIED); // its writer closes it, or changes its date, after the rename
+    EXPECT_EQ(List{}, Names());
+    fs::rename(presets / "x.VD", presets / "y.VD");
+    change(u"x.VD", WATCH_OLD_NAME);
+    change(u"y.VD", WATCH_NEW_NAME);
+    change(u"y.VD", WATCH_MODIFIED);
+    EXPECT_EQ(List{}, Names()) << "another name of the same file";
+    Write("x.VD", Text({}));
+    change(u"x.VD", WATCH_MODIFIED);
+    EXPECT_EQ(List{"x.VD"}, Names()) << "another file of the same name, which could not be read when it came";
+    fs::rename(presets / "y.VD", presets / "x.VD");
+    change(u"y.VD", WATCH_OLD_NAME);
+    change(u"x.VD", WATCH_NEW_NAME);
+    EXPECT_EQ(List{"x.VD"}, Names());
+    Write("y.VD", Text({}));
+    change(u"y.VD", WATCH_ADDED);
+    EXPECT_EQ((List{"x.VD", "y.VD"}), Names());
+}
+
+TEST_F(PresetLibrary, AFileReplacedJustBeforeItsRenameIsReadAgain)
+{
+    Write("a.VD", Text({"Alpha.dll"}));
+    OpenAndScan();
+    SetFavor("a.VD", 3);
+    fs::remove(presets / "a.VD");
+    Write("b.VD", Text({"Beta.dll"}, true));
+    PresetFolderCallback(u"a.VD", WATCH_OLD_NAME);
+    PresetFolderCallback(u"b.VD", WATCH_NEW_NAME);
+    EXPECT_EQ("+Beta ", Summary("b.VD"));
+    EXPECT_EQ(3, Entry("b.VD").nFavor);
+    fs::remove(presets / "b.VD");
+    fs::create_directory(presets / "c.VD");
+    PresetFolderCallback(u"b.VD", WATCH_OLD_NAME);
+    PresetFolderCallback(u"c.VD", WATCH_NEW_NAME);
+    PresetFolderCallback(u"c.VD", WATCH_REMOVED);
+    EXPECT_EQ(List{}, Names()) << "a folder has its name now";
+}
+
+TEST_F(PresetLibrary, TheProgressOfAPassGrowsAndStaysBelowOne)
+{
+    for (u32 i = 0; i < 3000; i++)
+        Write(std::to_string(i) + ".VD", "x");
+    Open();
+    std::thread pass([] { ScanPresetFolder(1); });
+    f32 fLast = 0;
+    while (!PresetScanDone()) {
+        const f32 fProgress = PresetScanProgress();
+        if (PresetScanDone())
+            break; // the end shows 0 again
+        ASSERT_GE(fProgress, fLast);
+        ASSERT_LT(fProgress, 1.0f);
+        fLast = fProgress;
+    }
+    pass.join();
+    EXPECT_EQ(0.0f, PresetScanProgress());
+}
+
 class WatchedPresets : public PresetFolderTest {
   protected:
     void SetUp() override
@@ -234,6 +301,17 @@ TEST_F(WatchedPresets, ASavedPresetIsAddedOrModifiedAndAStrangersRenameAddsNothi
     fs::rename(presets / "editor~", presets / "b.VD");
     EXPECT_TRUE(Soon([&] { return Summary("b.VD") == "+Beta "; })) << "over a preset it is a change of it";
     EXPECT_EQ((List{"a.VD", "b.VD", "saved.VD", "copied.VD"}), Names());
+}
+
+TEST_F(WatchedPresets, AFolderThatIsReplacedWholeIsTakenUp)
+{
+    fs::rename(presets, data / "before");
+    EXPECT_TRUE(SoonListed({}));
+    fs::create_directory(presets);
+    Write("b.VD", Text({"Beta.dll"}));
+    EXPECT_TRUE(SoonListed({"b.VD"}));
+    Write("c.VD", Text({}));
+    EXPECT_TRUE(SoonListed({"b.VD", "c.VD"}));
 }
 
 TEST_F(WatchedPresets, ABurstOfAThousandFilesArrivesWhole)
@@ -315,11 +393,12 @@ TEST_F(FavoritesFile, CountsComeBackByNameOnceTheCacheIsGone)
 
 TEST_F(FavoritesFile, AFileMadeByHandIsReadAsFarAsItMakesSense)
 {
-    for (const char *pszName : {"a.VD", "b.VD", "c.VD", "d.VD"})
+    for (const char *pszName : {"a.VD", "b.VD", "c.VD", "d.VD", "e.VD"})
         Write(pszName, Text({}));
     Open();
     EXPECT_EQ(0u, LoadFavorites(Wide(File())));
     std::ofstream(File()) << "<?xml version=\"1.0\"?>\n<Favorites><Entries>2000000000</Entries>"
+                             "<Fave999999><Name>e.VD</Name><Favor>6</Favor></Fave999999>"
                              "<Fave0><Name>A.vd</Name><Favor>5</Favor></Fave0>"
                              "<Fave2><Name>b.VD</Name></Fave2>"
                              "<Fave3><Favor>9</Favor></Fave3>"
@@ -329,6 +408,7 @@ TEST_F(FavoritesFile, AFileMadeByHandIsReadAsFarAsItMakesSense)
                           << "<Fave6><Name>../d.VD</Name><Favor>1</Favor></Fave6></Favorites>";
     EXPECT_EQ(1u, LoadFavorites(Wide(File())));
     EXPECT_EQ(5, Entry("a.VD").nFavor) << "without regard to case";
+    EXPECT_EQ(6, Entry("e.VD").nFavor) << "numbers may be left out";
     for (const char *pszName : {"b.VD", "c.VD", "d.VD"})
         EXPECT_EQ(0, Entry(pszName).nFavor) << pszName;
     std::ofstream(File()) << "no favorites at all";

@@ -184,6 +184,7 @@ TEST_F(PresetTable, ThreeThreadsKeepItWhole)
         else
             Place(sName, 1, 0, 1);
     });
+    i64 nFavored = 0; // guarded by the table's lock, like all that the renamer counts
     std::thread renamer = run(2, [&](std::mt19937 &random) {
         const PresetTableLock lock;
         const std::u16string to = Path(name(random));
@@ -191,7 +192,7 @@ TEST_F(PresetTable, ThreeThreadsKeepItWhole)
         if (iSlot >= 0 && FindPresetFile(to) < 0)
             MovePreset(iSlot, to);
         if (PresetInfo *lppi = GetLivePreset(iSlot))
-            lppi->nFavor++;
+            nFavored += ++lppi->nFavor > 0;
         NotifyPresetChange();
     });
     std::thread reader = run(3, [&](std::mt19937 &random) {
@@ -200,7 +201,7 @@ TEST_F(PresetTable, ThreeThreadsKeepItWhole)
         for (i32 i = 0, n = PresetSlotCount(); i < n; i += 97) {
             const PresetTableLock lock;
             const PresetInfo *lppi = GetLivePreset(i);
-            ASSERT_TRUE(!lppi || TextLength(lppi->szPath, NAME_CHARS) < NAME_CHARS);
+            ASSERT_TRUE(!lppi || FindPresetFile(lppi->szPath) == i) << "a slot is found under its name at any time";
         }
         StorePresetScanState(0, PresetScanProgress() + 0.25f);
     });
@@ -217,6 +218,10 @@ TEST_F(PresetTable, ThreeThreadsKeepItWhole)
         ASSERT_EQ(iSlot, FindPresetFile(lppi->szPath));
     });
     EXPECT_EQ(nLive, names.size()) << "no file has two entries";
+    for (i32 i = 0; i < PresetSlotCount(); i++)
+        if (const PresetInfo *lppi = GetPresetInfo(i))
+            nFavored -= lppi->nFavor;
+    EXPECT_EQ(0, nFavored) << "entries that served one file after another keep every press";
 }
 
 } // namespace

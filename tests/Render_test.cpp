@@ -330,6 +330,9 @@ TEST_F(Render, ListsThePresetsOfAFolderByReadingThem)
     fs::create_directory(folder / "empty");
     EXPECT_EQ("[]\n", Run("--list empty --json").sOut);
     EXPECT_EQ(1, Run("--list nowhere").nExit);
+    const RunResult full = RunBare("--list p --modules " STOCK_MODULE_FOLDER, "/dev/full");
+    EXPECT_EQ(1, full.nExit);
+    EXPECT_NE(std::string::npos, full.sErr.find("cannot be written"));
 }
 
 } // namespace
