@@ -3,7 +3,7 @@
 #include "../common/StockPen.h"
 
 #define WALKERS_MOST 160
-#define TAIL_POINTS 20
+#define TAIL_POINTS 14
 
 enum {
     CONTROL_COUNT,
@@ -70,10 +70,11 @@ static void AddControls(Walkers *pWalkers, const ControlMaker &maker)
     ap[CONTROL_TAILS] = AddFloat(maker, u"Tails\0Share\0", u"How many of them draw a tail behind them", {0, 1},
                                  {0.4f, 1}, 0.7f, FromRandom());
     ap[CONTROL_LENGTH] = AddFloat(maker, u"Tails\0Length\0", u"Seconds of its way that a tail shows", {0.1f, 6},
-                                  {0.6f, 2}, 1.2f, FromWave(29000));
+                                  {0.5f, 1.7f}, 1.1f, FromWave(29000));
     ap[CONTROL_THICKNESS] =
-        AddThickness(maker, u"Of a walker, in percent of the picture's height", {1, 2.6f}, 1.6f, FromWave(37000));
-    ap[CONTROL_PULSE] = AddFloat(maker, u"Pen\0Pulse\0", u"How much larger they are", {0, 3}, {0, 1}, 0, FromSound(4));
+        AddThickness(maker, u"Of a walker, in percent of the picture's height", {0.8f, 1.8f}, 1.6f, FromWave(37000));
+    ap[CONTROL_PULSE] =
+        AddFloat(maker, u"Pen\0Pulse\0", u"How much larger they are", {0, 3}, {0, 0.7f}, 0, FromSound(4));
     ap[CONTROL_PLACE] = AddPlace(maker, u"Where in the palette they lie");
     ap[CONTROL_SPREAD] = AddSpread(maker, u"How far apart their colors lie");
     ap[CONTROL_PAINT] = AddPaintMode(maker, pWalkers->aPaintRow, PAINT_OVER);
