@@ -199,7 +199,7 @@ static void FlyThrough(Stars *pStars, const Canvas &canvas, const Paint &paint, 
     for (int32_t i = 0; i < STARS_MOST && (float)i < fCount; i++) {
         Star &star = pStars->aStar[i];
         star.z -= fSpeed * fSeconds;
-        star.fFresh = std::min(star.fFresh + fSeconds, 1.0f);
+        star.fFresh = std::min(star.fFresh + fSeconds * (1 + 5 * std::fabs(fSpeed)), 1.0f);
         const bool bPassed = fSpeed >= 0 && OutOfSight(then, PointOfStar(then, star, star.z + fSpeed * fBefore));
         if (star.z <= STARS_NEAR || star.z > 1 || bPassed)
             RenewStar(pStars, &star, fSpeed);
