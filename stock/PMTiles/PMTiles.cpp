@@ -147,7 +147,8 @@ static float LightOfTile(const Tiles *pTiles, int32_t iColumn, int32_t iRow, flo
         return EaseUnit(1.9f * LevelAgo(pTiles->history, std::min(fAgo, 14.0f)) - 0.28f);
     }
     case LIGHT_TWINKLE: {
-        const float fPace = 0.4f + ChanceOfTile(iColumn, iRow, 0x5u);
+        // In steps of which every one comes round when the phase wraps.
+        const float fPace = (float)(26 + (int32_t)(ChanceOfTile(iColumn, iRow, 0x5u) * 64)) / 64;
         const float fWave = FoldUnit(WrapUnit(pTiles->fTwinkle * fPace + ChanceOfTile(iColumn, iRow, 0)));
         return EaseUnit((fWave - 1 + 0.9f * fLevel) * 2.5f + 0.3f * fLevel);
     }
