@@ -2,6 +2,7 @@
 #include "ArcShape.h"
 
 #include "../common/StockModule.h"
+#include "../common/StockPen.h"
 
 enum {
     CONTROL_RINGS,
@@ -63,7 +64,6 @@ static void AddMotionControls(Arcs *pArcs, const ControlMaker &maker)
 
 static void AddPenControls(Arcs *pArcs, const ControlMaker &maker)
 {
-    static const char16_t *const aszPaint[PAINT_MODES] = {u"Over", u"Lighten", u"Add"};
     ControlRecord **ap = pArcs->apControl;
     ap[CONTROL_THICKNESS] = AddFloat(maker, u"Pen\0Thickness\0", u"Of the arcs, in percent of the picture's height",
                                      {0.1f, 20}, {0.8f, 3}, 1.6f, FromSound(6));
@@ -73,8 +73,7 @@ static void AddPenControls(Arcs *pArcs, const ControlMaker &maker)
                                  {0.3f, 1}, 0.7f, FromWave(17000));
     ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How far the color moves on towards the outermost ring",
                                   {0, 2}, {0.2f, 0.9f}, 0.4f, FromPeriodic(8000));
-    ap[CONTROL_PAINT] = AddItemSelect(maker, u"Color\0Paint\0", u"How the pen meets what is there", pArcs->aPaintRow,
-                                      aszPaint, PAINT_OVER, FromFixed());
+    ap[CONTROL_PAINT] = AddPaintMode(maker, pArcs->aPaintRow, PAINT_OVER);
 }
 
 static void AddControls(Arcs *pArcs, const ControlMaker &maker)

@@ -2,6 +2,7 @@
 #include "RotorShape.h"
 
 #include "../common/StockModule.h"
+#include "../common/StockPen.h"
 
 enum {
     CONTROL_COPIES,
@@ -61,7 +62,6 @@ static void AddMotionControls(Rotor *pRotor, const ControlMaker &maker)
 
 static void AddPenControls(Rotor *pRotor, const ControlMaker &maker)
 {
-    static const char16_t *const aszPaint[PAINT_MODES] = {u"Over", u"Lighten", u"Add"};
     ControlRecord **ap = pRotor->apControl;
     ap[CONTROL_THICKNESS] = AddFloat(maker, u"Pen\0Thickness\0", u"Of the arm, in percent of the picture's height",
                                      {0.1f, 20}, {1.2f, 4.5f}, 2, FromSound(6));
@@ -75,8 +75,7 @@ static void AddPenControls(Rotor *pRotor, const ControlMaker &maker)
                                  {0.35f, 1}, 0.7f, FromWave(13000));
     ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How far the color moves on towards the tip", {0, 2},
                                   {0.1f, 0.7f}, 0.3f, FromPeriodic(7000));
-    ap[CONTROL_PAINT] = AddItemSelect(maker, u"Color\0Paint\0", u"How the pen meets what is there", pRotor->aPaintRow,
-                                      aszPaint, PAINT_OVER, FromFixed());
+    ap[CONTROL_PAINT] = AddPaintMode(maker, pRotor->aPaintRow, PAINT_OVER);
 }
 
 static void AddControls(Rotor *pRotor, const ControlMaker &maker)
