@@ -224,6 +224,16 @@ inline float HueOf(const Lab &c)
     return WrapTurns(c.b < 0 ? -fTurns : fTurns);
 }
 
+// ---- Light
+
+// Brightness above 1 lifts the middle, so that what is bright already does not go white. Contrast above 1 bends
+// the lightness into an S, below 1 back from it. Black and white stay.
+inline float LightenL(float L, float fBrightness, float fContrast)
+{
+    L = Limit(fBrightness > 1 ? L + (fBrightness - 1) * L * (1 - L) : L * fBrightness, 0, 1);
+    return Limit(L + (fContrast - 1) * (SmoothStep(L) - L), 0, 1);
+}
+
 // ---- Palettes
 
 // Writes colour i of the second palette.
