@@ -214,3 +214,24 @@ TEST_F(PaletteFile, ResamplingFollowsTheCurvesAndKeepsTheEnds)
         EXPECT_EQ(0u, InterpolatePalette(abKept, n));
     EXPECT_EQ(3, abKept[2]);
 }
+
+TEST_F(PaletteFile, ThePalettesThatShipAreLoopsFromBlackInAllFormats)
+{
+    std::set<std::string> headers;
+    const std::vector<std::u16string> aPath = ListFiles(FromUtf8(SOURCE_FOLDER) + u"/data/Palettes/*.*");
+    EXPECT_EQ(60u, aPath.size());
+    for (const std::u16string &path : aPath) {
+        SCOPED_TRACE(ToUtf8(path));
+        const Palette pal = Read(path);
+        ASSERT_TRUE(pal.bRead && pal.nColors > 0);
+        EXPECT_EQ(0u, pal.Color(0));
+        EXPECT_LT(std::max({pal.abRed[pal.nColors - 1], pal.abGreen[pal.nColors - 1], pal.abBlue[pal.nColors - 1]}),
+                  90);
+        EXPECT_GT(*std::max_element(pal.abGreen, pal.abGreen + pal.nColors), 200);
+        std::ifstream file(std::filesystem::path(path), std::ios::binary);
+        char ach[4] = {};
+        file.read(ach, 4);
+        headers.emplace(ach, 4);
+    }
+    EXPECT_EQ(3u, headers.size());
+}

@@ -3,7 +3,8 @@
 
 namespace {
 
-const float fEase = 0.5f; // seconds
+const float fEase = 0.5f;       // seconds
+const float fHardReach = 1e-4f; // of an edge, in bands
 
 struct Posterize {
     ControlRecord *pSteps, *pSoftness, *pLines, *pAmount;
@@ -60,9 +61,9 @@ Lab ColorInBands(const PosterSource &source, const Posterize *pPosterize, int32_
     const float fPlace = (float)i * (float)nBands / (float)source.nColors;
     const int32_t iBand = (int32_t)fPlace;
     const float fBeside = fPlace - (float)iBand - 0.5f; // -0.5 to 0.5, the edge at 0
-    const float fReach = std::fmax(0.5f * pPosterize->fSoftness, 1e-4f);
+    const float fReach = std::fmax(0.5f * pPosterize->fSoftness, fHardReach);
     const Lab c = MixLab(ColorOfBand(source, iBand, nBands), ColorOfBand(source, iBand + 1, nBands),
-                         SmoothStep(0.5f + 0.5f * fBeside / fReach));
+                         SmoothStep(0.5f + 0.5f * (fBeside + fHardReach) / fReach));
     const float fHalf = 0.5f * pPosterize->fLines, fRim = std::fmax(fReach * 0.5f, fHalf * 0.25f);
     const float fInk = fHalf > 0 ? 1 - SmoothStep((std::fabs(fBeside) - fHalf) / fRim + 0.5f) : 0;
     return {c.L * (1 - fInk), c.a * (1 - fInk), c.b * (1 - fInk)};

@@ -191,6 +191,21 @@ inline LinearRgb FitGamut(const Lab &c)
     return {Mix(fGrey, rgb.r, fShare), Mix(fGrey, rgb.g, fShare), Mix(fGrey, rgb.b, fShare)};
 }
 
+// The strongest chroma of a lightness and a hue that a screen can show.
+inline float GreatestChroma(float L, float fHue)
+{
+    const Lab unit = LabOfHue(L, 1, fHue);
+    float fLow = 0, fHigh = 0.4f;
+    for (int i = 0; i < 10; i++) {
+        const float fTry = (fLow + fHigh) * 0.5f;
+        if (InGamut(LightOfLab({L, unit.a * fTry, unit.b * fTry})))
+            fLow = fTry;
+        else
+            fHigh = fTry;
+    }
+    return fLow;
+}
+
 // A word of the colour table.
 inline uint32_t PixelOfLab(const CodeTables *pTables, const Lab &c)
 {
