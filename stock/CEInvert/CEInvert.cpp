@@ -42,6 +42,14 @@ void EaseControls(Invert *pInvert, float fSeconds)
     Glide(&pInvert->fLight, dwKind != INVERT_HUES ? 1 : 0, fSeconds, 0.5f);
 }
 
+// How far the light of colour i has gone over. The middle of the palette goes first: halfway between a palette and its
+// negative all would be equally gray.
+float ShareOfColor(float fAmount, int32_t i, int32_t nColors)
+{
+    const float fOrder = std::fabs(2 * (float)i / (float)nColors - 1);
+    return SmoothStep(2 * fAmount - fOrder);
+}
+
 // Hues go round the circle to their opposites: a straight way would lead through gray.
 void Change(Invert *pInvert, const PlaneInfo *, const CodeTables *pTables, const uint32_t *pFrom, uint32_t *pTo,
             int32_t nColors, float fSeconds)
@@ -49,10 +57,10 @@ void Change(Invert *pInvert, const PlaneInfo *, const CodeTables *pTables, const
     EaseControls(pInvert, fSeconds);
     const float fTurn = 0.5f * pInvert->fHues * pInvert->fAmount;
     const float fCosine = CosineOfTurns(fTurn), fSine = SineOfTurns(fTurn);
-    const float fNegative = pInvert->fLight * SmoothStep(pInvert->fAmount);
     const bool bKeepBlack = ReadBoolean(pInvert->pKeepBlack);
     for (int32_t i = 0; i < nColors; i++) {
         const Lab c = LabOfPixel(pTables, pFrom[i]);
+        const float fNegative = pInvert->fLight * ShareOfColor(pInvert->fAmount, i, nColors);
         const Lab cTurned = {Mix(c.L, 1 - c.L, fNegative), c.a * fCosine - c.b * fSine, c.a * fSine + c.b * fCosine};
         pTo[i] = PixelOfLab(pTables, bKeepBlack ? DarkenEnds(cTurned, i, nColors) : cTurned);
     }
