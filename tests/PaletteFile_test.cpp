@@ -173,7 +173,7 @@ TEST_F(PaletteFile, ARawPaletteIs768BytesOfSixBitsWithGreenFirst)
     EXPECT_EQ((763 * 7 & 63) * 4, pal.abGreen[255]) << "entry 255 comes from record 253";
     EXPECT_EQ(1u, ReadBytes(std::string(768, '\xFF')).bRead);
     EXPECT_EQ(0xFCFCFCu, ReadBytes(std::string(768, '\xFF')).Color(9)) << "eight bits are kept";
-    for (const size_t cb : {0, 3, 4, 7, 767, 769, 6153})
+    for (const size_t cb : {0u, 3u, 4u, 7u, 767u, 769u, 6153u})
         ExpectRefused(Ramp(cb));
     EXPECT_EQ(0u, Read(Write("long.pal", Ramp(100000))).bRead);
 }
@@ -193,7 +193,7 @@ TEST_F(PaletteFile, WhatIsNoFileIsRefusedAtOnce)
 TEST_F(PaletteFile, ResamplingFollowsTheCurvesAndKeepsTheEnds)
 {
     std::mt19937 random(5);
-    for (const size_t n : {1, 2, 3, 4, 17, 236, 256, 1000, 2047, 2048}) {
+    for (const size_t n : {1u, 2u, 3u, 4u, 17u, 236u, 256u, 1000u, 2047u, 2048u}) {
         std::vector<u8> a(n);
         for (u8 &b : a)
             b = static_cast<u8>(random());
