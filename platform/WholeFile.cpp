@@ -36,17 +36,29 @@ int ReadToEnd(int fd, u64 cbHint, u64 cbMax, std::string *psBytes)
     return 0;
 }
 
-int ReadRegularFile(const std::string &sPath, u64 cbMax, std::string *psBytes)
+// Opens a regular file; an error number otherwise.
+int OpenRegularFile(const std::string &sPath, int *pfd, u64 *pcb)
 {
-    const int fd = open(sPath.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0)
+    *pfd = open(sPath.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (*pfd < 0)
         return errno;
     struct stat st;
-    int nError = fstat(fd, &st) != 0 ? errno : S_ISREG(st.st_mode) ? 0 : EINVAL;
-    if (nError == 0 && static_cast<u64>(st.st_size) > cbMax)
-        nError = EFBIG;
-    if (nError == 0)
-        nError = ReadToEnd(fd, static_cast<u64>(st.st_size), cbMax, psBytes);
+    const int nError = fstat(*pfd, &st) != 0 ? errno : S_ISREG(st.st_mode) ? 0 : EINVAL;
+    if (nError != 0)
+        close(*pfd);
+    else
+        *pcb = static_cast<u64>(st.st_size);
+    return nError;
+}
+
+int ReadRegularFile(const std::string &sPath, u64 cbMax, std::string *psBytes)
+{
+    int fd;
+    u64 cb = 0;
+    int nError = OpenRegularFile(sPath, &fd, &cb);
+    if (nError != 0)
+        return nError;
+    nError = cb > cbMax ? EFBIG : ReadToEnd(fd, cb, cbMax, psBytes);
     close(fd);
     return nError;
 }
@@ -67,4 +79,25 @@ u32 ReadWholeFile(std::u16string_view path, u64 cbMax, std::string *psBytes, std
     else if (psWhy && nError != ENOENT)
         *psWhy = sPath + ": " + std::strerror(nError);
     return 0;
+}
+
+u32 ReadFileStart(std::u16string_view path, u64 cbMost, std::string *psBytes)
+{
+    int fd;
+    u64 cb = 0;
+    psBytes->clear();
+    if (OpenRegularFile(NativePath(path), &fd, &cb) != 0)
+        return 0;
+    psBytes->resize(cbMost);
+    cb = 0;
+    ssize_t cbRead = 1;
+    while (cbRead != 0 && cb < cbMost) {
+        cbRead = read(fd, psBytes->data() + cb, cbMost - cb);
+        if (cbRead < 0 && errno != EINTR)
+            break;
+        cb += cbRead > 0 ? static_cast<u64>(cbRead) : 0;
+    }
+    close(fd);
+    psBytes->resize(cbRead < 0 ? 0 : cb);
+    return cbRead >= 0;
 }

@@ -19,6 +19,7 @@ struct ColourModule {
     ModuleDrawFrameFn pfnDrawFrame = nullptr;
     ModuleResolveIndexedPlaneFn pfnResolve = nullptr;
     ModuleCleanUpFn pfnCleanUp = nullptr, pfnDestroy = nullptr;
+    uint32_t dwResult = 0; // of the last ModuleDrawFrame
 };
 
 inline thread_local ColourModule *pModuleInTheMaking = nullptr;
@@ -114,7 +115,7 @@ class ColourHost {
         context.qwTick += nElapsedMs;
         for (auto &pModule : apModule)
             if (pModule.get() != pPaused)
-                pModule->pfnDrawFrame(pModule->pvContext, &plane);
+                pModule->dwResult = pModule->pfnDrawFrame(pModule->pvContext, &plane);
         if (!apModule.empty())
             apModule[0]->pfnResolve(apModule[0]->pvContext, &plane, plane.bIndexed ? &resolved : nullptr);
     }

@@ -5,9 +5,6 @@
 
 namespace {
 
-const uint32_t nLongestFrameMs = 1000; // a longer gap counts as this: nothing leaps after a pause
-const uint64_t nYoungMs = 500;         // a reset this soon after the start may still change the first palette
-
 const char16_t *const aszHarmony[HARMONY_COUNT] = {u"Any",       u"One hue",         u"Neighboring hues",
                                                    u"Opposites", u"Split opposites", u"Three corners"};
 
@@ -53,66 +50,20 @@ BreedWish ReadWish(const BreedControls &ctl)
             ReadFloat(ctl.pAttraction)};
 }
 
-// A beat that moved since the last look; its absence is believed after a while.
-void LookForInterpolator(Breed *pBreed, const PlaneInfo *ppi)
-{
-    const PaletteDesk desk = ReadDesk(ppi->pPaletteInfo);
-    const uint64_t qwTick = ppi->hdc->qwTick;
-    if (desk.dwMark && desk.nBeat != pBreed->nBeatSeen) {
-        pBreed->nBeatSeen = desk.nBeat;
-        pBreed->qwBeatTick = qwTick;
-        pBreed->bPaced = true;
-    } else if (!desk.dwMark || qwTick - pBreed->qwBeatTick > PALETTE_PATIENCE_MS) {
-        pBreed->bPaced = false;
-    }
-}
-
-// Fills both palettes of a plane that has none, or none that was seen for more than a moment.
-void InstallFirstPalette(Breed *pBreed, PlaneInfo *ppi)
-{
-    BreedSecondPalette(pBreed, ppi->pPaletteInfo);
-    KeepSecondPalette(ppi->pPaletteInfo);
-    if (!pBreed->bInstalled)
-        pBreed->qwInstallTick = ppi->hdc->qwTick;
-    pBreed->bInstalled = true;
-    pBreed->bOfferDue = false;
-}
-
-bool PlaneIsFresh(const Breed *pBreed, const PlaneInfo *ppi)
-{
-    if (TransitionUnderWay(ppi->pPaletteInfo))
-        return false;
-    if (ReadSizes(ppi->pPaletteInfo).nColors1 == 0)
-        return true;
-    return pBreed->bInstalled && ppi->hdc->qwTick - pBreed->qwInstallTick < nYoungMs;
-}
-
-// Answers a request; also the unasked offer after a reset. A transition under way keeps its palettes.
-void ServeInterpolator(Breed *pBreed, PaletteInfo *pInfo)
-{
-    const PaletteDesk desk = ReadDesk(pInfo);
-    PaletteOffer offer = ReadOffer(pInfo);
-    if (!TransitionUnderWay(pInfo) && (pBreed->bOfferDue || desk.nWanted != offer.nServed)) {
-        BreedSecondPalette(pBreed, pInfo);
-        pBreed->bOfferDue = false;
-        offer.nServed = desk.nWanted;
-        offer.nOffered++;
-    }
-    WriteOffer(pInfo, offer);
-}
-
-} // namespace
-
-void BreedSecondPalette(Breed *pBreed, PaletteInfo *pInfo)
+// Breeds as the controls say, into the second palette of the block.
+bool BreedSecondPalette(Breed *pBreed, PaletteInfo *pInfo)
 {
     const GrownPalette palette = BreedPalette(&pBreed->stable, &pBreed->random, ReadWish(pBreed->ctl));
     const int32_t nColors = ReadInteger(pBreed->ctl.pColors) > 0 ? ReadInteger(pBreed->ctl.pColors) : 1;
     for (int32_t i = 0; i < nColors; i++) {
         const Lab c = ColorAt(palette, (float)i / (float)nColors);
-        WriteSecondColor(pInfo, i, i ? PixelOfLab(&pBreed->codes, c) : 0);
+        WriteSecondColor(pInfo, i, i ? PixelOfLab(&pBreed->generator.codes, c) : 0);
     }
     WriteSizes(pInfo, ReadSizes(pInfo).nColors1, nColors);
+    return true;
 }
+
+} // namespace
 
 void ModuleGetDescription(ModuleDescription *pmd)
 {
@@ -126,7 +77,7 @@ void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn 
     *ppvContext = pBreed;
     if (!pBreed)
         return;
-    MakeCodeTables(&pBreed->codes);
+    MakeCodeTables(&pBreed->generator.codes);
     const ControlMaker maker = {pfnAllocControl, pnControls};
     AddPaletteControls(&pBreed->ctl, maker);
     AddBreedingControls(&pBreed->ctl, maker);
@@ -135,10 +86,8 @@ void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn 
 void ModulePreInitialize(void *pvContext, PlaneInfo *)
 {
     Breed *pBreed = (Breed *)pvContext;
-    if (pBreed) {
-        pBreed->solo = {};
-        pBreed->bPaced = false;
-    }
+    if (pBreed)
+        PrepareGenerator(&pBreed->generator);
 }
 
 void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
@@ -147,14 +96,8 @@ void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
     if (!pBreed || !ppi->pPaletteInfo)
         return;
     pBreed->random = {ppi->hdc->qwSeed};
-    pBreed->clock = {};
     FoundStable(&pBreed->stable, &pBreed->random);
-    LookForInterpolator(pBreed, ppi);
-    if (PlaneIsFresh(pBreed, ppi))
-        InstallFirstPalette(pBreed, ppi);
-    else
-        pBreed->bOfferDue = true;
-    WriteOffer(ppi->pPaletteInfo, ReadOffer(ppi->pPaletteInfo));
+    StartGenerator(&pBreed->generator, ppi, [=](PaletteInfo *pInfo) { return BreedSecondPalette(pBreed, pInfo); });
 }
 
 uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
@@ -162,14 +105,8 @@ uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
     Breed *pBreed = (Breed *)pvContext;
     if (!pBreed || !ppi->pPaletteInfo || !ppi->lpColorTable)
         return 0;
-    const uint32_t nElapsedMs = ElapsedMs(&pBreed->clock, ppi->hdc->qwTick, nLongestFrameMs);
-    LookForInterpolator(pBreed, ppi);
-    if (pBreed->bPaced) {
-        pBreed->solo = {};
-        ServeInterpolator(pBreed, ppi->pPaletteInfo);
-    } else {
-        RunSolo(pBreed, ppi, nElapsedMs);
-    }
+    RunGenerator(&pBreed->generator, ppi, (double)ReadFloat(pBreed->ctl.pLifetime) * 1000,
+                 [=](PaletteInfo *pInfo) { return BreedSecondPalette(pBreed, pInfo); });
     return 0;
 }
 

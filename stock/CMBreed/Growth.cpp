@@ -25,20 +25,6 @@ float HueOfCrest(const Genome &genome, uint32_t dwHarmony, int32_t i)
     return WrapTurns(genome.fBaseHue + fScheme + crest.fStray * fStrayTurns);
 }
 
-float GreatestChroma(float L, float fHue)
-{
-    const Lab unit = LabOfHue(L, 1, fHue);
-    float fLow = 0, fHigh = 0.4f;
-    for (int i = 0; i < 10; i++) {
-        const float fTry = (fLow + fHigh) * 0.5f;
-        if (InGamut(LightOfLab({L, unit.a * fTry, unit.b * fTry})))
-            fLow = fTry;
-        else
-            fHigh = fTry;
-    }
-    return fLow;
-}
-
 // The lightness at which a hue is strongest on a screen: 0.45 for blue, 0.97 for yellow.
 float LightOfStrongest(float fHue)
 {

@@ -145,14 +145,6 @@ void SoftenColors(Shift *pShift, int32_t nColors)
 
 // ---- Light
 
-// Brightness above 1 lifts the middle, so that what is bright already does not go white. Contrast above 1 bends
-// the lightness into an S, below 1 back from it. Black and white stay.
-float LightenL(float L, float fBrightness, float fContrast)
-{
-    L = Limit(fBrightness > 1 ? L + (fBrightness - 1) * L * (1 - L) : L * fBrightness, 0, 1);
-    return Limit(L + (fContrast - 1) * (SmoothStep(L) - L), 0, 1);
-}
-
 void WriteTable(Shift *pShift, uint32_t *pTable, int32_t nColors)
 {
     const float fBrightness = ReadFloat(pShift->ctl.pBrightness), fContrast = ReadFloat(pShift->ctl.pContrast);

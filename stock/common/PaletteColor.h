@@ -191,6 +191,21 @@ inline LinearRgb FitGamut(const Lab &c)
     return {Mix(fGrey, rgb.r, fShare), Mix(fGrey, rgb.g, fShare), Mix(fGrey, rgb.b, fShare)};
 }
 
+// The strongest chroma of a lightness and a hue that a screen can show.
+inline float GreatestChroma(float L, float fHue)
+{
+    const Lab unit = LabOfHue(L, 1, fHue);
+    float fLow = 0, fHigh = 0.4f;
+    for (int i = 0; i < 10; i++) {
+        const float fTry = (fLow + fHigh) * 0.5f;
+        if (InGamut(LightOfLab({L, unit.a * fTry, unit.b * fTry})))
+            fLow = fTry;
+        else
+            fHigh = fTry;
+    }
+    return fLow;
+}
+
 // A word of the colour table.
 inline uint32_t PixelOfLab(const CodeTables *pTables, const Lab &c)
 {
@@ -222,6 +237,16 @@ inline float HueOf(const Lab &c)
     fTurns = fB > fA ? 0.25f - fTurns : fTurns;
     fTurns = c.a < 0 ? 0.5f - fTurns : fTurns;
     return WrapTurns(c.b < 0 ? -fTurns : fTurns);
+}
+
+// ---- Light
+
+// Brightness above 1 lifts the middle, so that what is bright already does not go white. Contrast above 1 bends
+// the lightness into an S, below 1 back from it. Black and white stay.
+inline float LightenL(float L, float fBrightness, float fContrast)
+{
+    L = Limit(fBrightness > 1 ? L + (fBrightness - 1) * L * (1 - L) : L * fBrightness, 0, 1);
+    return Limit(L + (fContrast - 1) * (SmoothStep(L) - L), 0, 1);
 }
 
 // ---- Palettes

@@ -23,6 +23,8 @@
 //   - A second palette that changed between two transitions without an offer counts as one. Without a mark at
 //     PaletteSizes the size is PlaneInfo.nColors.
 //
+// Colour effects come after both and change the table alone (ColorEffect.h). PaletteGenerator.h is the generator's side.
+//
 // A palette is a loop: the last colour leads back to the first. Colour 0 is what an empty plane shows and is
 // black, so that an empty place adds nothing where planes are blended.
 #ifndef VORTICADE_PALETTE_PROTOCOL_H

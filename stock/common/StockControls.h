@@ -9,6 +9,7 @@
 #include "module.h"
 
 #include <cstring>
+#include <string_view>
 
 #define STOCK_BUILD u"1.0"
 #define STOCK_SOURCES_ALL (FLUIDSOURCE_FIXED | FLUIDSOURCE_RANDOM | FLUIDSOURCE_ANIMATED)
@@ -157,6 +158,18 @@ inline ControlRecord *AddItemSelect(const ControlMaker &maker, const char16_t (&
     return pctl;
 }
 
+// pszFileType: what the list holds, see ControlFileSelect; a text that outlives the instance.
+template <size_t nName, size_t nText>
+inline ControlRecord *AddFileSelect(const ControlMaker &maker, const char16_t (&szName)[nName],
+                                    const char16_t (&szDescription)[nText], const char16_t *pszFileType)
+{
+    ControlRecord *pctl =
+        AddControl(maker, CONTROLTYPE_FILESELECT, szName, szDescription, FromFixed(), FLUIDSOURCE_FIXED);
+    if (pctl)
+        pctl->FileSelect.pszFileType = pszFileType;
+    return pctl;
+}
+
 // pctl shows as active only while pOn compares so with the comparand (fComparand for a float).
 inline void SetDependsOn(ControlRecord *pctl, ControlRecord *pOn, uint32_t dwDependOp, float fComparand)
 {
@@ -208,6 +221,15 @@ inline uint32_t ReadItem(const ControlRecord *pctl)
         return 0;
     const ControlItemSelect &item = pctl->ItemSelect;
     return item.nCurrentItemValue < item.nItems ? item.nCurrentItemValue : item.nDefaultItemValue;
+}
+
+// The file of the moment; empty if there is none.
+inline std::u16string_view ReadFileName(const ControlRecord *pctl)
+{
+    if (!pctl)
+        return {};
+    const std::u16string_view field(pctl->FileSelect.szCurrentFile, CONTROL_TEXT);
+    return field.substr(0, field.find(u'\0'));
 }
 
 // ---- Chance: the splitmix64 sequence (Steele, Lea, Flood), the same on every machine
