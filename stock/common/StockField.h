@@ -120,7 +120,7 @@ inline GridPlace PlaceOfRow(const FieldGrid &grid, int32_t iRow)
 {
     const float fUnit = (float)std::min(grid.nWidth, grid.nHeight);
     return {-0.5f * (float)grid.nWidth / fUnit, (float)(1 << grid.nCellBits) / fUnit,
-            ((float)(iRow << grid.nCellBits) - 0.5f * (float)grid.nHeight) / fUnit};
+            ((float)(iRow * (1 << grid.nCellBits)) - 0.5f * (float)grid.nHeight) / fUnit};
 }
 
 // ---- From the grid to the picture
