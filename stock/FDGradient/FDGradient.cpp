@@ -110,13 +110,10 @@ static void EaseLook(GradientLook *pLook, const GradientLook &target, float fSec
 
 static void Start(Gradient *pGradient, PlaneInfo *ppi)
 {
+    if (pGradient->clock.clock.bStarted) // a reset: the old shape melts into the new one
+        return;
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
-    // After a reset the old shape melts into the new one.
-    const GradientLook kept = pGradient->look;
-    const bool bFirst = !pGradient->clock.clock.bStarted;
     pGradient->look = ReadLook(pGradient);
-    if (!bFirst)
-        std::copy_n(kept.afShape, SHAPES, pGradient->look.afShape);
     pGradient->fFlow = ReadFloat(pGradient->apControl[CONTROL_FLOW]);
     for (float &fPhase : pGradient->afPath)
         fPhase = RandomUnit(&random);

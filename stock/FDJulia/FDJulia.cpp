@@ -99,8 +99,9 @@ static void Follow(Julia *pJulia, float fSeconds)
 
 static void Start(Julia *pJulia, PlaneInfo *ppi)
 {
+    if (pJulia->clock.clock.bStarted) // a reset: the journey goes on
+        return;
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
-    pJulia->clock = {};
     pJulia->fWay = RandomUnit(&random);
     pJulia->fSway = RandomUnit(&random);
     pJulia->fSpun = RandomUnit(&random);

@@ -104,13 +104,11 @@ static void EaseLook(NoiseLook *pLook, const NoiseLook &target, float fSeconds)
 
 static void Start(Noise *pNoise, PlaneInfo *ppi)
 {
-    StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
-    const NoiseLook kept = pNoise->look;
-    pNoise->look = ReadLook(pNoise);
     if (pNoise->clock.clock.bStarted) // a reset: the old style turns into the new one
-        std::copy_n(kept.afStyle, NOISE_STYLES, pNoise->look.afStyle);
-    else
-        SeedNoise(&pNoise->motion, &random);
+        return;
+    StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
+    pNoise->look = ReadLook(pNoise);
+    SeedNoise(&pNoise->motion, &random);
     pNoise->dwGrainFrame = (uint32_t)NextRandom(&random);
     pNoise->fPlace = ReadFloat(pNoise->apControl[CONTROL_PLACE]);
     pNoise->fSpread = ReadFloat(pNoise->apControl[CONTROL_SPREAD]);

@@ -94,8 +94,9 @@ static void EaseLook(PlasmaLook *pLook, const PlasmaLook &target, float fSeconds
 
 static void Start(Plasma *pPlasma, PlaneInfo *ppi)
 {
+    if (pPlasma->clock.clock.bStarted) // a reset: the waves glide into the new values
+        return;
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
-    pPlasma->clock = {};
     pPlasma->look = ReadLook(pPlasma);
     pPlasma->fSpeed = ReadFloat(pPlasma->apControl[CONTROL_SPEED]);
     // Neighbours in the sum cross at a wide angle.
