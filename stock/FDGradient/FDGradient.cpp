@@ -181,8 +181,8 @@ static inline float BandOf(const GradientTerms &t, float x, float y)
 }
 
 // Adds what a pole says, by how near it is; pfSum and pfWeight grow.
-FIELD_CLONES static void AddPole(const GradientTerms &given, int32_t iPole, GridPlace place, int32_t n,
-                                 float *__restrict pfSum, float *__restrict pfWeight)
+STOCK_WIDE static void AddPole(const GradientTerms &given, int32_t iPole, GridPlace place, int32_t n,
+                               float *__restrict pfSum, float *__restrict pfWeight)
 {
     const GradientTerms terms = given;
     const Pole pole = terms.aPole[iPole];

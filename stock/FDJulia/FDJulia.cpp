@@ -206,7 +206,7 @@ static inline bool AllEscaped(const JuliaBatch &b)
 }
 
 // Numbers of a row that begins at z. Outside the count runs from 0 at infinity to 0.8 at the border.
-FIELD_CLONES static void FillRow(const JuliaView &given, Complex z, int32_t n, float *pfValue)
+STOCK_WIDE static void FillRow(const JuliaView &given, Complex z, int32_t n, float *pfValue)
 {
     const JuliaView view = given;
     JuliaBatch b;

@@ -66,7 +66,7 @@ static inline bool AllEscaped(const PointBatch &b)
 }
 
 // Iterates a batch; returns the steps that it took.
-FIELD_CLONES static int32_t RunBatch(PointBatch *pBatch, int32_t nIterations)
+STOCK_WIDE static int32_t RunBatch(PointBatch *pBatch, int32_t nIterations)
 {
     PointBatch b = *pBatch;
     int32_t nSteps = 0;
@@ -147,8 +147,8 @@ bool PrepareView(KeyframeView *pView, const Keyframe &keyframe, const Canvas &ca
     return true;
 }
 
-FIELD_CLONES static void MixRows(const float *pfBelow, const float *pfAbove, float fShare, int32_t n,
-                                 float *__restrict pf)
+STOCK_WIDE static void MixRows(const float *pfBelow, const float *pfAbove, float fShare, int32_t n,
+                               float *__restrict pf)
 {
     for (int32_t i = 0; i < n; i++)
         pf[i] = pfBelow[i] + (pfAbove[i] - pfBelow[i]) * fShare;

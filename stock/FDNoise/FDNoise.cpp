@@ -137,7 +137,7 @@ static void Move(Noise *pNoise, float fSeconds)
 }
 
 // Mixes the steps of a row with white noise.
-FIELD_CLONES static void AddGrain(uint16_t *pnSteps, int32_t nPixels, uint32_t dwRow, uint32_t nShare256)
+STOCK_WIDE static void AddGrain(uint16_t *pnSteps, int32_t nPixels, uint32_t dwRow, uint32_t nShare256)
 {
     for (int32_t i = 0; i < nPixels; i++) {
         uint32_t h = (dwRow + (uint32_t)i) * 0x9E3779B1u;

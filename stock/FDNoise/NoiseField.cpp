@@ -98,8 +98,8 @@ static LatticeRow RowOf(double y, double t, uint32_t dwSeed)
             (float)(y - yWhole), (float)(t - tWhole)};
 }
 
-FIELD_CLONES static void MixLattice(const float *pfHeight, const float *pfSlope, float x, float xStep, int32_t n,
-                                    float fWeight, float *__restrict pfSum)
+STOCK_WIDE static void MixLattice(const float *pfHeight, const float *pfSlope, float x, float xStep, int32_t n,
+                                  float fWeight, float *__restrict pfSum)
 {
     for (int32_t i = 0; i < n; i++) {
         const float f = x + (float)i * xStep;
@@ -166,7 +166,7 @@ static void FillOctaves(const NoiseLook &look, const NoiseMotion &motion, const 
 }
 
 // Hills and valleys to numbers 0 to 1, by style.
-FIELD_CLONES static void StyleRow(const NoiseLook &given, float *__restrict pf, int32_t n)
+STOCK_WIDE static void StyleRow(const NoiseLook &given, float *__restrict pf, int32_t n)
 {
     const float fClouds = given.afStyle[NOISE_CLOUDS], fBillows = given.afStyle[NOISE_BILLOWS];
     const float fVeins = given.afStyle[NOISE_VEINS];
@@ -178,8 +178,8 @@ FIELD_CLONES static void StyleRow(const NoiseLook &given, float *__restrict pf, 
 }
 
 // Fetches a row from where the bends point, between four vertices of the wide noise.
-FIELD_CLONES static void FetchRow(const NoiseLayers &given, int32_t iRow, float fReach, int32_t n,
-                                  float *__restrict pfValue)
+STOCK_WIDE static void FetchRow(const NoiseLayers &given, int32_t iRow, float fReach, int32_t n,
+                                float *__restrict pfValue)
 {
     const NoiseLayers layers = given;
     const float *pxBend = layers.pfBend, *pyBend = layers.pfBend + n;

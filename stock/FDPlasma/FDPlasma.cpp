@@ -184,8 +184,8 @@ static inline void AddRing(PlasmaTerm ring, const float *px, const float *py, in
 }
 
 // The sum at each place, squeezed into 0 to 1.
-FIELD_CLONES static void SumTerms(const PlasmaTerms &terms, const float *px, const float *py, int32_t n,
-                                  float *__restrict pfSum)
+STOCK_WIDE static void SumTerms(const PlasmaTerms &terms, const float *px, const float *py, int32_t n,
+                                float *__restrict pfSum)
 {
     std::fill_n(pfSum, n, 0.0f);
     for (const PlasmaTerm &wave : terms.aWave)
@@ -202,8 +202,8 @@ FIELD_CLONES static void SumTerms(const PlasmaTerms &terms, const float *px, con
 }
 
 // Places of a row of vertices, turned and bent.
-FIELD_CLONES static void BendRow(const Plasma &plasma, const PlasmaTerms &terms, GridPlace place, int32_t n,
-                                 float *__restrict px, float *__restrict py)
+STOCK_WIDE static void BendRow(const Plasma &plasma, const PlasmaTerms &terms, GridPlace place, int32_t n,
+                               float *__restrict px, float *__restrict py)
 {
     const float fWarp = plasma.look.fWarp, fCosine = terms.fCosine, fSine = terms.fSine;
     const float af[4] = {plasma.afWarp[0], plasma.afWarp[1], plasma.afWarp[2], plasma.afWarp[3]};

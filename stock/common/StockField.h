@@ -6,15 +6,9 @@
 #define VORTICADE_STOCK_FIELD_H
 
 #include "StockDrawing.h"
+#include "StockWide.h"
 
 #include <cstdlib>
-
-// Marks a function whose loops are compiled for newer processors too. Both forms give the same bytes.
-#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !defined(__clang__)
-#define FIELD_CLONES __attribute__((target_clones("avx2", "default")))
-#else
-#define FIELD_CLONES
-#endif
 
 // ---- From numbers to pixels
 
