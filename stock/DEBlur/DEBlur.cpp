@@ -25,7 +25,6 @@ MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
 static void AddControls(Blur *pBlur, const ControlMaker &maker)
 {
     static const char16_t *const aszShape[SHAPES] = {u"Box", u"Soft"};
-    static const char16_t *const aszUnfolds[UNFOLDS_MODES] = {u"Over a second", u"At once"};
     static const char16_t *const aszMix[MIXES] = {u"Replace", u"Lighten", u"Darken"};
     ControlRecord **ap = pBlur->apControl;
     ap[CONTROL_RADIUS] =
@@ -35,9 +34,7 @@ static void AddControls(Blur *pBlur, const ControlMaker &maker)
                                    {-0.6f, 0.6f}, 0, FromWave(19000));
     ap[CONTROL_SHAPE] = AddItemSelect(maker, u"Blur\0Shape\0", u"Box is quick; Soft has no edges", pBlur->aShapeRow,
                                       aszShape, SHAPE_BOX, FromFixed());
-    ap[CONTROL_UNFOLDS] = AddItemSelect(maker, u"Blur\0Unfolds\0",
-                                        u"Over a second for trails that stay, at once for a picture that is drawn anew",
-                                        pBlur->aUnfoldsRow, aszUnfolds, UNFOLDS_IN_TIME, FromFixed());
+    ap[CONTROL_UNFOLDS] = AddUnfolds(maker, u"Blur\0Unfolds\0", pBlur->aUnfoldsRow);
     ap[CONTROL_AMOUNT] = AddFloat(maker, u"Mix\0Amount\0", u"How much of the sharp picture gives way", {0, 1},
                                   {0.6f, 1}, 1, FromWave(27000));
     ap[CONTROL_MIX] = AddItemSelect(maker, u"Mix\0How\0", u"Lighten keeps what is brighter, Darken what is darker",

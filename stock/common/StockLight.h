@@ -14,11 +14,29 @@ inline bool IsFreshPicture(const PlaneInfo *ppi)
 
 enum { UNFOLDS_IN_TIME, UNFOLDS_AT_ONCE, UNFOLDS_MODES };
 
+// aRows: UNFOLDS_MODES rows of the instance.
+template <size_t nName>
+inline ControlRecord *AddUnfolds(const ControlMaker &maker, const char16_t (&szName)[nName],
+                                 ItemSelectRow (&aRows)[UNFOLDS_MODES])
+{
+    static const char16_t *const aszText[UNFOLDS_MODES] = {u"In time", u"At once"};
+    return AddItemSelect(maker, szName,
+                         u"In time: over a second, for trails that stay. At once: for a picture that is drawn anew in "
+                         u"every frame; overlays and post-processing always are",
+                         aRows, aszText, UNFOLDS_IN_TIME, FromFixed());
+}
+
 // How much of a second's work an effect does in this drawing: the step on a picture that it meets again, all of it
 // on one that is new in every frame.
 inline float UnfoldSeconds(const PlaneInfo *ppi, uint32_t dwUnfolds, float fStepSeconds)
 {
     return dwUnfolds == UNFOLDS_AT_ONCE || IsFreshPicture(ppi) ? 1 : fStepSeconds;
+}
+
+// A share that is to be reached after a second: what one drawing has to do for it.
+inline float UnfoldShare(float fShare, float fUnfoldSeconds)
+{
+    return fUnfoldSeconds == 1 ? fShare : 1 - std::pow(1 - std::min(fShare, 0.999f), fUnfoldSeconds);
 }
 
 // ---- Rounding pattern: the sequence of the plastic number in two dimensions, another one in every frame. Rounded
