@@ -59,28 +59,33 @@ static void Start(Blur *pBlur, PlaneInfo *)
 // ---- One row: the sharp one and the blurred one become the new one
 
 struct RowMix {
-    uint32_t dwMix, dwAmount; // 0 to 256
+    uint32_t dwMix;
+    uint32_t dwAmount; // in 1/256
     uint8_t bRounding;
 };
 
-template <typename Value> static inline Value MixValue(Value sharp, Value blurred, const RowMix &mix, uint8_t bPattern)
+template <typename Value> static inline Value MixValue(Value sharp, Value blurred, const RowMix &mix)
 {
-    const Value low = std::min(sharp, blurred), high = std::max(sharp, blurred);
+    const Value low = sharp < blurred ? sharp : blurred, high = sharp < blurred ? blurred : sharp;
     const Value other = mix.dwMix == MIX_LIGHTEN ? high : mix.dwMix == MIX_DARKEN ? low : blurred;
-    return (Value)((sharp * (256 - mix.dwAmount) + other * mix.dwAmount + bPattern) >> 8);
+    const Value sharpWeight = (Value)(256 - mix.dwAmount), otherWeight = (Value)mix.dwAmount;
+    return (Value)((Value)(sharp * sharpWeight + other * otherWeight + mix.bRounding) >> 8);
 }
 
-STOCK_WIDE static void MixColorRow(const uint8_t *pbBlurred, int32_t nPixels, const RowMix &mix, uint8_t *pbRow)
+STOCK_WIDE static void MixColorRow(const uint8_t *pbBlurred, int32_t nPixels, const RowMix mix,
+                                   uint8_t *__restrict pbRow)
 {
-    for (int32_t i = 0; i < nPixels * 4; i++)
-        pbRow[i] = (i & 3) == 3 ? pbRow[i] : MixValue(pbRow[i], pbBlurred[i], mix, mix.bRounding);
+    for (int32_t i = 0; i < nPixels * 4; i++) {
+        const uint8_t bNew = (uint8_t)MixValue((uint16_t)pbRow[i], (uint16_t)pbBlurred[i], mix);
+        pbRow[i] = (i & 3) == 3 ? pbRow[i] : bNew;
+    }
 }
 
-STOCK_WIDE static void MixIndexRow(const uint32_t *pdwBlurred, int32_t nPixels, const RowMix &mix, uint32_t dwTop,
-                                   uint32_t *pdwRow)
+STOCK_WIDE static void MixIndexRow(const uint32_t *pdwBlurred, int32_t nPixels, const RowMix mix, uint32_t dwTop,
+                                   uint32_t *__restrict pdwRow)
 {
     for (int32_t i = 0; i < nPixels; i++)
-        pdwRow[i] = MixValue(std::min(pdwRow[i], dwTop), pdwBlurred[i], mix, mix.bRounding);
+        pdwRow[i] = MixValue(pdwRow[i] < dwTop ? pdwRow[i] : dwTop, pdwBlurred[i], mix);
 }
 
 STOCK_WIDE static void ReplaceColorRow(const uint32_t *pdwBlurred, int32_t nPixels, uint32_t *pdwRow)
