@@ -166,11 +166,39 @@ inline void PutCell(const CellGrid &grid, int32_t x, int32_t y, uint8_t bState)
     MovedRow(grid, y)[x] = 0;
 }
 
-inline void FillCellsWithNoise(const CellGrid &grid, StockRandom *pRandom, uint8_t bStates)
+// The state at an angle around the core of a spiral, for both rules: all states, once around.
+inline uint8_t StateAround(float fUp, float fAcross, float fTurn, float fSense, uint8_t bStates)
 {
+    const float fAngle = fSense * std::atan2(fUp, fAcross) * 0.15915494f + fTurn;
+    const int32_t nState = (int32_t)((fAngle - std::floor(fAngle)) * (float)bStates);
+    return (uint8_t)(nState < bStates ? nState : 0);
+}
+
+#define CORES 12
+
+// Every cell belongs to the nearest of some cores: the grid is full of spirals from the first generation on.
+inline void FillCells(const CellGrid &grid, StockRandom *pRandom, uint8_t bStates)
+{
+    float axCore[CORES], ayCore[CORES], afTurn[CORES];
+    for (int32_t i = 0; i < CORES; i++) {
+        axCore[i] = RandomUnit(pRandom) * (float)grid.nColumns;
+        ayCore[i] = RandomUnit(pRandom) * (float)grid.nRows;
+        afTurn[i] = RandomUnit(pRandom);
+    }
     for (int32_t y = 0; y < grid.nRows; y++)
-        for (int32_t x = 0; x < grid.nColumns; x++)
-            PutCell(grid, x, y, (uint8_t)RandomBelow(pRandom, bStates));
+        for (int32_t x = 0; x < grid.nColumns; x++) {
+            int32_t iNearest = 0;
+            float fNearest = INFINITY;
+            for (int32_t i = 0; i < CORES; i++) {
+                const float fAcross = (float)x - axCore[i], fUp = (float)y - ayCore[i];
+                const float fDistance = fAcross * fAcross + fUp * fUp;
+                iNearest = fDistance < fNearest ? i : iNearest;
+                fNearest = fDistance < fNearest ? fDistance : fNearest;
+            }
+            PutCell(grid, x, y,
+                    StateAround((float)y - ayCore[iNearest], (float)x - axCore[iNearest], afTurn[iNearest],
+                                iNearest & 1 ? 1.0f : -1.0f, bStates));
+        }
 }
 
 // Fewer states than before: those beyond the last one start over.
@@ -182,7 +210,7 @@ inline void LimitCells(const CellGrid &grid, uint8_t bStates)
                 PutCell(grid, x, y, 0);
 }
 
-// A disc on which the states run once around the middle: the core of a spiral under either rule.
+// The core of a spiral in a disc.
 inline void PutSeed(const CellGrid &grid, StockRandom *pRandom, float fRadius, uint8_t bStates)
 {
     const int32_t xMiddle = (int32_t)RandomBelow(pRandom, (uint32_t)grid.nColumns);
@@ -193,11 +221,9 @@ inline void PutSeed(const CellGrid &grid, StockRandom *pRandom, float fRadius, u
         for (int32_t xOff = -nRadius; xOff <= nRadius; xOff++) {
             if ((float)(xOff * xOff + yOff * yOff) > fRadius * fRadius)
                 continue;
-            const float fAngle = fSense * std::atan2((float)yOff, (float)xOff) * 0.15915494f + fTurn;
-            const int32_t nState = (int32_t)((fAngle - std::floor(fAngle)) * (float)bStates);
             const int32_t x = ((xMiddle + xOff) % grid.nColumns + grid.nColumns) % grid.nColumns;
             const int32_t y = ((yMiddle + yOff) % grid.nRows + grid.nRows) % grid.nRows;
-            PutCell(grid, x, y, (uint8_t)(nState < bStates ? nState : 0));
+            PutCell(grid, x, y, StateAround((float)yOff, (float)xOff, fTurn, fSense, bStates));
         }
 }
 

@@ -34,8 +34,8 @@ struct Automaton {
     DrawClock clock;
     StockRandom random;
     CellGrid grid;
-    float fGeneration, fSeedsDue; // parts of the next one
-    float fAmount;                // eased
+    float fGeneration, fSeedsDue, fFeedDue; // parts of the next one
+    float fAmount;                          // eased
     uint32_t nAsleep, nFrame;
     int32_t nWidth;      // what the blocks below are for
     CellPlace *pColumns; // for each column of the picture
@@ -58,11 +58,11 @@ static void AddRuleControls(Automaton *pAutomaton, const ControlMaker &maker)
         maker, u"Rule\0Rule\0", u"Cyclic: states push the one before them. Excitable: waves run over cells at rest",
         pAutomaton->aRuleRow, aszRule, RULE_CYCLIC, FromFixed());
     ap[CONTROL_NEIGHBOURS] = AddItemSelect(maker, u"Rule\0Neighbours\0", u"Cells that a cell looks at",
-                                           pAutomaton->aNeighboursRow, aszNeighbours, NEIGHBOURS_8, FromFixed());
+                                           pAutomaton->aNeighboursRow, aszNeighbours, NEIGHBOURS_24, FromFixed());
     ap[CONTROL_STATES] = AddInteger(maker, u"Rule\0States\0", u"Steps from the beginning of the palette to its end",
-                                    {3, CELL_STATES_MOST}, {9, 16}, 12, FromRandom());
+                                    {3, CELL_STATES_MOST}, {8, 14}, 12, FromRandom());
     ap[CONTROL_THRESHOLD] = AddInteger(maker, u"Rule\0Threshold\0", u"Neighbours that it takes to push a cell on",
-                                       {1, 8}, {1, 3}, 1, FromFixed());
+                                       {1, 8}, {2, 4}, 3, FromFixed());
     ap[CONTROL_SPEED] =
         AddFloat(maker, u"Rule\0Speed\0", u"Generations in a second", {0, 120}, {6, 26}, 14, FromSound(10));
 }
@@ -72,13 +72,14 @@ static void AddControls(Automaton *pAutomaton, const ControlMaker &maker)
     ControlRecord **ap = pAutomaton->apControl;
     AddRuleControls(pAutomaton, maker);
     ap[CONTROL_SIZE] = AddFloat(maker, u"Cells\0Size\0", u"In percent of the picture's height", {0.2f, 10},
-                                {0.4f, 1.5f}, 0.7f, FromFixed());
+                                {0.5f, 1.8f}, 0.9f, FromFixed());
     ap[CONTROL_SOFTNESS] = AddFloat(maker, u"Cells\0Softness\0", u"0 shows square cells, 1 runs them into each other",
                                     {0, 1}, {0, 1}, 1, FromFixed());
     ap[CONTROL_SEEDS] =
         AddFloat(maker, u"Life\0Seeds\0", u"Spirals that are sown in a second", {0, 20}, {0, 4}, 0.5f, FromSound(2));
-    ap[CONTROL_FEED] = AddFloat(maker, u"Life\0Feed\0", u"How readily cells take on what was painted over them", {0, 1},
-                                {0.1f, 0.8f}, 0.35f, FromWave(21000));
+    ap[CONTROL_FEED] =
+        AddFloat(maker, u"Life\0Feed\0", u"How often cells take on what was painted over them, 1 for every generation",
+                 {0, 1}, {0.02f, 0.25f}, 0.1f, FromWave(21000));
     ap[CONTROL_AMOUNT] = AddFloat(maker, u"Picture\0Amount\0", u"How much of the picture gives way to the cells",
                                   {0, 1}, {0.5f, 1}, 1, FromFixed());
     ap[CONTROL_FOLD] = AddBoolean(maker, u"Picture\0Fold\0", u"Runs through the palette there and back, without a seam",
@@ -96,7 +97,8 @@ static void Start(Automaton *pAutomaton, PlaneInfo *ppi)
 {
     pAutomaton->random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
     pAutomaton->clock = {};
-    pAutomaton->fGeneration = pAutomaton->fSeedsDue = 0;
+    pAutomaton->fGeneration = pAutomaton->fSeedsDue = pAutomaton->fFeedDue = 0;
+    pAutomaton->nAsleep = 0;
     pAutomaton->fAmount = ReadFloat(pAutomaton->apControl[CONTROL_AMOUNT]);
     FreeCells(&pAutomaton->grid); // the first drawing fills it anew
 }
@@ -134,7 +136,7 @@ static bool FitColumns(Automaton *pAutomaton, int32_t nWidth)
 }
 
 // Makes the grid fit the picture; a new one is filled. False if there is no memory.
-static bool FitAutomaton(Automaton *pAutomaton, const Canvas &canvas, uint8_t bStates)
+static bool FitAutomaton(Automaton *pAutomaton, const Canvas &canvas, const CellRule &rule)
 {
     CellGrid &grid = pAutomaton->grid;
     const float fCell = std::max(PercentOfHeight(canvas, ReadFloat(pAutomaton->apControl[CONTROL_SIZE])), 1.0f);
@@ -152,10 +154,8 @@ static bool FitAutomaton(Automaton *pAutomaton, const Canvas &canvas, uint8_t bS
     }
     free(pAutomaton->pwShown);
     pAutomaton->pwShown = pwShown;
-    if (bNew) {
-        FillCellsWithNoise(grid, &pAutomaton->random, bStates);
-        SowSeeds(pAutomaton, 12, bStates);
-    }
+    if (bNew)
+        FillCells(grid, &pAutomaton->random, rule.bStates);
     return true;
 }
 
@@ -173,24 +173,45 @@ static int32_t PlaceOfPixel(const Canvas &canvas, uint32_t dwPixel)
     return std::min((int32_t)(dwPixel & (PALETTE_COLORS_MAX - 1)), nTop) * (PLACES - 1) / nTop;
 }
 
-// Where the picture is not what the cells had made of it, somebody has painted: some of these cells take it on.
-// fShare: of them. On a picture that is always fresh it is but a few.
-static void FeedCells(Automaton *pAutomaton, const Canvas &canvas, const CellRule &rule, float fShare, bool bFold)
+struct FeedArea {
+    int32_t x, y, nRadius; // in cells
+};
+
+// Where the picture is not what the cells had made of it, somebody has painted: cells of the area take it on.
+static void FeedCells(const Automaton *pAutomaton, const Canvas &canvas, const CellRule &rule, const FeedArea &area,
+                      bool bFold)
 {
     const CellGrid &grid = pAutomaton->grid;
-    const uint32_t dwChance = (uint32_t)(fShare * 65536);
     const int32_t nTolerance = 3 * PLACES / (bFold ? rule.bStates : 2 * rule.bStates);
-    for (int32_t y = 0; y < grid.nRows; y++) {
+    const int32_t nStates = bFold ? rule.bStates / 2 : rule.bStates - 1;
+    for (int32_t y = std::max(area.y - area.nRadius, 0); y < std::min(area.y + area.nRadius, grid.nRows); y++) {
         const uint32_t *pdwRow = CanvasRow(canvas, MiddlePixel(y, grid.nRows, canvas.nHeight));
         const uint16_t *pwShown = pAutomaton->pwShown + (size_t)y * (size_t)grid.nColumns;
-        for (int32_t x = 0; x < grid.nColumns; x++) {
+        for (int32_t x = std::max(area.x - area.nRadius, 0); x < std::min(area.x + area.nRadius, grid.nColumns); x++) {
             const int32_t nPlace = PlaceOfPixel(canvas, pdwRow[MiddlePixel(x, grid.nColumns, canvas.nWidth)]);
-            if (std::abs(nPlace - pwShown[x]) <= nTolerance || RandomBelow(&pAutomaton->random, 65536) >= dwChance)
-                continue;
-            const int32_t nStates = bFold ? rule.bStates / 2 : rule.bStates - 1;
-            PutCell(grid, x, y, (uint8_t)((nPlace * nStates + PLACES / 2) / PLACES));
+            const int64_t nAcross = x - area.x, nUp = y - area.y;
+            if (nAcross * nAcross + nUp * nUp < (int64_t)area.nRadius * area.nRadius &&
+                std::abs(nPlace - pwShown[x]) > nTolerance)
+                PutCell(grid, x, y, (uint8_t)((nPlace * nStates + PLACES / 2) / PLACES));
         }
     }
+}
+
+// All that was painted, every now and then in full, so that shapes stay shapes; of a picture that is always fresh only
+// a disc here and there, for all of it would be strange to the cells.
+static void TakePicture(Automaton *pAutomaton, const Canvas &canvas, const CellRule &rule, float fGenerations,
+                        bool bFresh, bool bFold)
+{
+    pAutomaton->fFeedDue += std::min(fGenerations, 1.0f) * ReadFloat(pAutomaton->apControl[CONTROL_FEED]);
+    if (pAutomaton->fFeedDue < 1)
+        return;
+    pAutomaton->fFeedDue = 0;
+    const CellGrid &grid = pAutomaton->grid;
+    FeedArea area = {grid.nColumns / 2, grid.nRows / 2, grid.nColumns + grid.nRows};
+    if (bFresh)
+        area = {(int32_t)RandomBelow(&pAutomaton->random, (uint32_t)grid.nColumns),
+                (int32_t)RandomBelow(&pAutomaton->random, (uint32_t)grid.nRows), grid.nRows / 10 + 1};
+    FeedCells(pAutomaton, canvas, rule, area, bFold);
 }
 
 static void LiveOn(Automaton *pAutomaton, const CellRule &rule, float fSeconds)
@@ -321,13 +342,11 @@ static uint32_t Draw(Automaton *pAutomaton, PlaneInfo *ppi, const Canvas &canvas
     const CellRule rule = ReadRule(pAutomaton);
     const bool bFold = ReadBoolean(pAutomaton->apControl[CONTROL_FOLD]);
     Approach(&pAutomaton->fAmount, ReadFloat(pAutomaton->apControl[CONTROL_AMOUNT]), fSeconds, 0.3f);
-    if (!FitAutomaton(pAutomaton, canvas, rule.bStates))
+    if (!FitAutomaton(pAutomaton, canvas, rule))
         return 0;
     LimitCells(pAutomaton->grid, rule.bStates);
-    const float fGenerations = std::min(fSeconds * ReadFloat(pAutomaton->apControl[CONTROL_SPEED]), 1.0f);
-    const float fFeed = ReadFloat(pAutomaton->apControl[CONTROL_FEED]) * fGenerations;
-    if (fFeed > 0)
-        FeedCells(pAutomaton, canvas, rule, IsFreshPicture(ppi) ? fFeed * 0.02f : fFeed, bFold);
+    const float fGenerations = fSeconds * ReadFloat(pAutomaton->apControl[CONTROL_SPEED]);
+    TakePicture(pAutomaton, canvas, rule, fGenerations, IsFreshPicture(ppi), bFold);
     LiveOn(pAutomaton, rule, fSeconds);
     ShowCells(pAutomaton, canvas, rule, bFold);
     pAutomaton->nFrame++;
