@@ -10,6 +10,7 @@
 #define VORTICADE_STOCK_REMAP_H
 
 #include "StockTrails.h"
+#include "StockWide.h"
 
 #include <cstdlib>
 
@@ -97,8 +98,8 @@ template <typename Pixel> inline void FillMargin(const RemapSource &source, Pixe
 // stay edges, and nothing builds up.
 
 // fClarity: 0 to 1; about 0.7 undoes what reading at random places between the pixels blurs.
-inline void SharpenBytes(const uint8_t *pbUp, const uint8_t *pbRow, const uint8_t *pbDown, int32_t nBytes,
-                         int16_t nFactor, uint8_t *pbOut)
+STOCK_WIDE static void SharpenBytes(const uint8_t *pbUp, const uint8_t *pbRow, const uint8_t *pbDown, int32_t nBytes,
+                                    int16_t nFactor, uint8_t *pbOut)
 {
     for (int32_t i = 0; i < nBytes; i++) {
         const int16_t nHere = pbRow[i], nLeft = pbRow[i - 4], nRight = pbRow[i + 4], nUp = pbUp[i], nDown = pbDown[i];
@@ -117,8 +118,8 @@ inline int16_t IndexWay(uint16_t wFrom, uint16_t wTo, int32_t nLoop)
     return (int16_t)(nWay > nFar ? nWay - nLoop : nWay < -nFar ? nWay + nLoop : nWay);
 }
 
-inline void SharpenIndices(const uint16_t *pwUp, const uint16_t *pwRow, const uint16_t *pwDown, int32_t nPixels,
-                           float fClarity, int32_t nLoop, uint16_t *pwOut)
+STOCK_WIDE static void SharpenIndices(const uint16_t *pwUp, const uint16_t *pwRow, const uint16_t *pwDown,
+                                      int32_t nPixels, float fClarity, int32_t nLoop, uint16_t *pwOut)
 {
     const int16_t nFactor = (int16_t)(fClarity * -32767);
     for (int32_t i = 0; i < nPixels; i++) {
@@ -216,8 +217,8 @@ inline bool LeavesPicture(const float *pf, int32_t nPixels, float fSide)
 
 inline float FloorNear(float f)
 {
-    const float fWhole = (float)(int32_t)f;
-    return fWhole > f ? fWhole - 1 : fWhole;
+    const int32_t nWhole = (int32_t)f;
+    return (float)(nWhole - ((float)nWhole > f));
 }
 
 // Brings positions home over the edges.
@@ -238,7 +239,7 @@ inline void FoldPositions(float *pf, int32_t nPixels, float fSide, uint32_t dwEd
         pf[i] = std::min(std::max(pf[i], -1.0f), fSide);
 }
 
-inline void PlacePositions(float *pf, int32_t nPixels, int32_t nSide, uint32_t dwEdges, int32_t *pnPlaces)
+STOCK_WIDE static void PlacePositions(float *pf, int32_t nPixels, int32_t nSide, uint32_t dwEdges, int32_t *pnPlaces)
 {
     if (LeavesPicture(pf, nPixels, (float)nSide))
         FoldPositions(pf, nPixels, (float)nSide, dwEdges);
@@ -269,8 +270,8 @@ inline RemapLook TrailLook(uint32_t dwEdges, uint32_t nFrame, const TrailFade &f
     return {dwEdges, true, nFrame, fade};
 }
 
-inline void ReadColors(const RemapSource &source, const RemapPlaces &places, const RemapLook &look, int32_t x,
-                       int32_t y, int32_t nPixels, uint32_t *pdwOut)
+STOCK_WIDE static void ReadColors(const RemapSource &source, const RemapPlaces &places, const RemapLook &look,
+                                  int32_t x, int32_t y, int32_t nPixels, uint32_t *pdwOut)
 {
     uint32_t adwLower[REMAP_SPAN], adwUpper[REMAP_SPAN];
     for (int32_t i = 0; i < nPixels; i++)
@@ -303,36 +304,36 @@ inline void LoadNeighbors(const RemapSource &source, const RemapPlaces &places, 
     }
 }
 
-inline float ShortWay(int32_t nFrom, int32_t nTo, float fLoop)
+// As IndexWay, in a form that the compiler runs on several pixels at once.
+inline float ShortWay(int32_t nFrom, int32_t nTo, int32_t nLoop)
 {
-    const float fWay = (float)(nTo - nFrom), fFar = 0.75f * fLoop;
-    return fWay - (fWay > fFar ? fLoop : 0) + (fWay < -fFar ? fLoop : 0);
+    const int32_t nWay = nTo - nFrom, nFar = nLoop - nLoop / 4 - 1;
+    return (float)(nWay - (nLoop & -(int32_t)(nWay > nFar)) + (nLoop & -(int32_t)(nWay < -nFar)));
 }
 
 // Writes indices with their fractions.
 inline void MixIndices(const RemapSource &source, const RemapPlaces &places, const IndexNeighbors &pairs,
                        const RemapLook &look, int32_t nPixels, int32_t *pnMixed)
 {
-    const float fLoop = (float)(source.nColors << source.nBits);
+    const int32_t nLoop = source.nColors << source.nBits;
     // Rounding up to a half could hold a faint trail for ever: fading takes more than that, if only just.
-    const float fLess = IsFading(look.fade) ? std::max(look.fade.fBurn * fLoop, 0.55f) - 0.5f : -0.5f;
+    const float fLess = IsFading(look.fade) ? std::max(look.fade.fBurn * (float)nLoop, 0.55f) - 0.5f : -0.5f;
     const float fKeep = look.fade.fKeep;
     for (int32_t i = 0; i < nPixels; i++) {
         const int32_t nFirst = (int32_t)(pairs.adwLower[i] & 0xFFFF);
-        const float fRight = ShortWay(nFirst, (int32_t)(pairs.adwLower[i] >> 16), fLoop);
-        const float fAbove = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] & 0xFFFF), fLoop);
-        const float fBoth = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] >> 16), fLoop);
+        const float fRight = ShortWay(nFirst, (int32_t)(pairs.adwLower[i] >> 16), nLoop);
+        const float fAbove = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] & 0xFFFF), nLoop);
+        const float fBoth = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] >> 16), nLoop);
         const float fX = (float)(places.anX[i] & 255) * (1 / 256.0f), fY = (float)(places.anY[i] & 255) * (1 / 256.0f);
         float f = (float)nFirst + fX * (fRight + fY * (fBoth - fRight - fAbove)) + fY * fAbove;
-        f += f < 0 ? fLoop : 0;
-        f -= f >= fLoop ? fLoop : 0;
-        f = f * fKeep - fLess;
-        pnMixed[i] = (int32_t)(f > 0 ? f : 0);
+        const int32_t n = (int32_t)f;
+        f += (float)((nLoop & -(int32_t)(n < 0)) - (nLoop & -(int32_t)(n >= nLoop)));
+        pnMixed[i] = (int32_t)std::max(f * fKeep - fLess, 0.0f);
     }
 }
 
-inline void ReadIndices(const RemapSource &source, const RemapPlaces &places, const RemapLook &look, int32_t x,
-                        int32_t y, int32_t nPixels, uint32_t *pdwOut)
+STOCK_WIDE static void ReadIndices(const RemapSource &source, const RemapPlaces &places, const RemapLook &look,
+                                   int32_t x, int32_t y, int32_t nPixels, uint32_t *pdwOut)
 {
     IndexNeighbors pairs;
     int32_t anMixed[REMAP_SPAN];
