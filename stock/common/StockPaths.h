@@ -4,6 +4,19 @@
 
 #include "StockRemap.h"
 
+// cos(2 pi f) within 4e-6 for any f within 1000 turns, in arithmetic that the compiler runs on several numbers at once.
+inline float QuickCosine(float f)
+{
+    f -= (float)((int32_t)(f + 1024.5f) - 1024);
+    const float y = (0.25f - std::fabs(f)) * 6.2831853f, y2 = y * y;
+    return y * (1 + y2 * (-1.6666667e-1f + y2 * (8.3333333e-3f + y2 * (-1.9841270e-4f + y2 * 2.7557319e-6f))));
+}
+
+inline float QuickSine(float f)
+{
+    return QuickCosine(f - 0.25f);
+}
+
 // ---- Straight lines
 
 // Where a pixel comes from: x * xx + y * xy + x0, x * yx + y * yy + y0.
@@ -119,52 +132,46 @@ inline bool FitGrid(RemapGrid *pGrid, const Canvas &canvas)
     return true;
 }
 
-// Interpolates the row of the canvas between two rows of vertices. Returns whether anything moves there.
-inline bool ReadGridRow(const RemapGrid &grid, int32_t y)
+// Interpolates the row of the canvas between two rows of vertices.
+inline void ReadGridRow(const RemapGrid &grid, int32_t y)
 {
     const size_t nColumns = (size_t)grid.nColumns, iFirst = (size_t)(y >> grid.nCellBits) * nColumns;
     const int32_t nCell = 1 << grid.nCellBits;
     const float fPart = (float)(y & (nCell - 1)) / (float)nCell;
-    float *const apf[2] = {grid.pfX, grid.pfY};
-    int32_t bMoves = 0;
-    for (const float *pf : apf) {
+    for (float *pf : {grid.pfX, grid.pfY}) {
         const float *pfBelow = pf + iFirst, *pfAbove = pfBelow + nColumns;
-        float *pfRow = (float *)pf + (size_t)grid.nRows * nColumns;
-        for (size_t i = 0; i < nColumns; i++) {
+        float *pfRow = pf + (size_t)grid.nRows * nColumns;
+        for (size_t i = 0; i < nColumns; i++)
             pfRow[i] = pfBelow[i] + (pfAbove[i] - pfBelow[i]) * fPart;
-            bMoves |= pfRow[i] != 0;
-        }
     }
-    return bMoves != 0;
 }
 
-// A stretch that begins at a multiple of REMAP_SPAN.
-inline void LayGrid(const RemapGrid &grid, int32_t x, int32_t y, int32_t nPixels, RemapPath *pPath)
+// A stretch that begins at a multiple of REMAP_SPAN. False if nothing moves there.
+inline bool LayGrid(const RemapGrid &grid, int32_t x, int32_t y, int32_t nPixels, RemapPath *pPath)
 {
-    const size_t iRow = (size_t)grid.nRows * (size_t)grid.nColumns;
     const int32_t nCell = 1 << grid.nCellBits;
     const float fPart = 1.0f / (float)nCell;
-    for (int32_t i = 0; i < nPixels; i += nCell) {
-        const size_t iVertex = iRow + (size_t)((x + i) >> grid.nCellBits);
-        const float *pfX = grid.pfX + iVertex, *pfY = grid.pfY + iVertex;
+    const size_t iFirst = (size_t)grid.nRows * (size_t)grid.nColumns + (size_t)(x >> grid.nCellBits);
+    const float *pfX = grid.pfX + iFirst, *pfY = grid.pfY + iFirst;
+    bool bMoves = false;
+    for (int32_t i = 0; i < nPixels; i += nCell, pfX++, pfY++) {
         const float xStep = (pfX[1] - pfX[0]) * fPart, yStep = (pfY[1] - pfY[0]) * fPart;
-        for (int32_t j = 0; j < nCell; j++) { // the span is a multiple of every cell
+        bMoves |= pfX[0] != 0 || pfX[1] != 0 || pfY[0] != 0 || pfY[1] != 0;
+        for (int32_t j = 0; j < nCell; j++) { // a span is a multiple of every cell
             pPath->afX[i + j] = (float)(x + i + j) + pfX[0] + (float)j * xStep;
             pPath->afY[i + j] = (float)y + pfY[0] + (float)j * yStep;
         }
     }
+    return bMoves;
 }
 
 // Reads the canvas with every pixel shifted.
 inline void ShiftCanvas(const Canvas &canvas, const RemapSource &source, const RemapLook &look, const RemapGrid &grid)
 {
-    bool bMoves = false;
     RemapCanvas(canvas, source, look, [&](int32_t x, int32_t y, int32_t nPixels, RemapPath *pPath) {
         if (x == 0)
-            bMoves = ReadGridRow(grid, y);
-        if (bMoves)
-            LayGrid(grid, x, y, nPixels, pPath);
-        return bMoves;
+            ReadGridRow(grid, y);
+        return LayGrid(grid, x, y, nPixels, pPath);
     });
 }
 
