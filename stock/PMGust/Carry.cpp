@@ -1,8 +1,6 @@
 // Carry.cpp -- the inner loops of the carry: load four neighbours, interpolate, fade, store
 #include "Carry.h"
 
-#include <cstring>
-
 // ---- What both kinds of plane share
 
 // Fills the margin of a row of which the middle stands.
@@ -75,11 +73,6 @@ template <typename Pixel> static inline void StoreCell(Pixel *pTo, const Pixel *
     else
         memcpy(pTo, pFrom, (size_t)nLeft * sizeof(Pixel));
 }
-
-// The rounding pattern is the sequence of the plastic number in two dimensions, in 1/256; its steps:
-#define PATTERN_X 193
-#define PATTERN_Y 146
-#define PATTERN_FRAME 159
 
 // ---- Indexed planes
 
@@ -157,14 +150,13 @@ static inline void SplitIndices(const uint32_t *pdwMixed, int32_t x, int32_t y, 
     }
 }
 
-void CarryIndices(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade &fade, uint32_t dwEdges)
+void CarryIndices(const Canvas &canvas, CarryBuffers *pBuffers, const TrailFade &fade, uint32_t dwEdges)
 {
     const int32_t nBits = FractionBits(canvas), nMargin = pBuffers->nMargin;
     TakeIndices(canvas, *pBuffers, nBits, dwEdges);
     // Rounding up to a half could hold a faint trail for ever: fading takes more than that, if only just.
     const float fFull = (float)(canvas.nColors << nBits);
-    const bool bFading = fade.fKeep < 1 || fade.fBurn > 0;
-    const float fLess = bFading ? std::max(fade.fBurn * fFull, 0.55f) - 0.5f : -0.5f;
+    const float fLess = IsFading(fade) ? std::max(fade.fBurn * fFull, 0.55f) - 0.5f : -0.5f;
     CarryRow row;
     for (int32_t y = 0; y < canvas.nHeight; y++) {
         InterpolateRow(pBuffers->grid, y, &row);
@@ -187,13 +179,7 @@ void CarryIndices(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade 
 
 // ---- RGB planes
 
-typedef uint8_t Bytes16 __attribute__((vector_size(16)));
-typedef uint16_t Words8 __attribute__((vector_size(16)));
-typedef uint32_t Doubles4 __attribute__((vector_size(16)));
-typedef uint64_t Quads2 __attribute__((vector_size(16)));
-
-// Per pixel where its lower left neighbour lies, and the weights of the lower and of the upper pair: the left
-// one in the low word. The four add up to exactly 256, so an even area stays even.
+// Per pixel where its lower left neighbour lies, and the weights of the lower and of the upper pair.
 struct ColorCell {
     const uint32_t *apFrom[WIND_CELL];
     uint32_t adwLower[WIND_CELL], adwUpper[WIND_CELL];
@@ -203,60 +189,17 @@ static inline void WeighColors(const uint32_t *pFrom, size_t nStride, const Cell
 {
     for (int32_t i = 0; i < WIND_CELL; i++) {
         const int32_t nX = (path.x + i * path.xStep) >> 8 & 255, nY = (path.y + i * path.yStep) >> 8 & 255;
-        const int32_t nBoth = nX * nY >> 8;
-        pCell->adwLower[i] = (uint32_t)((256 - nX - nY + nBoth) | (nX - nBoth) << 16);
-        pCell->adwUpper[i] = (uint32_t)((nY - nBoth) | nBoth << 16);
+        WeighNeighbors(nX, nY, &pCell->adwLower[i], &pCell->adwUpper[i]);
     }
     for (int32_t i = 0; i < WIND_CELL; i++)
         pCell->apFrom[i] =
             pFrom + (size_t)((path.y + i * path.yStep) >> 16) * nStride + (size_t)((path.x + i * path.xStep) >> 16);
 }
 
-// The bytes of a pixel and of its right neighbour, each times its weight.
-static inline Words8 WeighPair(const uint32_t *p, uint32_t dwWeights)
-{
-    uint64_t qwPair;
-    memcpy(&qwPair, p, sizeof qwPair);
-    const Bytes16 pair = (Bytes16)Quads2{qwPair}, zero = {};
-    const Words8 words =
-        (Words8)__builtin_shufflevector(pair, zero, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
-    const Words8 weights = (Words8)Doubles4{dwWeights};
-    const Doubles4 twice = (Doubles4)__builtin_shufflevector(weights, weights, 0, 8, 1, 9, 2, 10, 3, 11);
-    return words * (Words8)__builtin_shufflevector(twice, twice, 0, 0, 1, 1);
-}
-
 static inline void MixColors(const ColorCell &cell, size_t nStride, uint16_t *pwMixed)
 {
-    for (int32_t i = 0; i < WIND_CELL; i++) {
-        const uint32_t *p = cell.apFrom[i];
-        const Words8 sums = WeighPair(p, cell.adwLower[i]) + WeighPair(p + nStride, cell.adwUpper[i]);
-        const Quads2 mixed = (Quads2)(sums + (Words8)__builtin_shufflevector((Quads2)sums, (Quads2)sums, 1, 0));
-        memcpy(pwMixed + i * 4, &mixed, 8);
-    }
-}
-
-// The fade of a value in 8.8 bits: it loses value * nLoss / 65536, and nBurn.
-struct ColorFade {
-    uint16_t nLoss, nBurn;
-};
-
-static ColorFade FadeOfColors(const CarryFade &fade)
-{
-    const bool bFading = fade.fKeep < 1 || fade.fBurn > 0;
-    const float fBurn = bFading ? std::max(std::min(fade.fBurn, 1.0f) * 65280, 1.0f) : 0;
-    return {(uint16_t)std::min((1 - fade.fKeep) * 65536, 65535.0f), (uint16_t)fBurn};
-}
-
-// Rounds by a fine pattern, not to the nearest: slow fades go on below one step of a byte, without bands.
-static inline void FadeColors(const uint16_t *pwMixed, const ColorFade &fade, const uint8_t *pbPattern,
-                              uint8_t bPatternStart, uint8_t *pbOut)
-{
-    for (int32_t i = 0; i < WIND_CELL * 4; i++) {
-        const uint16_t wKept = (uint16_t)(pwMixed[i] - (uint16_t)((uint32_t)pwMixed[i] * fade.nLoss >> 16));
-        const uint16_t wLeft = (uint16_t)(wKept > fade.nBurn ? wKept - fade.nBurn : 0);
-        const uint8_t bPattern = (uint8_t)(pbPattern[i] + bPatternStart);
-        pbOut[i] = (uint8_t)((uint16_t)(wLeft + bPattern) >> 8);
-    }
+    for (int32_t i = 0; i < WIND_CELL; i++)
+        MixNeighbors(cell.apFrom[i], nStride, cell.adwLower[i], cell.adwUpper[i], pwMixed + i * 4);
 }
 
 static void TakeColors(const Canvas &canvas, const CarryBuffers &buffers, uint32_t dwEdges)
@@ -269,7 +212,7 @@ static void TakeColors(const Canvas &canvas, const CarryBuffers &buffers, uint32
     FillMarginRows(buffers.pColors, buffers, dwEdges);
 }
 
-void CarryColors(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade &fade, uint32_t dwEdges, uint32_t nFrame)
+void CarryColors(const Canvas &canvas, CarryBuffers *pBuffers, const TrailFade &fade, uint32_t dwEdges, uint32_t nFrame)
 {
     TakeColors(canvas, *pBuffers, dwEdges);
     const ColorFade colorFade = FadeOfColors(fade);
@@ -288,7 +231,8 @@ void CarryColors(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade &
             WeighColors(pBuffers->pColors, pBuffers->nStride,
                         PathOfCell(row, x >> WIND_CELL_BITS, y, pBuffers->nMargin), &cell);
             MixColors(cell, pBuffers->nStride, awMixed);
-            FadeColors(awMixed, colorFade, abPattern, (uint8_t)(nStart + (uint32_t)x * PATTERN_X), abOut);
+            FadeColors(awMixed, WIND_CELL * 4, colorFade, abPattern, (uint8_t)(nStart + (uint32_t)x * PATTERN_X),
+                       abOut);
             StoreCell(pdwPlane + x, (const uint32_t *)(const void *)abOut, canvas.nWidth - x);
         }
     }

@@ -4,6 +4,8 @@
 
 #include "WindField.h"
 
+#include "../common/StockTrails.h"
+
 enum { EDGES_OPEN, EDGES_CLOSED, EDGES_AROUND, EDGES_MODES };
 
 // Copies of the picture with a margin on all sides, wide enough for the longest carry, so that no pixel has to
@@ -19,12 +21,6 @@ struct CarryBuffers {
     WindGrid grid;
 };
 
-// How much of the picture stays.
-struct CarryFade {
-    float fKeep; // factor
-    float fBurn; // part of the full scale that goes on top
-};
-
 // Makes the buffers fit the canvas, keeping them if they do. False if there is no memory: then none is held.
 bool FitCarryBuffers(CarryBuffers *pBuffers, const Canvas &canvas);
 void FreeCarryBuffers(CarryBuffers *pBuffers);
@@ -32,10 +28,10 @@ void FreeCarryBuffers(CarryBuffers *pBuffers);
 // The longest carry in pixels that the margin allows.
 int32_t MostCarry(const CarryBuffers &buffers);
 
-void CarryIndices(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade &fade, uint32_t dwEdges);
+void CarryIndices(const Canvas &canvas, CarryBuffers *pBuffers, const TrailFade &fade, uint32_t dwEdges);
 
 // nFrame: any number that goes up with the frames; turns the pattern that rounds the colours.
-void CarryColors(const Canvas &canvas, CarryBuffers *pBuffers, const CarryFade &fade, uint32_t dwEdges,
+void CarryColors(const Canvas &canvas, CarryBuffers *pBuffers, const TrailFade &fade, uint32_t dwEdges,
                  uint32_t nFrame);
 
 #endif

@@ -89,13 +89,6 @@ static void EaseForces(WindForces *pForces, const WindForces &target, float fSec
     Approach(&pForces->fWander, target.fWander, fSeconds, 2.5f);
 }
 
-// Trails die out in about 0.55 / decay^2 seconds: at first by parts of what is left, at the end evenly.
-static CarryFade FadeFor(float fDecay, float fSeconds)
-{
-    const float fRate = fDecay * fDecay * fSeconds;
-    return {std::exp(-4 * fRate), 0.5f * fRate};
-}
-
 static void Start(Gust *pGust, PlaneInfo *ppi)
 {
     Canvas canvas;
@@ -115,10 +108,10 @@ static uint32_t Draw(Gust *pGust, PlaneInfo *ppi, const Canvas &canvas)
     const float fSeconds = StepSeconds(&pGust->clock, ppi);
     EaseForces(&pGust->forces, ReadForces(pGust), fSeconds);
     AdvanceWind(&pGust->state, pGust->forces, fSeconds);
-    const CarryFade fade = FadeFor(ReadControl(pGust, CONTROL_DECAY), fSeconds);
+    const TrailFade fade = FadeFor(ReadControl(pGust, CONTROL_DECAY), fSeconds);
     const bool bMoves = SampleWind(pGust->state, pGust->forces, fSeconds, canvas.nWidth, canvas.nHeight,
                                    MostCarry(pGust->buffers), &pGust->buffers.grid);
-    if (!bMoves && fade.fKeep >= 1 && fade.fBurn <= 0)
+    if (!bMoves && !IsFading(fade))
         return 0;
     const uint32_t dwEdges = ReadItem(pGust->apControl[CONTROL_EDGES]);
     if (canvas.bIndexed)
