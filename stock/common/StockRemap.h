@@ -94,8 +94,8 @@ template <typename Pixel> inline void FillMargin(const RemapSource &source, Pixe
 
 // ---- Sharpening: against the blur of pictures that are read again and again
 //
-// A pixel moves away from the mean of its neighbours, but never beyond the lowest and the highest of them: edges
-// stay edges, and nothing builds up.
+// A pixel moves away from the mean of its neighbours, but stays one step short of the lowest and the highest of them:
+// edges stay edges, nothing builds up, and what fades is not made good again.
 
 // fClarity: 0 to 1; about 0.7 undoes what reading at random places between the pixels blurs.
 STOCK_WIDE static void SharpenBytes(const uint8_t *pbUp, const uint8_t *pbRow, const uint8_t *pbDown, int32_t nBytes,
@@ -107,19 +107,20 @@ STOCK_WIDE static void SharpenBytes(const uint8_t *pbUp, const uint8_t *pbRow, c
         const int16_t nHigh = std::max(std::max(std::max(nLeft, nRight), std::max(nUp, nDown)), nHere);
         const int16_t nBend = (int16_t)(4 * nHere - nLeft - nRight - nUp - nDown);
         const int16_t nSharp = (int16_t)(nHere + ((int16_t)(nBend * nFactor + 128) >> 8));
-        pbOut[i] = (uint8_t)std::min(std::max(nSharp, nLow), nHigh);
+        const int16_t nFloor = std::min((int16_t)(nLow + 1), nHere), nCeiling = std::max((int16_t)(nHigh - 1), nHere);
+        pbOut[i] = (uint8_t)std::min(std::max(nSharp, nFloor), nCeiling);
     }
 }
 
-// The way from one index to another, over the end of the palette if that is far the shorter one. nLoop: the whole.
+// The way from one index to another; none if the way over the end of the palette is far shorter.
 inline int16_t IndexWay(uint16_t wFrom, uint16_t wTo, int32_t nLoop)
 {
     const int16_t nFar = (int16_t)(nLoop - nLoop / 4 - 1), nWay = (int16_t)(wTo - wFrom);
-    return (int16_t)(nWay > nFar ? nWay - nLoop : nWay < -nFar ? nWay + nLoop : nWay);
+    return (int16_t)(nWay > nFar || nWay < -nFar ? 0 : nWay);
 }
 
 STOCK_WIDE static void SharpenIndices(const uint16_t *pwUp, const uint16_t *pwRow, const uint16_t *pwDown,
-                                      int32_t nPixels, float fClarity, int32_t nLoop, uint16_t *pwOut)
+                                      int32_t nPixels, float fClarity, int32_t nLoop, int32_t nStep, uint16_t *pwOut)
 {
     const int16_t nFactor = (int16_t)(fClarity * -32767);
     for (int32_t i = 0; i < nPixels; i++) {
@@ -130,9 +131,9 @@ STOCK_WIDE static void SharpenIndices(const uint16_t *pwUp, const uint16_t *pwRo
         const int16_t nLow = std::min(std::min(std::min(nLeft, nRight), std::min(nUp, nDown)), (int16_t)0);
         const int16_t nHigh = std::max(std::max(std::max(nLeft, nRight), std::max(nUp, nDown)), (int16_t)0);
         const int16_t nSharp = (int16_t)((int32_t)nBend * nFactor >> 16);
-        const int16_t nWay = std::min(std::max(nSharp, nLow), nHigh);
-        const int32_t nNew = wHere + nWay;
-        pwOut[i] = (uint16_t)(nNew < 0 ? nNew + nLoop : nNew >= nLoop ? nNew - nLoop : nNew);
+        const int16_t nFloor = std::min((int16_t)(nLow + nStep), (int16_t)0);
+        const int16_t nCeiling = std::max((int16_t)(nHigh - nStep), (int16_t)0);
+        pwOut[i] = (uint16_t)(wHere + std::min(std::max(nSharp, nFloor), nCeiling));
     }
 }
 
@@ -172,7 +173,7 @@ inline void TakeIndices(const RemapSource &source, const Canvas &canvas, float f
         uint16_t *pwBelow = pwPlain + (y & 1) * canvas.nWidth, *pwHere = pwPlain + (~y & 1) * canvas.nWidth;
         if (y >= 2)
             SharpenIndices(Row(y) + 1, pwHere + 1, pwBelow + 1, canvas.nWidth - 2, fClarity,
-                           source.nColors << source.nBits, Row(y - 1) + 1);
+                           source.nColors << source.nBits, 1 << source.nBits, Row(y - 1) + 1);
         memcpy(pwBelow, Row(y), nBytes);
     }
     free(pwPlain);
@@ -304,10 +305,10 @@ inline void LoadNeighbors(const RemapSource &source, const RemapPlaces &places, 
     }
 }
 
-// As IndexWay, in a form that the compiler runs on several pixels at once.
-inline float ShortWay(int32_t nFrom, int32_t nTo, int32_t nLoop)
+// The way from one index to another, over the end of the palette if it is longer than nFar.
+inline float ShortWay(int32_t nFrom, int32_t nTo, int32_t nLoop, int32_t nFar)
 {
-    const int32_t nWay = nTo - nFrom, nFar = nLoop - nLoop / 4 - 1;
+    const int32_t nWay = nTo - nFrom;
     return (float)(nWay - (nLoop & -(int32_t)(nWay > nFar)) + (nLoop & -(int32_t)(nWay < -nFar)));
 }
 
@@ -316,14 +317,16 @@ inline void MixIndices(const RemapSource &source, const RemapPlaces &places, con
                        const RemapLook &look, int32_t nPixels, int32_t *pnMixed)
 {
     const int32_t nLoop = source.nColors << source.nBits;
+    // Where trails fade, the first color is the dark: no way leads from it over the end to the last ones.
+    const int32_t nFar = IsFading(look.fade) ? nLoop : nLoop - nLoop / 4 - 1;
     // Rounding up to a half could hold a faint trail for ever: fading takes more than that, if only just.
     const float fLess = IsFading(look.fade) ? std::max(look.fade.fBurn * (float)nLoop, 0.55f) - 0.5f : -0.5f;
     const float fKeep = look.fade.fKeep;
     for (int32_t i = 0; i < nPixels; i++) {
         const int32_t nFirst = (int32_t)(pairs.adwLower[i] & 0xFFFF);
-        const float fRight = ShortWay(nFirst, (int32_t)(pairs.adwLower[i] >> 16), nLoop);
-        const float fAbove = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] & 0xFFFF), nLoop);
-        const float fBoth = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] >> 16), nLoop);
+        const float fRight = ShortWay(nFirst, (int32_t)(pairs.adwLower[i] >> 16), nLoop, nFar);
+        const float fAbove = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] & 0xFFFF), nLoop, nFar);
+        const float fBoth = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] >> 16), nLoop, nFar);
         const float fX = (float)(places.anX[i] & 255) * (1 / 256.0f), fY = (float)(places.anY[i] & 255) * (1 / 256.0f);
         float f = (float)nFirst + fX * (fRight + fY * (fBoth - fRight - fAbove)) + fY * fAbove;
         const int32_t n = (int32_t)f;
