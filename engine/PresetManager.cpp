@@ -22,6 +22,7 @@ constexpr i32 GREY_COLORS = 256;
 
 std::mutex csEngine; // serialises the end of the plane threads when a preset is destroyed
 PresetState *lppsiCurrent = nullptr;
+u32 nBitmapGeneration = 0;
 
 struct DefaultModule {
     i32 iPlane;
@@ -281,9 +282,15 @@ u32 ResizePresetBuffers(PresetState *lppsi, i32 nDetailScale)
     RunEveryModule(lppsi, MODSTEP_CLEANUP);
     ResizeHiddenGLWindows(GlobalSettings.nBufferWidth, GlobalSettings.nBufferHeight);
     ReplaceBitmaps(lppsi);
+    nBitmapGeneration++;
     SetModuleTick(TickCount());
     RunEveryModule(lppsi, MODSTEPS_BRINGUP);
     return 1;
+}
+
+u32 BitmapGeneration()
+{
+    return nBitmapGeneration;
 }
 
 PresetState *CurrentPreset()

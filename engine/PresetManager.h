@@ -26,6 +26,9 @@ u32 RemovePlane(PresetState *lppsi, PlaneState *pps);
 // the resize off: bResizePending is set again. Non-zero if given a preset. [main-thread]
 u32 ResizePresetBuffers(PresetState *lppsi, i32 nDetailScale);
 
+// Counts how often ResizePresetBuffers has given a preset empty bitmaps. [main-thread]
+u32 BitmapGeneration();
+
 // The running preset; null while one is being switched. [main-thread]
 PresetState *CurrentPreset();
 

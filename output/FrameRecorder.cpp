@@ -4,6 +4,7 @@
 #include "app/Folders.h"
 #include "app/GlobalSettings.h"
 #include "engine/FrameStep.h"
+#include "engine/PresetManager.h"
 #include "modules/SoundMonitor.h"
 #include "output/NumberPattern.h"
 #include "output/PictureFiles.h"
@@ -26,15 +27,19 @@ constexpr u32 CAPTURE_QUALITY = 90;
 constexpr u32 FRAME_QUALITY = 95;
 constexpr u64 TIME_SCALE_RESTORED_MAX = 99;
 constexpr u32 SAMPLE_NUMBERS = 10000;
+constexpr u32 CAPTURES_HELD = 4;
 constexpr i64 ROOM_LOOK_MS = 2; // how often a full queue is looked at
 
 NumberPattern Pattern;             // the last one that could be used
-PictureQueue *pQueue = nullptr;    // of the recording that runs, or whose last pictures are on their way
-PictureQueue *pCaptures = nullptr; // from the first capture on
+PictureQueue *pQueue = nullptr;    // of the recording that is armed or runs
+PictureQueue *pEnding = nullptr;   // of the one before, while its last pictures are on their way
+u32 nEndingFrames = 0;             // what that one recorded
+PictureQueue *pCaptures = nullptr; // while captures are on their way
 std::atomic<bool> bDiskFull;       // set by the encoders
 std::string sTrouble;              // first failure of this recording; told once
 HostBitmap LastFrame;              // size of the frame before, without pixels
-i64 nRestEnd = 0;                  // performance count
+u32 nLastGeneration = 0;           // of its bitmap
+i64 nRestStart = 0;                // performance count; 0: no frame yet
 
 void ShowStatus(std::u16string_view text)
 {
@@ -60,13 +65,18 @@ void NoteResult(const PictureResult &result, void *)
         bDiskFull = true;
 }
 
-PictureQueue *OpenQueue(u32 nWorkers, PictureDoneFn pfnDone)
+bool AllIsWritten(PictureQueue *p)
 {
-    PictureQueueOptions options = {};
-    options.nWorkers = nWorkers;
-    options.pfnSave = pfnRecorderSave;
-    options.pfnDone = pfnDone;
-    return StartPictureQueue(options);
+    const PictureReport report = ReadPictureReport(p);
+    return report.nSaved + report.nFailed == report.nSubmitted;
+}
+
+// The dialog may have stored another pattern meanwhile; one that cannot be used changes nothing.
+void TakePattern()
+{
+    NumberPattern pattern;
+    if (!ParseNumberPattern(GlobalSettings.FrameRecordFormat, &pattern))
+        Pattern = pattern;
 }
 
 std::u16string FramePath(u32 nFrame)
@@ -77,6 +87,8 @@ std::u16string FramePath(u32 nFrame)
 // What keeps a recording from starting; empty: nothing.
 std::string FindObstacle()
 {
+    if (!*GlobalSettings.FrameRecordFolder)
+        return "no frame folder is set; the recording options choose one";
     if (const char *pszWrong = ParseNumberPattern(GlobalSettings.FrameRecordFormat, &Pattern))
         return pszWrong;
     if (!CanWritePicture(PictureFormatOf(FramePath(1).c_str())))
@@ -91,24 +103,26 @@ void MakeScreenShotsFolder()
     std::filesystem::create_directories(NativePath(FolderPath(PATH_SCREENSHOTS)), failed);
 }
 
-void ReportEnd()
+// Waits for the last pictures. What failed is also told where it stays when the window is gone.
+void ReportEnd(PictureQueue **ppQueue, u32 nFrames)
 {
-    FinishPictures(pQueue);
-    const PictureReport report = ReadPictureReport(pQueue);
-    std::u16string text = u"Recording complete: " + Number(nRecordFrame - 1) + u" frames.";
-    if (report.nFailed)
+    FinishPictures(*ppQueue);
+    const PictureReport report = ReadPictureReport(*ppQueue);
+    std::u16string text = u"Recording complete: " + Number(nFrames) + u" frames.";
+    if (report.nFailed) {
         text += u" " + Number(report.nFailed) + u" failed: " +
                 FromUtf8(PictureFailureText(report.firstFailed, report.nFirstError));
-    StopPictureQueue(pQueue); // its threads and pictures are not kept for hours
-    pQueue = nullptr;
+        AddNotice(ToUtf8(text));
+    }
+    StopPictureQueue(*ppQueue); // its threads and pictures are not kept for hours
+    *ppQueue = nullptr;
     ShowStatus(text);
 }
 
-// The last pictures are waited for.
-void Finish()
+void ServeEnding()
 {
-    if (pQueue)
-        ReportEnd();
+    if (pEnding && AllIsWritten(pEnding))
+        ReportEnd(&pEnding, nEndingFrames);
 }
 
 void Start(u32 dwDelayMs, u32 dwSeconds)
@@ -120,11 +134,14 @@ void Start(u32 dwDelayMs, u32 dwSeconds)
     }
     if (std::u16string_view(GlobalSettings.FrameRecordFolder) == FolderPath(PATH_SCREENSHOTS))
         MakeScreenShotsFolder();
-    Finish();
     bDiskFull = false;
-    pQueue = OpenQueue(0, NoteResult);
+    PictureQueueOptions options = {};
+    options.pfnSave = pfnRecorderSave;
+    options.pfnDone = NoteResult;
+    pQueue = StartPictureQueue(options);
     sTrouble.clear();
     LastFrame = {};
+    nRestStart = 0;
     GlobalSettings.bResizePending = GlobalSettings.bRecording = 1;
     ShowStatus(u"Preparing to record...");
     qwSavedTimeScale = GlobalSettings.TimeScale;
@@ -134,20 +151,20 @@ void Start(u32 dwDelayMs, u32 dwSeconds)
     SetTimeScale(RECORD_TIME_SCALE);
 }
 
-bool AllIsWritten()
-{
-    const PictureReport report = ReadPictureReport(pQueue);
-    return report.nSaved + report.nFailed == report.nSubmitted;
-}
-
-// The report follows when the last picture is written.
+// The report follows when the last picture is written. While the recording before has not come so far, this one has
+// recorded nothing.
 void Stop()
 {
     GlobalSettings.bResizePending = 1;
     GlobalSettings.bRecording = 0;
     HoldFrames(0);
-    if (AllIsWritten())
-        ReportEnd();
+    if (pEnding) {
+        ReportEnd(&pQueue, nRecordFrame - 1);
+    } else {
+        std::swap(pEnding, pQueue);
+        nEndingFrames = nRecordFrame - 1;
+    }
+    ServeEnding();
     if (qwSavedTimeScale >= 1 && qwSavedTimeScale <= TIME_SCALE_RESTORED_MAX)
         SetTimeScale(qwSavedTimeScale);
     nRecordLimit = 0;
@@ -163,31 +180,56 @@ std::u16string Base36(u64 n)
     return digits;
 }
 
-// A capture is encoded beside the show, like a frame.
+PictureQueue *StartCaptures()
+{
+    PictureQueueOptions options = {};
+    options.nWorkers = 1;
+    options.nHeld = CAPTURES_HELD;
+    options.pfnSave = pfnRecorderSave;
+    return StartPictureQueue(options);
+}
+
+void CloseCaptures()
+{
+    if (!pCaptures)
+        return;
+    FinishPictures(pCaptures);
+    const PictureReport report = ReadPictureReport(pCaptures);
+    StopPictureQueue(pCaptures);
+    pCaptures = nullptr;
+    if (report.nFailed)
+        AddNotice(PictureFailureText(report.firstFailed, report.nFirstError));
+}
+
+// A capture is encoded beside the show, like a frame. The show does not wait for those before it.
 void Capture(const HostBitmap *hbm)
 {
     MakeScreenShotsFolder();
     if (!pCaptures)
-        pCaptures = OpenQueue(1, nullptr);
-    SubmitPicture(pCaptures, hbm, CapturePath(TickCount()), CAPTURE_QUALITY);
+        pCaptures = StartCaptures();
+    const std::u16string path = CapturePath(TickCount());
+    if (PictureQueueHasRoom(pCaptures, hbm, path))
+        SubmitPicture(pCaptures, hbm, path, CAPTURE_QUALITY);
+    else
+        ShowStatus(u"No screen capture was made: those before it are still being written.");
 }
 
 // The first frame after the bitmaps were made anew may be an empty one.
 bool IsSettled(const HostBitmap *hbm)
 {
-    const bool bSettled = hbm->nWidth == LastFrame.nWidth && hbm->nHeight == LastFrame.nHeight;
+    const bool bSettled =
+        hbm->nWidth == LastFrame.nWidth && hbm->nHeight == LastFrame.nHeight && nLastGeneration == BitmapGeneration();
     LastFrame = *hbm;
     LastFrame.pBits = nullptr;
+    nLastGeneration = BitmapGeneration();
     return bSettled && hbm->nWidth == GlobalSettings.FrameRecordWidth &&
            hbm->nHeight == GlobalSettings.FrameRecordHeight;
 }
 
 // The rest is a time without frames in which the window goes on to live.
-void Rest()
+i64 RestEnd()
 {
-    const i64 nCounts = GlobalSettings.FrameRecordDelay * (PerfFrequency() / 1000);
-    nRestEnd = nCounts ? PerfCounter() + nCounts : 0;
-    HoldFrames(nRestEnd);
+    return nRestStart + GlobalSettings.FrameRecordDelay * (PerfFrequency() / 1000);
 }
 
 std::u16string Progress()
@@ -206,15 +248,13 @@ void NoticeTrouble()
     AddNotice(sTrouble);
 }
 
-// The dialog may have stored another pattern meanwhile.
 void RecordFrame(const HostBitmap *hbm)
 {
-    NumberPattern pattern;
-    if (!ParseNumberPattern(GlobalSettings.FrameRecordFormat, &pattern))
-        Pattern = pattern;
+    TakePattern();
     SubmitPicture(pQueue, hbm, FramePath(nRecordFrame), FRAME_QUALITY);
     nRecordFrame++;
-    Rest();
+    nRestStart = PerfCounter();
+    HoldFrames(RestEnd());
     if (nRecordFrame <= nRecordLimit)
         ShowStatus(Progress());
     else
@@ -242,21 +282,27 @@ void FinishFrameRecorder()
 {
     if (GlobalSettings.bRecording)
         Stop();
-    Finish();
-    StopPictureQueue(pCaptures);
-    pCaptures = nullptr;
+    if (pEnding)
+        ReportEnd(&pEnding, nEndingFrames);
+    CloseCaptures();
 }
 
 void PaceRecorder()
 {
-    if (!pQueue)
+    ServeEnding();
+    if (pCaptures && AllIsWritten(pCaptures))
+        CloseCaptures();
+    if (!pQueue || !LastFrame.nHeight)
         return;
-    if (!GlobalSettings.bRecording) {
-        if (AllIsWritten())
-            ReportEnd();
-    } else if (LastFrame.nHeight && !PictureQueueHasRoom(pQueue, &LastFrame)) {
-        HoldFrames(std::max(nRestEnd, PerfCounter() + ROOM_LOOK_MS * (PerfFrequency() / 1000)));
-    }
+    TakePattern();
+    if (!PictureQueueHasRoom(pQueue, &LastFrame, FramePath(nRecordFrame)))
+        HoldFrames(std::max(RestEnd(), PerfCounter() + ROOM_LOOK_MS * (PerfFrequency() / 1000)));
+}
+
+void AdjustRest()
+{
+    if (GlobalSettings.bRecording && nRestStart)
+        HoldFrames(RestEnd());
 }
 
 u32 RecordStep(const HostBitmap *hbm, void *)
@@ -271,7 +317,7 @@ u32 RecordStep(const HostBitmap *hbm, void *)
     NoticeTrouble();
     if (bDiskFull)
         Stop();
-    else if (bSettled && TickCount() >= qwRecordStartTick)
+    else if (bSettled && !pEnding && TickCount() >= qwRecordStartTick)
         RecordFrame(hbm);
     return 0;
 }
@@ -289,6 +335,8 @@ u32 CheckFramePath(std::u16string_view folder, std::u16string_view format, std::
         *pText = FromUtf8(pszWrong);
     else if (!pattern.bHasNumber)
         *pText = u"The filename format doesn't contain a frame number format specifier (eg. %05d).";
+    else if (folder.empty())
+        *pText = u"No frame folder is set.";
     else
         *pText = sample;
     return !sample.empty() && *pText == sample;

@@ -29,8 +29,10 @@ extern SavePictureFn pfnRecorderSave;
 void ToggleFrameRecorder(u32 dwDelayMs, u32 dwSeconds);
 // Stops a recording that runs and waits for the last pictures. For the program's end.
 void FinishFrameRecorder();
+// Gives the rest that runs the length that the settings say now.
+void AdjustRest();
 // Before every turn of the main loop: keeps the next frame back while the encoders have no room for it, and reports the
-// end of a recording when its last picture is written.
+// end of a recording when its last picture is written. One that was started meanwhile begins only then.
 void PaceRecorder();
 // Serves a requested screen capture and a running recording with a finished frame. A presenter.
 u32 RecordStep(const HostBitmap *hbm, void *pvContext = nullptr);

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr u32 NUMBER_WIDTH_MAX = 20;
+constexpr u32 NUMBER_WIDTH_MAX = 1000; // a name that long exists nowhere: whoever opens it says so
 
 // Reads flags and width at text[*pi] behind a percent sign.
 void ReadField(std::u16string_view text, size_t *pi, NumberPattern *pnp)

@@ -11,7 +11,7 @@ struct NumberPattern {
     std::u16string before;
     std::u16string after;
     u32 bHasNumber;
-    u32 nWidth; // least characters of the number, up to 20
+    u32 nWidth; // least characters of the number; more than 1000 count as 1000
     u32 bZeros; // filled with zeros instead of blanks
     u32 bLeft;  // blanks behind the number
     u32 bPlus;  // a plus sign before it

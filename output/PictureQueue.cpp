@@ -52,15 +52,12 @@ struct PictureQueue {
 
 namespace {
 
-bool HasRoom(const PictureQueue &queue, const HostBitmap *hbm)
+bool HasRoom(const PictureQueue &queue, const HostBitmap *hbm, std::u16string_view path)
 {
-    return queue.held.empty() ||
-           (queue.held.size() < queue.options.nHeld && queue.cbHeld + BitmapBytes(hbm) <= PIXEL_BYTES_MAX);
-}
-
-bool IsHeld(const PictureQueue &queue, std::u16string_view path)
-{
-    return std::find(queue.held.begin(), queue.held.end(), path) != queue.held.end();
+    if (queue.held.empty())
+        return true;
+    return queue.held.size() < queue.options.nHeld && queue.cbHeld + BitmapBytes(hbm) <= PIXEL_BYTES_MAX &&
+           std::find(queue.held.begin(), queue.held.end(), path) == queue.held.end();
 }
 
 void CountResult(PictureQueue *pQueue, const PictureResult &result)
@@ -144,7 +141,7 @@ HostBitmap *TakeBitmap(PictureQueue *pQueue, const HostBitmap *hbmLike)
 HostBitmap *ClaimRoom(PictureQueue *pQueue, const HostBitmap *hbm, std::u16string_view path, u64 *pnOrder)
 {
     std::unique_lock lock(pQueue->mtx);
-    pQueue->cvDone.wait(lock, [&] { return HasRoom(*pQueue, hbm) && !IsHeld(*pQueue, path); });
+    pQueue->cvDone.wait(lock, [&] { return HasRoom(*pQueue, hbm, path); });
     *pnOrder = ++pQueue->report.nSubmitted;
     HostBitmap *hbmCopy = pQueue->workers.empty() ? nullptr : TakeBitmap(pQueue, hbm);
     if (hbmCopy) {
@@ -202,10 +199,10 @@ void SubmitPicture(PictureQueue *pQueue, const HostBitmap *hbm, std::u16string_v
     pQueue->cvWork.notify_one();
 }
 
-u32 PictureQueueHasRoom(PictureQueue *pQueue, const HostBitmap *hbm)
+u32 PictureQueueHasRoom(PictureQueue *pQueue, const HostBitmap *hbm, std::u16string_view path)
 {
     std::lock_guard lock(pQueue->mtx);
-    return HasRoom(*pQueue, hbm);
+    return HasRoom(*pQueue, hbm, path);
 }
 
 PictureReport ReadPictureReport(PictureQueue *pQueue)

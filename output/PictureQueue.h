@@ -50,8 +50,8 @@ PictureQueue *StartPictureQueue(const PictureQueueOptions &options);
 // it. Pictures may differ in size. One thread at a time.
 void SubmitPicture(PictureQueue *pQueue, const HostBitmap *hbm, std::u16string_view path, u32 nQuality);
 
-// Non-zero when SubmitPicture would not wait for room. For callers that have events to serve meanwhile. [any-thread]
-u32 PictureQueueHasRoom(PictureQueue *pQueue, const HostBitmap *hbm);
+// Non-zero when SubmitPicture would not wait. For callers that have events to serve meanwhile. [any-thread]
+u32 PictureQueueHasRoom(PictureQueue *pQueue, const HostBitmap *hbm, std::u16string_view path);
 
 PictureReport ReadPictureReport(PictureQueue *pQueue); // [any-thread]
 

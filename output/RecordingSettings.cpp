@@ -2,6 +2,7 @@
 #include "output/RecordingSettings.h"
 
 #include "app/GlobalSettings.h"
+#include "output/FrameRecorder.h"
 #include "output/PictureFiles.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
@@ -59,10 +60,13 @@ void StoreRecordingChoice(const RecordingChoice &choice)
 void StoreRecordingDelay(i32 nDelayMs)
 {
     GlobalSettings.FrameRecordDelay = std::clamp(nDelayMs, 0, RECORD_DELAY_MAX_MS);
+    AdjustRest();
 }
 
 std::u16string DescribeRecordingTrouble(const RecordingChoice &choice)
 {
+    if (choice.folder.empty())
+        return u"No frame folder is set.";
     if (!FolderExists(choice.folder))
         return u"The frame folder does not exist.";
     if (!CanWritePicture(PictureFormatOf(JoinPath(choice.folder, choice.format).c_str())))

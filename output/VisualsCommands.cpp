@@ -205,10 +205,11 @@ std::span<const VisualsMenuRow> VisualsMenu()
     return asMenu;
 }
 
-// Keystrokes to other programs are not there yet.
+// Keystrokes to other programs are not there yet. A recording that runs can be stopped whatever was chosen meanwhile.
 bool VisualsCommandIsEnabled(VisualsCommand eCommand)
 {
-    return eCommand != RecordSeconds || GlobalSettings.FrameRecordMethod == RECORD_METHOD_FRAMES;
+    return eCommand != RecordSeconds || GlobalSettings.bRecording ||
+           GlobalSettings.FrameRecordMethod == RECORD_METHOD_FRAMES;
 }
 
 bool VisualsCommandIsChecked(VisualsCommand eCommand)

@@ -4,6 +4,7 @@
 #include "output/RecordingSettings.h"
 #include "output/VisualsCommands.h"
 #include "platform/Files.h"
+#include "platform/Notices.h"
 #include "tests/EngineFixture.h"
 
 #include <algorithm>
@@ -53,6 +54,14 @@ class FrameRecorder : public EngineTest {
     void Show(u64 nMs = 16)
     {
         if (Step(nMs))
+            RecordStep(*lppsi->phbmOutput);
+    }
+    // One turn of the main loop.
+    void Turn()
+    {
+        SetFixedTick(TickCount() + 16);
+        PaceRecorder();
+        if (RunFrameStep(lppsi))
             RecordStep(*lppsi->phbmOutput);
     }
     // Stops by hand and waits for the report.
@@ -139,6 +148,10 @@ TEST_F(FrameRecorder, TheRestKeepsTheGateShutInsteadOfSleeping)
     EXPECT_EQ(0u, RunFrameStep(lppsi));
     AdvanceFixedCounter(PerfFrequency() / 4);
     EXPECT_EQ(1u, RunFrameStep(lppsi));
+    RecordStep(*lppsi->phbmOutput);
+    EXPECT_GE(NextFrameCount(), PerfCounter() + PerfFrequency() / 2 - 1);
+    StoreRecordingDelay(100);
+    EXPECT_LT(NextFrameCount(), PerfCounter() + PerfFrequency() / 8) << "the slider shortens the rest that runs";
     ToggleFrameRecorder(0, 1);
     EXPECT_LT(NextFrameCount(), PerfCounter() + PerfFrequency() / 2) << "the end of a recording ends the rest";
 }
@@ -152,6 +165,7 @@ TEST_F(FrameRecorder, PicturesThatCannotBeWrittenAreCountedAndTheRecordingGoesOn
     EXPECT_EQ("Recording complete: 4 frames. 4 failed: " + (folder / "nowhere/f-001.ppm").string() +
                   " cannot be written: No such file or directory",
               StopAndRead());
+    EXPECT_NE(std::string::npos, NoticeText().find(asStatus.back())) << "it also outlives the window";
 
     const u32 dwTimeScale = GlobalSettings.TimeScale;
     for (const char16_t *pszFormat :
@@ -162,6 +176,48 @@ TEST_F(FrameRecorder, PicturesThatCannotBeWrittenAreCountedAndTheRecordingGoesOn
         EXPECT_EQ(0u, asStatus.back().find("Cannot record: ")) << asStatus.back();
     }
     EXPECT_EQ(dwTimeScale, GlobalSettings.TimeScale);
+    StoreRecordingChoice({RECORD_METHOD_FRAMES, 160, 128, 0, u"", u"f-%d.ppm"});
+    ToggleFrameRecorder(0, 10);
+    EXPECT_EQ("Cannot record: no frame folder is set; the recording options choose one", asStatus.back());
+}
+
+TEST_F(FrameRecorder, NothingWaitsForPicturesThatAreStillBeingWritten)
+{
+    static std::atomic<bool> bHold;
+    bHold = true;
+    InitFolders({u"/nowhere/vorticade", FromUtf8(folder.string()), {}});
+    pfnRecorderSave = [](const HostBitmap *, const char16_t *, u32) -> u32 {
+        while (bHold)
+            usleep(100);
+        return 1;
+    };
+    for (u32 i = 0; i < 8; i++) {
+        bCaptureRequested = 1;
+        Turn();
+    }
+    EXPECT_EQ(0u, asStatus.back().find("No screen capture was made")) << asStatus.back();
+    CopyText(GlobalSettings.FrameRecordFormat, u"always-the-same.ppm");
+    ToggleFrameRecorder(0, RECORD_SECONDS_ENDLESS);
+    for (u32 i = 0; i < 20; i++)
+        Turn();
+    EXPECT_EQ(2u, nRecordFrame) << "the next picture has the path of the first";
+    GlobalSettings.FrameRecordMethod = RECORD_METHOD_KEYSTROKES;
+    EXPECT_TRUE(VisualsCommandIsEnabled(VisualsCommand::RecordSeconds)) << "or nobody could stop it";
+    ToggleFrameRecorder(0, 0);
+    EXPECT_FALSE(VisualsCommandIsEnabled(VisualsCommand::RecordSeconds));
+    CopyText(GlobalSettings.FrameRecordFormat, u"f-%d.ppm");
+    ToggleFrameRecorder(0, RECORD_SECONDS_ENDLESS);
+    Turn();
+    Turn();
+    EXPECT_EQ(1u, nRecordFrame) << "after the pictures of the recording before";
+    bHold = false;
+    const std::string sFirst = "Recording complete: 1 frames.";
+    while (std::count(asStatus.begin(), asStatus.end(), sFirst) == 0)
+        PaceRecorder();
+    Turn();
+    Turn();
+    EXPECT_EQ("Recording complete: 2 frames.", StopAndRead());
+    pfnRecorderSave = nullptr;
 }
 
 TEST_F(FrameRecorder, ACaptureAndAFrameOfOneMomentAreBothSaved)
@@ -212,12 +268,14 @@ TEST_F(FrameRecorder, NoEmptyPictureIsRecordedWhereThePlanesHaveThreads)
     ASSERT_EQ(1u, LoadModule(FromUtf8(TEST_MODULE_FOLDER) + u"/MinimalPainter.dll"));
     ASSERT_TRUE(Add(MODULEINDEX_OVERLAYPAINTER, 0, u"MinimalPainter.dll"));
     ToggleFrameRecorder(0, RECORD_SECONDS_ENDLESS);
-    for (u32 i = 0; i < 6; i++) {
+    for (u32 i = 0; i < 9; i++) {
         Show();
         if (i == 2)
             StoreRecordingChoice({RECORD_METHOD_FRAMES, 180, 128, 0, Folder("100% of it"), u"f-%03d.ppm"});
+        if (i == 5)
+            GlobalSettings.bResizePending = 1; // anew at the same size
     }
-    StopAndRead();
+    EXPECT_EQ("Recording complete: 6 frames.", StopAndRead());
     for (const std::string &sName : Files("100% of it")) {
         std::ifstream file(folder / "100% of it" / sName, std::ios::binary);
         const std::string bytes(std::istreambuf_iterator<char>(file), {});
@@ -240,6 +298,9 @@ TEST_F(FrameRecorder, TheCheckOfAPathSaysWhatIsWrong)
     EXPECT_EQ("-The resulting path is too long.", check(std::u16string(250, u'a'), u"longname%d.png"));
     EXPECT_EQ("-The resulting path is too long.", check(std::u16string(242, u'a'), u"x%020d.png"));
     EXPECT_NE(std::string::npos, check(u"/a", u"%s.png").find("must be of the form %d"));
+    EXPECT_EQ("-No frame folder is set.", check(u"", u"x%d.png"));
+    EXPECT_EQ("-The resulting path is too long.", check(u"/a", u"%300d.png"));
+    EXPECT_EQ(std::string(40, '0'), check(u"/a", u"%044d.png").substr(4, 40));
     EXPECT_EQ(u"The frame folder does not exist.",
               DescribeRecordingTrouble({1, 640, 480, 0, u"/no/where", u"x%d.png"}));
     EXPECT_NE(u"", DescribeRecordingTrouble({1, 640, 480, 0, u"/tmp", u"x%d.fst"}));

@@ -101,10 +101,11 @@ TEST_F(Pictures, OneWorkerKeepsTheOrderAndAFullQueueHoldsTheCallerUp)
     seen.bHold = true;
     PictureQueue *pQueue = StartPictureQueue({1, 3, SaveSlowly, nullptr, nullptr});
     for (u32 n = 1; n <= 3; n++) {
-        EXPECT_TRUE(PictureQueueHasRoom(pQueue, hbm));
+        EXPECT_TRUE(PictureQueueHasRoom(pQueue, hbm, u"new"));
         Submit(pQueue, n, std::to_string(n));
+        EXPECT_FALSE(PictureQueueHasRoom(pQueue, hbm, FromUtf8(std::to_string(n)))) << "its path is taken";
     }
-    EXPECT_FALSE(PictureQueueHasRoom(pQueue, hbm));
+    EXPECT_FALSE(PictureQueueHasRoom(pQueue, hbm, u"new"));
     std::atomic<bool> bIn = false;
     std::thread drawing([&] {
         Submit(pQueue, 4, "4");
