@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 #include <vector>
 
@@ -19,6 +19,24 @@ constexpr int PIPE_BYTES = 1024 * 1024; // the most that a user may ask for by d
 
 int nRawError = 0; // of the first raw frame that failed; read and written by the one worker
 
+// A program before or behind this one may have set the pipe so that a full one is an error: then wait for room.
+bool WriteToOutput(const u8 *p, size_t cb)
+{
+    while (cb > 0) {
+        const ssize_t cbWritten = write(STDOUT_FILENO, p, cb);
+        if (cbWritten >= 0) {
+            p += cbWritten;
+            cb -= static_cast<size_t>(cbWritten);
+        } else if (errno == EAGAIN) {
+            pollfd pfd = {STDOUT_FILENO, POLLOUT, 0};
+            poll(&pfd, 1, -1);
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool WriteRawRows(const HostBitmap *hbm)
 {
     const i32 nRows = RowsInBlock(hbm->cbRow, hbm->nHeight);
@@ -28,11 +46,10 @@ bool WriteRawRows(const HostBitmap *hbm)
         u8 *pTo = block.data();
         for (; y > yEnd; pTo += hbm->cbRow)
             std::memcpy(pTo, BitmapRow(hbm, --y), hbm->cbRow);
-        const size_t cb = static_cast<size_t>(pTo - block.data());
-        if (std::fwrite(block.data(), 1, cb, stdout) != cb)
+        if (!WriteToOutput(block.data(), static_cast<size_t>(pTo - block.data())))
             return false;
     }
-    return std::fflush(stdout) == 0;
+    return true;
 }
 
 // After a frame that failed half way, everything behind it would be out of place.

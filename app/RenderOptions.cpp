@@ -7,9 +7,14 @@
 #include "platform/Files.h"
 #include "platform/Text.h"
 
+#include <algorithm>
+#include <cmath>
+#include <unistd.h>
+
 namespace {
 
 constexpr i64 FRAMES_MAX = 100000000;
+constexpr double SECONDS_MAX = 100000; // with the highest rate FRAMES_MAX frames
 
 RenderOptions *Options(void *pv)
 {
@@ -19,7 +24,14 @@ RenderOptions *Options(void *pv)
 bool SetFrames(void *pv, const std::string &s)
 {
     Options(pv)->bFramesGiven = 1;
+    Options(pv)->fSeconds = 0;
     return ParseNumber(s, 1, FRAMES_MAX, &Options(pv)->nFrames);
+}
+
+bool SetSeconds(void *pv, const std::string &s)
+{
+    Options(pv)->bFramesGiven = 1;
+    return ParseNumber(s, 0.001, SECONDS_MAX, &Options(pv)->fSeconds);
 }
 
 bool SetSize(void *pv, const std::string &s)
@@ -83,6 +95,7 @@ template <std::string RenderOptions::*pText> bool SetText(void *pv, const std::s
 
 constexpr OptionRow asOption[] = {
     {"--frames", "N", "frames to write, numbered from 1 (default 300, or the length of the sound file)", SetFrames},
+    {"--seconds", "S", "the same as so many seconds", SetSeconds},
     {"--size", "WxH", "size of the picture, 128 to 8192 each way (default 1280x720)", SetSize},
     {"--fps", "F", "frames a second of the fixed clock, up to 1000 (default 60)", SetFps},
     {"--out", "PATTERN",
@@ -112,8 +125,21 @@ constexpr OptionRow asOption[] = {
     {"--version", nullptr, "the version", SwitchOn<&RenderOptions::bVersion>},
 };
 
+// What is no UTF-8 would become another name on its way through the program.
+bool CheckName(const char *pszOption, const std::string &sName, std::string *psError)
+{
+    if (ToUtf8(FromUtf8(sName)) == sName)
+        return true;
+    *psError = pszOption + (" " + sName) + ": the name is not UTF-8";
+    return false;
+}
+
 bool CheckOut(RenderOptions *pro, std::string *psError)
 {
+    if (pro->out == "-" && isatty(STDOUT_FILENO) && pro->save.empty() && pro->list.empty()) {
+        *psError = "--out -: raw frames do not go to a terminal; send them to a file or to another program";
+        return false;
+    }
     if (pro->out == "-")
         return true;
     const std::u16string out = FromUtf8(pro->out);
@@ -156,7 +182,10 @@ bool ReadRenderOptions(int argc, char **argv, RenderOptions *pro, std::string *p
         return false;
     if (pro->bHelp || pro->bVersion)
         return true;
-    return CheckOperands(pro, asOperand, psError) && CheckOut(pro, psError);
+    if (pro->fSeconds > 0)
+        pro->nFrames = std::max<i64>(std::llround(pro->fSeconds * pro->fFps), 1);
+    return CheckOperands(pro, asOperand, psError) && CheckName("--out", pro->out, psError) &&
+           CheckName("--save", pro->save, psError) && CheckOut(pro, psError);
 }
 
 std::string RenderHelp()

@@ -11,7 +11,8 @@ struct RenderOptions {
     StartOptions start;
     std::string preset; // PRESET: a file, or "default"
     i64 nFrames = 300;
-    u32 bFramesGiven = 0; // else a song's length decides
+    double fSeconds = 0;  // 0: nFrames counts
+    u32 bFramesGiven = 0; // either of them; else a song's length decides
     i64 nWidth = 1280;
     i64 nHeight = 720;
     double fFps = 60;

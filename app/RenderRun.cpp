@@ -63,10 +63,10 @@ std::string LoadSong(RenderOptions *pro, Song *pSong)
     if (!ReadSong(pSong, pro->sound, &sError))
         return pro->sound + ": " + sError;
     const std::string sDamage = SongDamage(*pSong);
-    if (pro->bFramesGiven && !sDamage.empty())
+    if (!sDamage.empty() && !pro->bFramesGiven)
+        return pro->sound + ": " + sDamage + "; with --seconds S it is taken as it is";
+    if (!sDamage.empty() && SongSeconds(*pSong) * pro->fFps < static_cast<f64>(pro->nFrames))
         Complain(pro->sound + ": " + sDamage + "; the rest is silence");
-    else if (!sDamage.empty())
-        return pro->sound + ": " + sDamage + "; with --frames N it is taken as it is";
     if (!pro->bFramesGiven)
         pro->nFrames = std::max<i64>(std::llround(SongSeconds(*pSong) * pro->fFps), 1);
     return {};

@@ -1,6 +1,7 @@
 // Song.cpp -- the sound levels of a sound file at any moment of it
 #include "app/Song.h"
 
+#include "app/SongLength.h"
 #include "stock/SoundLevelDLL/LevelMeter.h"
 
 #include <algorithm>
@@ -18,6 +19,7 @@ namespace {
 constexpr u32 BLOCK_STEPS = 16;
 constexpr f64 SILENCE_AFTER_MS = QUIET_AFTER_MS + 500;
 constexpr u64 SECONDS_MAX = 24 * 60 * 60;
+constexpr u64 MISSING_MS_MAX = 50; // some programs write a length that is wrong by a header
 
 struct CloseSound {
     void operator()(SNDFILE *pFile) const
@@ -74,6 +76,7 @@ std::string CheckFile(const std::string &sPath)
 struct SoundBytes {
     FILE *pFile;
     sf_count_t nTimesLonger; // than it is: what is told of its length
+    sf_count_t nEmptyAt;     // see SoundBytesPromised
 };
 
 SoundBytes *Bytes(void *pv)
@@ -101,7 +104,13 @@ sf_count_t BytesLength(void *pv)
 
 sf_count_t BytesRead(void *p, sf_count_t cb, void *pv)
 {
-    return static_cast<sf_count_t>(std::fread(p, 1, static_cast<size_t>(cb), Bytes(pv)->pFile));
+    const sf_count_t nAt = BytesTell(pv), nEmptyAt = Bytes(pv)->nEmptyAt;
+    const auto cbRead = static_cast<sf_count_t>(std::fread(p, 1, static_cast<size_t>(cb), Bytes(pv)->pFile));
+    // The decoder would take 0 for a length; of one beyond the file it makes the rest of the file.
+    for (sf_count_t i = nEmptyAt; nEmptyAt && i < nEmptyAt + 4; i++)
+        if (i >= nAt && i < nAt + cbRead)
+            static_cast<u8 *>(p)[i - nAt] = 0xFF;
+    return cbRead;
 }
 
 sf_count_t BytesWrite(const void *, sf_count_t, void *)
@@ -177,7 +186,7 @@ std::string ReadLevels(Song *pSong, SNDFILE *pFile, const SF_INFO &info)
     LevelMeter meter;
     const u32 nChannels = static_cast<u32>(info.channels);
     InitLevelMeter(&meter, static_cast<u32>(info.samplerate), nChannels, 0);
-    *pSong = {meter.nRate, meter.nStepFrames, 0, static_cast<u64>(std::max<sf_count_t>(info.frames, 0)), {}};
+    *pSong = {meter.nRate, meter.nStepFrames, 0, static_cast<u64>(std::max<sf_count_t>(info.frames, 0)), 0, {}};
     const u64 nBlock = static_cast<u64>(BLOCK_STEPS) * pSong->nStepFrames;
     std::vector<f32> block(nBlock * nChannels);
     for (sf_count_t n; (n = sf_readf_float(pFile, block.data(), static_cast<sf_count_t>(nBlock))) > 0;) {
@@ -190,22 +199,36 @@ std::string ReadLevels(Song *pSong, SNDFILE *pFile, const SF_INFO &info)
     if (pSong->nFrames == 0)
         return "it holds no sound";
     if (sf_error(pFile) != SF_ERR_NO_ERROR)
-        pSong->nPromised = std::max(pSong->nPromised, pSong->nFrames + 1);
+        pSong->bBroken = 1;
     FeedSilence(pSong, &meter);
     return {};
 }
 
+// A file without compression that was cut off looks like a shorter song to its decoder.
+void NoteMissingBytes(Song *pSong, const SoundBytesPromised &bytes)
+{
+    if (bytes.cbPresent == 0)
+        return;
+    const f64 fFrames =
+        static_cast<f64>(pSong->nFrames) * static_cast<f64>(bytes.cbPromised) / static_cast<f64>(bytes.cbPresent);
+    if (fFrames < 1e15 && fFrames > static_cast<f64>(pSong->nFrames + pSong->nRate * MISSING_MS_MAX / 1000))
+        pSong->nPromised = std::max(pSong->nPromised, static_cast<u64>(fFrames));
+}
+
 std::string ReadSound(Song *pSong, FILE *pFile)
 {
+    const SoundBytesPromised promised = ReadSoundPromise(pFile);
     const NoStandardError quiet;
-    SoundBytes source = {pFile, 1};
+    SoundBytes source = {pFile, 1, static_cast<sf_count_t>(promised.nEmptyAt)};
     SF_INFO info;
     const SoundFile file = OpenWholeSound(&source, &info);
     if (!file)
         return "this is no sound file that can be read";
     if (info.samplerate < static_cast<int>(METER_RATE_MIN) || info.samplerate > static_cast<int>(METER_RATE_MAX))
         return "its sample rate of " + std::to_string(info.samplerate) + " a second is out of range";
-    return ReadLevels(pSong, file.get(), info);
+    const std::string sError = ReadLevels(pSong, file.get(), info);
+    NoteMissingBytes(pSong, promised);
+    return sError;
 }
 
 } // namespace
@@ -231,13 +254,16 @@ f64 SongSeconds(const Song &song)
 
 std::string SongDamage(const Song &song)
 {
-    if (song.nPromised <= song.nFrames)
+    if (song.nPromised <= song.nFrames && !song.bBroken)
         return {};
-    char szText[128], szOf[32] = "";
-    if (song.nPromised / song.nRate <= SECONDS_MAX) // else the file does not know
-        std::snprintf(szOf, sizeof szOf, " of %.1f", static_cast<f64>(song.nPromised) / song.nRate);
-    std::snprintf(szText, sizeof szText, "the file is damaged: only %.1f%s seconds can be read", SongSeconds(song),
-                  szOf);
+    char szText[128];
+    const f64 fRead = SongSeconds(song), fPromised = static_cast<f64>(song.nPromised) / song.nRate;
+    // Otherwise the file does not know, or the lack is too short to be told in numbers.
+    if (fPromised >= fRead + 0.1 && fPromised <= static_cast<f64>(SECONDS_MAX))
+        std::snprintf(szText, sizeof szText, "the file is damaged: only %.1f of %.1f seconds can be read", fRead,
+                      fPromised);
+    else
+        std::snprintf(szText, sizeof szText, "the file is damaged: it ends in the middle, after %.1f seconds", fRead);
     return szText;
 }
 

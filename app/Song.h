@@ -20,6 +20,7 @@ struct Song {
     u32 nStepFrames;             // frames from one step to the next
     u64 nFrames;                 // that could be read
     u64 nPromised;               // that the file speaks of; more than nFrames if it is damaged
+    u32 bBroken;                 // a decoder gave up behind the last of nFrames
     std::vector<SongStep> steps; // a little more than the song: until its last sound has died away
 };
 

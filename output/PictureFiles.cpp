@@ -44,6 +44,15 @@ const FormatWriter *FindWriter(PictureFormat eFormat)
     return nullptr;
 }
 
+// The file itself, not a link that leads to it.
+void RemoveHalf(const std::string &sPath)
+{
+    std::error_code failed;
+    const std::filesystem::path real = std::filesystem::canonical(sPath, failed);
+    if (!failed && std::filesystem::is_regular_file(real, failed))
+        std::filesystem::remove(real, failed);
+}
+
 } // namespace
 
 PictureFormat PictureFormatOf(const char16_t *pszPath)
@@ -68,7 +77,7 @@ u32 SavePicture(const HostBitmap *hbm, const char16_t *pszPath, u32 nQuality)
     if (!pWriter)
         return 0;
     const std::string sPath = NativePathOfNewFile(pszPath);
-    FILE *pFile = std::fopen(sPath.c_str(), "wb");
+    FILE *pFile = std::fopen(sPath.c_str(), "wbe");
     if (!pFile)
         return 0;
     errno = 0;
@@ -78,9 +87,8 @@ u32 SavePicture(const HostBitmap *hbm, const char16_t *pszPath, u32 nQuality)
     if (bWritten && bClosed)
         return 1;
     const int nReason = nError ? nError : errno;
-    std::error_code ignored;
     if (pWriter->bRemoveHalf)
-        std::filesystem::remove(sPath, ignored);
+        RemoveHalf(sPath);
     errno = nReason;
     return 0;
 }

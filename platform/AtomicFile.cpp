@@ -5,8 +5,10 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cstdlib>
+#include <climits>
 #include <cstring>
+#include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,6 +17,10 @@ namespace {
 
 constexpr mode_t NEW_FILE_MODE = 0666;
 constexpr mode_t PERMISSION_BITS = 0777;
+constexpr u32 LINKS_MAX = 40; // as many as the system follows
+constexpr time_t STALE_SECONDS = 24 * 60 * 60;
+constexpr int FOLDER_FLAGS = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr char TEMPORARY_FOLDER[] = ".saving-"; // and six more characters
 
 std::string sSaveFolder; // native path; empty: none. Set once at start
 
@@ -24,12 +30,67 @@ std::string FolderPart(const std::string &sPath)
     return iSlash == std::string::npos ? "." : iSlash == 0 ? "/" : sPath.substr(0, iSlash);
 }
 
-std::string FollowLinks(const std::string &sPath)
+// Where the last of the links leads, be there a file or not. A ring of links stays a link, which cannot be opened.
+std::string FollowLinks(std::string s)
 {
-    char *pszReal = realpath(sPath.c_str(), nullptr);
-    const std::string s = pszReal ? pszReal : sPath;
-    std::free(pszReal);
+    for (u32 i = 0; i < LINKS_MAX; i++) {
+        char szTarget[PATH_MAX];
+        const ssize_t cch = readlink(s.c_str(), szTarget, sizeof szTarget);
+        if (cch <= 0)
+            break;
+        const std::string sTarget(szTarget, static_cast<size_t>(cch));
+        s = sTarget[0] == '/' ? sTarget : FolderPart(s) + "/" + sTarget;
+    }
     return s;
+}
+
+bool IsOurs(int fdFolder, const char *pszName, mode_t nKind, time_t nNow)
+{
+    struct stat st;
+    return fstatat(fdFolder, pszName, &st, AT_SYMLINK_NOFOLLOW) == 0 && (st.st_mode & S_IFMT) == nKind &&
+           st.st_uid == geteuid() && st.st_mtime < nNow - STALE_SECONDS;
+}
+
+bool IsTemporaryName(std::string_view name)
+{
+    return name.ends_with(".tmp") && name.size() > 4 &&
+           name.substr(0, name.size() - 4).find_first_not_of("0123456789-") == name.npos;
+}
+
+bool IsTemporaryFolderName(std::string_view name)
+{
+    return name.starts_with(TEMPORARY_FOLDER) && name.size() == std::strlen(TEMPORARY_FOLDER) + 6;
+}
+
+// What a save left that was killed: more than a day old, so that no other program is still at it. Takes the descriptor.
+void RemoveStaleFiles(int fdFolder)
+{
+    DIR *pFolder = fdFolder >= 0 ? fdopendir(fdFolder) : nullptr;
+    if (!pFolder) {
+        if (fdFolder >= 0)
+            close(fdFolder);
+        return;
+    }
+    const time_t nNow = time(nullptr);
+    while (const dirent *pEntry = readdir(pFolder))
+        if (IsTemporaryName(pEntry->d_name) && IsOurs(fdFolder, pEntry->d_name, S_IFREG, nNow))
+            unlinkat(fdFolder, pEntry->d_name, 0);
+    closedir(pFolder);
+}
+
+void RemoveStaleFolders(const std::string &sFolder)
+{
+    DIR *pFolder = opendir(sFolder.c_str());
+    if (!pFolder)
+        return;
+    const int fdFolder = dirfd(pFolder);
+    const time_t nNow = time(nullptr);
+    while (const dirent *pEntry = readdir(pFolder))
+        if (IsTemporaryFolderName(pEntry->d_name) && IsOurs(fdFolder, pEntry->d_name, S_IFDIR, nNow)) {
+            RemoveStaleFiles(openat(fdFolder, pEntry->d_name, FOLDER_FLAGS));
+            unlinkat(fdFolder, pEntry->d_name, AT_REMOVEDIR);
+        }
+    closedir(pFolder);
 }
 
 // How a save went.
@@ -102,7 +163,8 @@ SaveResult SaveThrough(const std::string &sFolder, const std::string &sTarget, s
 
 SaveResult SaveBeside(const std::string &sTarget, std::string_view bytes, mode_t nMode)
 {
-    std::string sFolder = FolderPart(sTarget) + "/.saving-XXXXXX";
+    RemoveStaleFolders(FolderPart(sTarget));
+    std::string sFolder = FolderPart(sTarget) + "/" + TEMPORARY_FOLDER + "XXXXXX";
     if (!mkdtemp(sFolder.data()))
         return {errno, 0};
     const SaveResult result = SaveThrough(sFolder, sTarget, bytes, nMode);
@@ -114,14 +176,18 @@ SaveResult Save(const std::string &sTarget, std::string_view bytes)
 {
     struct stat st;
     const bool bExists = stat(sTarget.c_str(), &st) == 0;
+    if (!bExists && errno != ENOENT)
+        return {errno, 0};
     if (bExists && !S_ISREG(st.st_mode))
         return {S_ISDIR(st.st_mode) ? EISDIR : EINVAL, 0};
     if (bExists && access(sTarget.c_str(), W_OK) != 0)
         return {errno, 0};
     const mode_t nMode = bExists ? st.st_mode & PERMISSION_BITS : 0;
     SaveResult result = {EXDEV, 0};
-    if (!sSaveFolder.empty() && (mkdir(sSaveFolder.c_str(), 0700) == 0 || errno == EEXIST))
+    if (!sSaveFolder.empty() && (mkdir(sSaveFolder.c_str(), 0700) == 0 || errno == EEXIST)) {
+        RemoveStaleFiles(open(sSaveFolder.c_str(), FOLDER_FLAGS));
         result = SaveThrough(sSaveFolder, sTarget, bytes, nMode);
+    }
     return result.nError == EXDEV ? SaveBeside(sTarget, bytes, nMode) : result;
 }
 

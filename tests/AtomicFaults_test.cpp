@@ -58,8 +58,11 @@ class AtomicFaults : public ::testing::TestWithParam<bool> {
         SetSaveFolder(u"");
         fs::remove_all(folder);
     }
+    // What a killed save left is gone too: each one looks through it for what is old.
     void Restore()
     {
+        fs::remove_all(folder);
+        fs::create_directory(folder);
         std::ofstream(file) << OLD;
     }
     std::string Contents() const

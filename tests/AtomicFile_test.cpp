@@ -127,6 +127,40 @@ TEST_P(AtomicFile, ALinkStaysALink)
     ASSERT_TRUE(Save(path, "new"));
     EXPECT_TRUE(fs::is_symlink(path));
     EXPECT_EQ(Read(folder / "Real.VD"), "new");
+
+    const fs::path dangling = folder / "Presets" / "B.VD", ring = folder / "Presets" / "C.VD";
+    fs::create_symlink("../later.VD", folder / "Presets" / "hop");
+    fs::create_symlink("hop", dangling);
+    ASSERT_TRUE(Save(dangling, "made")) << sWhy;
+    EXPECT_TRUE(fs::is_symlink(dangling));
+    EXPECT_EQ(Read(folder / "later.VD"), "made");
+    fs::create_symlink("C.VD", ring);
+    EXPECT_FALSE(Save(ring, "x"));
+    EXPECT_TRUE(fs::is_symlink(ring));
+}
+
+TEST_P(AtomicFile, WhatAKilledSaveLeftIsRemovedADayLater)
+{
+    const fs::path left = GetParam() ? folder / ".saving" : folder / "Presets" / ".saving-abcdef";
+    fs::create_directory(left);
+    const auto old = fs::file_time_type::clock::now() - std::chrono::hours(25);
+    for (const char *pszName : {"12-0.tmp", "13-1.tmp", "mine.tmp"}) {
+        std::ofstream(left / pszName) << "half";
+        if (*pszName != '1' || pszName[1] != '3')
+            fs::last_write_time(left / pszName, old);
+    }
+    fs::last_write_time(left, old);
+    ASSERT_TRUE(Save(folder / "Presets" / "A.VD", "x"));
+    EXPECT_FALSE(fs::exists(left / "12-0.tmp"));
+    EXPECT_TRUE(fs::exists(left / "13-1.tmp")) << "another program may be at it";
+    EXPECT_TRUE(fs::exists(left / "mine.tmp")) << "no name of ours";
+    if (GetParam())
+        return;
+    for (const char *pszName : {"13-1.tmp", "mine.tmp"})
+        fs::remove(left / pszName);
+    fs::last_write_time(left, old);
+    ASSERT_TRUE(Save(folder / "Presets" / "A.VD", "y"));
+    ExpectOnly({"A.VD"});
 }
 
 TEST_P(AtomicFile, AReaderSeesOneOfTheTwoContentsAtEveryMoment)

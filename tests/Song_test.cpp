@@ -120,6 +120,20 @@ TEST_F(SongFile, EveryFormatHasItsLengthItsSoundAndItsSilence)
     }
 }
 
+TEST_F(SongFile, ALengthThatItsWriterDidNotKnowPromisesNothing)
+{
+    Write("pipe.wav", WAV, 44100, 2);
+    for (const u32 dwLength : {0u, 0xFFFFFFFFu, 0xFFFFFFDBu, 0x7FFFFFFFu, 0x7FFFF000u, 0x80000000u}) {
+        std::fstream file(folder / "pipe.wav", std::ios::binary | std::ios::in | std::ios::out);
+        for (const int nAt : {4, 40}) // of the whole, and of the sound
+            file.seekp(nAt).write(reinterpret_cast<const char *>(&dwLength), 4);
+        file.close();
+        ASSERT_EQ("", Read("pipe.wav")) << dwLength;
+        EXPECT_EQ("", SongDamage(song)) << dwLength;
+        EXPECT_NEAR(3.0, SongSeconds(song), 0.01) << dwLength;
+    }
+}
+
 TEST_F(SongFile, WhatIsNoSoundFileIsToldAndADamagedOneIsTakenAsFarAsItGoes)
 {
     std::ofstream(folder / "empty.wav").close();
@@ -137,6 +151,15 @@ TEST_F(SongFile, WhatIsNoSoundFileIsToldAndADamagedOneIsTakenAsFarAsItGoes)
     EXPECT_GT(SongSeconds(song), 1.0);
     EXPECT_LT(SongSeconds(song), 2.5);
     EXPECT_GT(Level(1100), 0.1f);
+    for (const int nKind : {SF_FORMAT_WAV, SF_FORMAT_AIFF, SF_FORMAT_W64, SF_FORMAT_RF64, SF_FORMAT_AU})
+        for (const int nSample : {SF_FORMAT_PCM_16, SF_FORMAT_FLOAT}) {
+            Write("cut.wav", nKind | nSample, 44100, 2);
+            ASSERT_EQ("", Read("cut.wav")) << nKind << " " << nSample;
+            EXPECT_EQ("", SongDamage(song)) << nKind;
+            fs::resize_file(folder / "cut.wav", fs::file_size(folder / "cut.wav") / 2);
+            ASSERT_EQ("", Read("cut.wav")) << nKind << " " << nSample;
+            EXPECT_EQ("the file is damaged: only 1.5 of 3.0 seconds can be read", SongDamage(song)) << nKind;
+        }
     Write("header.wav", WAV, 44100, 2);
     fs::resize_file(folder / "header.wav", 44);
     EXPECT_NE("", Read("header.wav"));
