@@ -58,6 +58,12 @@ expect "a song of another kind and odd sizes make a film too" \
 expect "it has even sides and the seconds wanted" [ "$(probe "odd %d name.mkv" v width,height)" = 162,130 ]
 
 cp film.mp4 kept.mp4
+head -c 400000 song.wav >cut.wav
+expect "a song that was cut off is refused" eval '! make_film default cut.wav film.mp4'
+expect "with advice that the script understands" grep -q -e "--seconds" log
+expect "its beginning may do" make_film --seconds 1 "Dance - Neon Spokes.VD" cut.wav start.mkv
+expect "a preset by its name alone does not begin in the dark" [ "$(ffmpeg -v error -i start.mkv -frames:v 1 -pix_fmt gray \
+    -f rawvideo - | tr -d '\000-\030' | wc -c)" -gt 100 ]
 head -c 3000 /dev/urandom >noise.wav
 expect "noise is refused" eval '! make_film default noise.wav film.mp4'
 expect "a missing preset is refused" eval '! make_film missing.VD song.wav film.mp4'

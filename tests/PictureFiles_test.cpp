@@ -287,18 +287,22 @@ TEST_F(PictureFiles, AFullDiskIsToldAndAHalfWrittenEncodedFileIsRemovedButAPpmSt
         EXPECT_EQ(nError, EFBIG) << pszName;
         EXPECT_FALSE(fs::exists(folder / pszName)) << pszName;
     }
+    fs::create_symlink("real", folder / "link.bmp");
     const rlimit small = {1000, before.rlim_max};
     setrlimit(RLIMIT_FSIZE, &small);
     EXPECT_EQ(Save("a.ppm"), 0u);
+    EXPECT_EQ(Save("link.bmp"), 0u);
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, pfnBefore);
     EXPECT_EQ(fs::file_size(folder / "a.ppm"), 1000u);
+    EXPECT_TRUE(fs::is_symlink(folder / "link.bmp"));
+    EXPECT_FALSE(fs::exists(folder / "real"));
 
     // What fails only when the last bytes leave the buffer.
     fs::create_symlink("/dev/full", folder / "b.jpg");
     EXPECT_EQ(Save("b.jpg"), 0u);
     EXPECT_EQ(errno, ENOSPC);
-    EXPECT_FALSE(fs::is_symlink(folder / "b.jpg"));
+    EXPECT_TRUE(fs::is_symlink(folder / "b.jpg")) << "and the device is left alone";
 }
 
 TEST_F(PictureFiles, ManyThreadsSaveAtOnceWithTheSameBytes)

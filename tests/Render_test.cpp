@@ -13,8 +13,11 @@
 #include <sndfile.h>
 #include <sstream>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -258,7 +261,44 @@ TEST_F(Render, AWrongCommandLineEndsWithTwoAndOneLine)
         EXPECT_EQ(1, Lines(result.sErr)) << pszArguments << "\n" << result.sErr;
         EXPECT_EQ("", result.sOut) << pszArguments;
     }
+    for (const char *pszOption : {"--out f-%d-", "--save "}) {
+        const RunResult result = RunBare(std::string("default ") + pszOption + "$(printf '\\351').png");
+        EXPECT_EQ(2, result.nExit) << "a name that is not UTF-8";
+        EXPECT_EQ(1, Lines(result.sErr)) << result.sErr;
+    }
     EXPECT_TRUE(Files().empty());
+    const int fdTerminal = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_TRUE(fdTerminal >= 0 && grantpt(fdTerminal) == 0 && unlockpt(fdTerminal) == 0);
+    const RunResult terminal = RunBare("default --frames 1 --out -", ptsname(fdTerminal));
+    close(fdTerminal);
+    EXPECT_EQ(2, terminal.nExit);
+    EXPECT_EQ(1, Lines(terminal.sErr)) << terminal.sErr;
+}
+
+TEST_F(Render, RawFramesWaitForRoomInAPipeThatDoesNotBlock)
+{
+    constexpr int OUTPUT = 9; // the shell knows numbers of one digit
+    int afd[2];
+    ASSERT_EQ(0, pipe2(afd, O_CLOEXEC));
+    ASSERT_EQ(OUTPUT, dup2(afd[1], OUTPUT));
+    fcntl(OUTPUT, F_SETFL, O_NONBLOCK);
+    close(afd[1]);
+    size_t cbRead = 0;
+    std::thread reader([&] {
+        for (int cb = 0; ioctl(afd[0], FIONREAD, &cb) == 0 && cb < 60000;) // it comes late
+            usleep(1000);
+        std::vector<char> block(1 << 20);
+        for (ssize_t cb; (cb = read(afd[0], block.data(), block.size())) > 0;)
+            cbRead += static_cast<size_t>(cb);
+    });
+    const RunResult result = RunBare("--data " SOURCE_FOLDER "/data --modules " STOCK_MODULE_FOLDER
+                                     " default --seconds 0.1 --size 640x480 --out -",
+                                     "&9");
+    close(OUTPUT);
+    reader.join();
+    close(afd[0]);
+    EXPECT_EQ("", result.sErr);
+    EXPECT_EQ(6u * 640 * 480 * 4, cbRead);
 }
 
 TEST_F(Render, WhatCannotBeDoneEndsWithOneAndOneLineAndLeavesNothing)
