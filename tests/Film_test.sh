@@ -50,7 +50,7 @@ expect "picture and sound are equally long" [ "$(probe film.mp4 v duration)" = 9
 before=$(activity film.mp4 1 3)
 during=$(activity film.mp4 3.3 6)
 after=$(activity film.mp4 7.3 9)
-expect "the picture moves with the song: $before, $during, $after" [ "$((during * 10))" -gt "$((before * 13))" ]
+expect "the picture moves with the song: $before, $during, $after" [ "$((during * 10))" -gt "$((before * 12))" ]
 expect "its silence calms the picture: $before, $during, $after" [ "$((during * 10))" -gt "$((after * 13))" ]
 
 expect "a song of another kind and odd sizes make a film too" \
