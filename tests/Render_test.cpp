@@ -334,8 +334,8 @@ TEST_F(Render, HelpAndVersionGoToStandardOutput)
 {
     const RunResult help = RunBare("--help");
     EXPECT_EQ(0, help.nExit);
-    for (const char *pszOption : {"--frames", "--size", "--fps", "--out", "--warmup", "--seed", "--sound", "--mix",
-                                  "--threads", "--data", "--modules", "--save", "--list", "--json", "--stats"})
+    for (const char *pszOption : {"--frames", "--seconds", "--size", "--fps", "--out", "--warmup", "--seed", "--sound",
+                                  "--mix", "--threads", "--data", "--modules", "--save", "--list", "--json", "--stats"})
         EXPECT_NE(std::string::npos, help.sOut.find(pszOption)) << pszOption;
     EXPECT_EQ(0, RunBare("--version").nExit);
     const RunResult stats = Run("default --frames 3 --size 128x128 --out - --stats");
