@@ -133,7 +133,7 @@ static void Move(Noise *pNoise, float fSeconds)
         pNoise->fGrainStep = WrapUnit(pNoise->fGrainStep);
         pNoise->dwGrainFrame += 0x9E3779B9u;
     }
-    MoveNoise(&pNoise->motion, pNoise->fWind, pNoise->fBoil, fSeconds);
+    MoveNoise(&pNoise->motion, pNoise->look.fFineness, pNoise->fWind, pNoise->fBoil, fSeconds);
 }
 
 // Mixes the steps of a row with white noise.

@@ -4,8 +4,9 @@
 // height and a slope, mixed once from its four corners; the vertices between only mix two of those.
 #include "NoiseField.h"
 
-#define NOISE_LATTICE 4096 // columns of the lattice in one row, at most
-#define NOISE_RADIX 1024   // the lattice repeats after so many hills
+#define NOISE_LACUNARITY 2.03 // how much finer each octave is than the one before
+#define NOISE_LATTICE 4096    // columns of the lattice in one row, at most
+#define NOISE_RADIX 1024      // the lattice repeats after so many hills
 
 void FreeLayers(NoiseLayers *pLayers)
 {
@@ -46,13 +47,17 @@ void SeedNoise(NoiseMotion *pMotion, StockRandom *pRandom)
     pMotion->dwSeed = (uint32_t)NextRandom(pRandom);
 }
 
-void MoveNoise(NoiseMotion *pMotion, float fWind, float fBoil, float fSeconds)
+void MoveNoise(NoiseMotion *pMotion, float fFineness, float fWind, float fBoil, float fSeconds)
 {
+    double fOctave = (double)fFineness;
     // Each octave goes its own way around the wind, so that the hills do not travel as one.
     for (int32_t i = 0; i < NOISE_BENDS + NOISE_OCTAVES; i++) {
         const float fHeading = pMotion->fHeading + 0.09f * (float)(i % 3 - 1);
-        pMotion->axDrift[i] += (double)(fWind * fSeconds * CosineTurn(fHeading));
-        pMotion->ayDrift[i] += (double)(fWind * fSeconds * SineTurn(fHeading));
+        const double fHills = (double)(fWind * fSeconds) * (i < NOISE_BENDS ? NOISE_BEND_FINENESS : fOctave);
+        pMotion->axDrift[i] += fHills * (double)CosineTurn(fHeading);
+        pMotion->ayDrift[i] += fHills * (double)SineTurn(fHeading);
+        if (i >= NOISE_BENDS)
+            fOctave *= NOISE_LACUNARITY;
     }
     pMotion->fTime += (double)(0.35f * fBoil * fSeconds);
     AdvancePhase(&pMotion->fHeading, 0.006f, fSeconds);
@@ -143,7 +148,7 @@ struct NoiseRows {
 
 static OctaveRow OctaveOf(const NoiseRows &rows, const NoiseMotion &motion, int32_t i, double fFineness, double fBoil)
 {
-    return {(rows.x + motion.axDrift[i]) * fFineness, (rows.y + motion.ayDrift[i]) * fFineness, rows.xStep * fFineness,
+    return {rows.x * fFineness + motion.axDrift[i], rows.y * fFineness + motion.ayDrift[i], rows.xStep * fFineness,
             motion.fTime * fBoil, motion.dwSeed + (uint32_t)i * 0x68E31DA4u};
 }
 
@@ -153,7 +158,7 @@ static void FillOctaves(const NoiseLook &look, const NoiseMotion &motion, const 
     std::fill_n(pfSum, n, 0.0f);
     float fWeight = 1.4f, fPower = 0;
     double fFineness = (double)look.fFineness;
-    for (int32_t i = 0; i < NOISE_OCTAVES; i++, fWeight *= look.fRoughness, fFineness *= 2.03) {
+    for (int32_t i = 0; i < NOISE_OCTAVES; i++, fWeight *= look.fRoughness, fFineness *= NOISE_LACUNARITY) {
         const float fShare = fWeight * std::clamp(look.fOctaves - (float)i, 0.0f, 1.0f);
         if (fShare < 0.002f || rows.xStep * fFineness > 0.5)
             break;
@@ -213,7 +218,7 @@ void FillNoise(const NoiseLook &look, const NoiseMotion &motion, NoiseLayers *pL
     for (int32_t iRow = 0; iRow < grid.nRows; iRow++) {
         std::fill_n(pLayers->pfBend, 2 * grid.nColumns, 0.0f);
         for (int32_t i = 0; i < NOISE_BENDS; i++)
-            AddOctave(OctaveOf(Place(iRow, 0), motion, i, 1.9, 0.6), *pLayers, grid.nColumns, 1,
+            AddOctave(OctaveOf(Place(iRow, 0), motion, i, NOISE_BEND_FINENESS, 0.6), *pLayers, grid.nColumns, 1,
                       pLayers->pfBend + i * grid.nColumns);
         FetchRow(*pLayers, iRow, fReach, grid.nColumns, GridRow(grid, iRow));
     }

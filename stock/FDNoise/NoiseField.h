@@ -16,12 +16,14 @@ struct NoiseLook {
     float fFold; // 0 to 1
 };
 
-// Where each octave has drifted to; the first two bend the others.
+// Where each octave has drifted to; the first two bend the others. Counted in hills of the octave, so that hills that
+// change their size grow from the middle of the picture.
 #define NOISE_BENDS 2
+#define NOISE_BEND_FINENESS 1.9
 struct NoiseMotion {
-    double axDrift[NOISE_BENDS + NOISE_OCTAVES], ayDrift[NOISE_BENDS + NOISE_OCTAVES]; // heights
-    double fTime;                                                                      // hills gone by
-    float fHeading;                                                                    // turns
+    double axDrift[NOISE_BENDS + NOISE_OCTAVES], ayDrift[NOISE_BENDS + NOISE_OCTAVES];
+    double fTime;   // hills gone by
+    float fHeading; // turns
     uint32_t dwSeed;
 };
 
@@ -40,7 +42,8 @@ void FreeLayers(NoiseLayers *pLayers);
 bool FitLayers(NoiseLayers *pLayers, const FieldGrid &grid);
 
 void SeedNoise(NoiseMotion *pMotion, StockRandom *pRandom);
-void MoveNoise(NoiseMotion *pMotion, float fWind, float fBoil, float fSeconds);
+// fFineness: that of the look at this time.
+void MoveNoise(NoiseMotion *pMotion, float fFineness, float fWind, float fBoil, float fSeconds);
 void FillNoise(const NoiseLook &look, const NoiseMotion &motion, NoiseLayers *pLayers, const FieldGrid &grid);
 
 #endif
