@@ -172,6 +172,19 @@ TEST_F(StockModules, LiveThroughOddSizesResetsGarbageAndRemoval)
     }
 }
 
+// Shaders on a software renderer would take minutes.
+TEST_F(StockModules, DrawAnOddPictureBeyondFullHd)
+{
+    for (const Place &place : AllPlaces()) {
+        SCOPED_TRACE(Describe(place));
+        if (place.dwShader)
+            continue;
+        ASSERT_NE(nullptr, Host(place));
+        Resize({1921, 1081});
+        Frames(2);
+    }
+}
+
 TEST_F(StockModules, DrawOnlyIndicesThatThePaletteHas)
 {
     for (const Place &place : AllPlaces()) {
