@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <vector>
 
 // Which side of the goal is the good one.
@@ -36,6 +37,14 @@ inline double MedianRatio(const std::vector<double> &afFigure, const std::vector
         if (afReference[i] > 0)
             afRatio.push_back(afFigure[i] / afReference[i]);
     return Median(afRatio);
+}
+
+// Processor time of the calling thread: what it would need with a processor of its own, whoever else is busy.
+inline double ThreadSeconds()
+{
+    timespec ts;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) / 1e9;
 }
 
 // Microseconds of one call, measured over nCalls of them.

@@ -82,14 +82,6 @@ HostBitmap *DrawNoisyFrame()
     return hbm;
 }
 
-// Processor time: what a worker with a processor of its own would need, whoever else is busy on the machine.
-double ThreadSeconds()
-{
-    timespec ts;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) / 1e9;
-}
-
 // By the fastest rounds: what others do to the caches and to the other half of the core only adds time.
 template <typename Fn> double CallsASecond(Fn fn)
 {

@@ -22,8 +22,6 @@
 #include <filesystem>
 #include <string>
 
-#include <time.h>
-
 namespace {
 
 constexpr i32 WIDTH = 1280;
@@ -40,20 +38,11 @@ constexpr double PRESET_GOAL_MS = 1000.0 / 60;
 std::vector<double> afDrawMs;
 ModuleDrawFrameFn pfnDrawUntimed;
 
-// Of processor time: what a core of its own would need, whoever else is busy on the machine.
-double ThreadMilliseconds()
-{
-    timespec ts;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return static_cast<double>(ts.tv_sec) * 1e3 + static_cast<double>(ts.tv_nsec) / 1e6;
-}
-
 u32 DrawTimed(void *pvContext, PlaneInfo *ppi)
 {
-    u32 dwResult = 0;
-    const double fStart = ThreadMilliseconds();
-    dwResult = pfnDrawUntimed(pvContext, ppi);
-    afDrawMs.push_back(ThreadMilliseconds() - fStart);
+    const double fStart = ThreadSeconds();
+    const u32 dwResult = pfnDrawUntimed(pvContext, ppi);
+    afDrawMs.push_back(1000 * (ThreadSeconds() - fStart));
     return dwResult;
 }
 
@@ -128,10 +117,10 @@ ModuleTimes TimeModule(const ModuleRecord &mr, const Kind &kind, u32 bIndexed)
                 afDrawMs.clear();
             DrawFrame(lppsi);
             const HostBitmap *hbmDraw = lppsi->psPlane[0]->Info.hbmDraw;
-            const double fStart = ThreadMilliseconds();
+            const double fStart = ThreadSeconds();
             CopyBitmap(hbmCopy, hbmDraw);
             if (i >= WARMUP_FRAMES)
-                times.afCopy.push_back(ThreadMilliseconds() - fStart);
+                times.afCopy.push_back(1000 * (ThreadSeconds() - fStart));
         }
         times.afDraw.swap(afDrawMs);
         DeleteBitmap(hbmCopy);
