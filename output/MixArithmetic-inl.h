@@ -3,14 +3,16 @@
 // Compiled over vectors of pixels for each instruction set, and in words that a compute shader's language shares,
 // so that its text can become part of a shader. Who includes it provides
 //   Pixel      32-bit words b + 256 g + 65536 r + 2^24 a, with & ^ + and shifts to the right by 8
-//   Channels   the three colour bytes, each in a field of 16 bits or more, with + and *
+//   Channels   the three colour bytes, each in a field of 16 bits or more
 //   Flag       one truth value a pixel
 //   Word(n)    the same word for every pixel          Split(p)        the colour bytes of p
-//   Spread(p)  the word p as each of the channels     Inverse(c)      255 - c
-//   Over255(c) c / 255, truncated, c below 65536      Assemble(c)     b + 256 g + 65536 r, channels below 256, which
-//                                                     quotients by 255 and 768 are here
-//   TimesOver255(c, s), TimesOver768(c, s)            AssembleWide(c) the same by OR, channels may run over
+//   Spread(p)  the word p as each of the channels     Assemble(c)     b + 256 g + 65536 r, channels below 256
+//   EachByte(p) the word p, below 256, as each of     AssembleWide(c) the same by OR, channels may run over
+//              the colour bytes
+//   TimesOver255(c, s), TimesOver768(c, s)
 //              c * s / 255 (768), truncated, c to 255, s to 765
+//   WeightedOver255(w, p1, p2), ProductOver255(p1, p2)
+//              (w p1 + (255 - w) p2) / 255 and p1 p2 / 255, truncated, for each of the colour bytes; alpha 0
 //   BlueAndRed(p, m, n) m times the blue byte and n times the red one, added
 //   Bytes(p, i, j, k)   the word whose blue, green, red bytes are the bytes i, j, k of p (0 blue, 1 green, 2 red)
 //   IsZero(p), Less(p, q) (words below 2^31), Select(f, p, q)
@@ -30,19 +32,14 @@ VD_MIX_FUNCTION Pixel MixMeasure(Pixel p)
     return BlueAndRed(p, 2, 1);
 }
 
-VD_MIX_FUNCTION Pixel MixWeighted(Channels w, Pixel p1, Pixel p2)
-{
-    return Assemble(Over255(w * Split(p1) + Inverse(w) * Split(p2)));
-}
-
 VD_MIX_FUNCTION Pixel MixBlend(Pixel p1, Pixel p2, Pixel w)
 {
-    return MixWeighted(Spread(w), p1, p2);
+    return WeightedOver255(EachByte(w), p1, p2);
 }
 
 VD_MIX_FUNCTION Pixel MixBlendAlpha(Pixel p1, Pixel p2, Pixel m)
 {
-    return MixWeighted(Split(m), p1, p2);
+    return WeightedOver255(m, p1, p2);
 }
 
 VD_MIX_FUNCTION Pixel MixBlendBoolean(Pixel p1, Pixel p2, Pixel m)
@@ -99,7 +96,7 @@ VD_MIX_FUNCTION Pixel MixIntensityScaleOnePass(Pixel p1, Pixel p2)
 
 VD_MIX_FUNCTION Pixel MixIntensityScaleRgb(Pixel p1, Pixel p2)
 {
-    return Assemble(Over255(Split(p1) * Split(p2)));
+    return ProductOver255(p1, p2);
 }
 
 )

@@ -24,12 +24,16 @@ bool Less(uint p, uint q) { return p < q; }
 uint Select(bool f, uint p, uint q) { return f ? p : q; }
 uvec3 Split(uint p) { return uvec3(p & 0xFFu, (p >> 8) & 0xFFu, (p >> 16) & 0xFFu); }
 uvec3 Spread(uint p) { return uvec3(p); }
-uvec3 Inverse(uvec3 c) { return 255u - c; }
-uvec3 Over255(uvec3 c) { return c / 255u; }
+uint EachByte(uint p) { return p * 0x010101u; }
 uvec3 TimesOver255(uvec3 c, uvec3 s) { return c * s / 255u; }
 uvec3 TimesOver768(uvec3 c, uvec3 s) { return c * s / 768u; }
 uint AssembleWide(uvec3 c) { return c.x | (c.y << 8) | (c.z << 16); }
 uint Assemble(uvec3 c) { return AssembleWide(c); }
+uint WeightedOver255(uint w, uint p1, uint p2)
+{
+    return Assemble((Split(w) * Split(p1) + (255u - Split(w)) * Split(p2)) / 255u);
+}
+uint ProductOver255(uint p1, uint p2) { return Assemble(Split(p1) * Split(p2) / 255u); }
 uint Byte(uint p, int i) { return (p >> (8 * i)) & 0xFFu; }
 uint BlueAndRed(uint p, int m, int n) { return uint(m) * Byte(p, 0) + uint(n) * Byte(p, 2); }
 uint Bytes(uint p, int i, int j, int k) { return Byte(p, i) | (Byte(p, j) << 8) | (Byte(p, k) << 16); }

@@ -69,14 +69,6 @@ struct Channels {
     u32 b, g, r;
 };
 
-VD_MIX_FUNCTION Channels operator+(Channels c, Channels s)
-{
-    return {c.b + s.b, c.g + s.g, c.r + s.r};
-}
-VD_MIX_FUNCTION Channels operator*(Channels c, Channels s)
-{
-    return {c.b * s.b, c.g * s.g, c.r * s.r};
-}
 VD_MIX_FUNCTION Channels Split(Pixel p)
 {
     return {p.v.raw & 0xFF, (p.v.raw >> 8) & 0xFF, (p.v.raw >> 16) & 0xFF};
@@ -85,17 +77,9 @@ VD_MIX_FUNCTION Channels Spread(Pixel p)
 {
     return {p.v.raw, p.v.raw, p.v.raw};
 }
-VD_MIX_FUNCTION Channels Inverse(Channels c)
-{
-    return {255 - c.b, 255 - c.g, 255 - c.r};
-}
-VD_MIX_FUNCTION Channels Over255(Channels c)
-{
-    return {c.b / 255, c.g / 255, c.r / 255};
-}
 VD_MIX_FUNCTION Channels TimesOver255(Channels c, Channels s)
 {
-    return Over255(c * s);
+    return {c.b * s.b / 255, c.g * s.g / 255, c.r * s.r / 255};
 }
 VD_MIX_FUNCTION Channels TimesOver768(Channels c, Channels s)
 {
@@ -118,10 +102,25 @@ VD_MIX_FUNCTION Pixel Assemble(Channels c)
 {
     return AssembleWide(c);
 }
+VD_MIX_FUNCTION Pixel EachByte(Pixel p)
+{
+    return {hn::Set(Words(), p.v.raw * 0x010101)};
+}
+VD_MIX_FUNCTION Pixel WeightedOver255(Pixel w, Pixel p1, Pixel p2)
+{
+    const Channels cw = Split(w), c1 = Split(p1), c2 = Split(p2);
+    const auto mean = [](u32 nWeight, u32 n1, u32 n2) { return (nWeight * n1 + (255 - nWeight) * n2) / 255; };
+    return Assemble({mean(cw.b, c1.b, c2.b), mean(cw.g, c1.g, c2.g), mean(cw.r, c1.r, c2.r)});
+}
+VD_MIX_FUNCTION Pixel ProductOver255(Pixel p1, Pixel p2)
+{
+    return Assemble(TimesOver255(Split(p1), Split(p2)));
+}
 
 #else
 
 using Halves = hn::Repartition<u16, Words>;
+using Octets = hn::Repartition<u8, Words>;
 
 // Two colour bytes of each pixel in each, widened: blue and red; green and alpha, which Assemble drops.
 struct Channels {
@@ -129,14 +128,6 @@ struct Channels {
     hn::Vec<Halves> odd;
 };
 
-VD_MIX_FUNCTION Channels operator+(Channels c, Channels s)
-{
-    return {hn::Add(c.even, s.even), hn::Add(c.odd, s.odd)};
-}
-VD_MIX_FUNCTION Channels operator*(Channels c, Channels s)
-{
-    return {hn::Mul(c.even, s.even), hn::Mul(c.odd, s.odd)};
-}
 VD_MIX_FUNCTION Channels Split(Pixel p)
 {
     const auto halves = hn::BitCast(Halves(), p.v);
@@ -147,35 +138,10 @@ VD_MIX_FUNCTION Channels Spread(Pixel p)
     const auto halves = hn::BitCast(Halves(), hn::Or(p.v, hn::ShiftLeft<16>(p.v)));
     return {halves, halves};
 }
-VD_MIX_FUNCTION Channels Inverse(Channels c)
-{
-    const auto all = hn::Set(Halves(), u16{255});
-    return {hn::Sub(all, c.even), hn::Sub(all, c.odd)};
-}
-// Quotients by 255 that still stand 7 bits too high, with the rest of the division below.
-struct Quotients {
-    hn::Vec<Halves> even;
-    hn::Vec<Halves> odd;
-};
-
 // Exact for every 16-bit number: 0x8081 / 2^23 is just above 1 / 255, by less than any of them can show.
-VD_MIX_FUNCTION hn::Vec<Halves> HalvesOver255High(hn::Vec<Halves> v)
-{
-    return hn::MulHigh(v, hn::Set(Halves(), u16{0x8081}));
-}
 VD_MIX_FUNCTION hn::Vec<Halves> HalvesOver255(hn::Vec<Halves> v)
 {
-    return hn::ShiftRight<7>(HalvesOver255High(v));
-}
-VD_MIX_FUNCTION Quotients Over255(Channels c)
-{
-    return {HalvesOver255High(c.even), HalvesOver255High(c.odd)};
-}
-VD_MIX_FUNCTION Pixel Assemble(Quotients q)
-{
-    const auto green = hn::BitCast(Words(), hn::ShiftLeft<1>(q.odd));
-    const auto even = hn::BitCast(Words(), hn::ShiftRight<7>(q.even));
-    return {hn::OrAnd(even, green, hn::Set(Words(), 0xFF00u))};
+    return hn::ShiftRight<7>(hn::MulHigh(v, hn::Set(Halves(), u16{0x8081})));
 }
 // The product can need 18 bits. With high = trunc(product / 256) and low the rest, it is 255 high + (high + low).
 VD_MIX_FUNCTION hn::Vec<Halves> HalvesTimesOver255(hn::Vec<Halves> c, hn::Vec<Halves> s)
@@ -188,10 +154,10 @@ VD_MIX_FUNCTION Channels TimesOver255(Channels c, Channels s)
 {
     return {HalvesTimesOver255(c.even, s.even), HalvesTimesOver255(c.odd, s.odd)};
 }
-// Over 256 and then over 3, each exact: 0xAAAB / 2^17 does for 3 what the other factor does for 255.
+// Over 256 and then over 3, each exact: 0x5556 / 2^16 is above 1 / 3 by less than a number below 2^15 can show.
 VD_MIX_FUNCTION hn::Vec<Halves> HalvesTimesOver768(hn::Vec<Halves> c, hn::Vec<Halves> s)
 {
-    return hn::ShiftRight<1>(hn::MulHigh(hn::MulHigh(hn::ShiftLeft<8>(c), s), hn::Set(Halves(), u16{0xAAAB})));
+    return hn::MulHigh(hn::MulHigh(hn::ShiftLeft<8>(c), s), hn::Set(Halves(), u16{0x5556}));
 }
 VD_MIX_FUNCTION Channels TimesOver768(Channels c, Channels s)
 {
@@ -211,15 +177,87 @@ VD_MIX_FUNCTION Pixel BlueAndRed(Pixel p, u32 m, u32 n)
     const auto sum = hn::ReorderWidenMulAccumulate(Integers(), bytes, factors, rest, rest);
     return {hn::BitCast(Words(), hn::RearrangeToOddPlusEven(sum, rest))};
 }
-// By shuffles within groups of four pixels; a number with the high bit set gives a zero byte.
-VD_MIX_FUNCTION Pixel Bytes(Pixel p, u32 i, u32 j, u32 k)
+VD_MIX_FUNCTION Pixel EachByte(Pixel p)
 {
-    using Octets = hn::Repartition<u8, Words>;
-    HWY_ALIGN static constexpr u32 adwPixelOfGroup[4] = {0, 0x040404, 0x080808, 0x0C0C0C};
-    const auto places =
-        hn::Add(hn::Set(Words(), i | j << 8 | k << 16 | 0x80000000u), hn::LoadDup128(Words(), adwPixelOfGroup));
+    return {hn::Or(p.v, hn::Or(hn::ShiftLeft<8>(p.v), hn::ShiftLeft<16>(p.v)))};
+}
+// By shuffles within groups of four pixels. Each byte of nBytes, lowest first, is the number of a byte of the pixel;
+// one with the high bit set gives a zero byte.
+VD_MIX_FUNCTION Pixel Shuffled(Pixel p, u32 nBytes)
+{
+    HWY_ALIGN static constexpr u32 adwPixelOfGroup[4] = {0, 0x04040404, 0x08080808, 0x0C0C0C0C};
+    const auto places = hn::Add(hn::Set(Words(), nBytes), hn::LoadDup128(Words(), adwPixelOfGroup));
     return {hn::BitCast(Words(), hn::TableLookupBytesOr0(hn::BitCast(Octets(), p.v), hn::BitCast(Octets(), places)))};
 }
+VD_MIX_FUNCTION Pixel Bytes(Pixel p, u32 i, u32 j, u32 k)
+{
+    return Shuffled(p, i | j << 8 | k << 16 | 0x80000000u);
+}
+// The high byte of (257 a)(256 b + 1) / 2^16 is a b / 255, truncated, for all bytes: the number before it is cut is
+// above a b / 255 by less than 1 / 255. Takes a in both bytes and b in the high byte.
+VD_MIX_FUNCTION hn::Vec<Halves> HighProducts(Pixel a, hn::Vec<Halves> b)
+{
+    return hn::MulHigh(hn::BitCast(Halves(), a.v), hn::Or(b, hn::Set(Halves(), u16{1})));
+}
+VD_MIX_FUNCTION Pixel ProductOver255(Pixel p1, Pixel p2)
+{
+    const auto halves = hn::BitCast(Halves(), p2.v);
+    const auto even = HighProducts(Shuffled(p1, 0x02020000), hn::ShiftLeft<8>(halves));
+    const auto odd = HighProducts(Shuffled(p1, 0x03030101), hn::And(halves, hn::Set(Halves(), u16{0xFF00})));
+    const auto low = hn::BitCast(Words(), hn::ShiftRight<8>(even));
+    return {hn::OrAnd(low, hn::BitCast(Words(), odd), hn::Set(Words(), 0xFF00u))};
+}
+
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_EMU128
+
+#if HWY_TARGET <= HWY_AVX3
+#define VD_MIX_INTRINSIC(name) _mm512_##name
+#elif HWY_TARGET == HWY_AVX2
+#define VD_MIX_INTRINSIC(name) _mm256_##name
+#else
+#define VD_MIX_INTRINSIC(name) _mm_##name
+#endif
+
+// (w v1 + (255 - w) v2) / 255 for bytes v that come as v - 128, with 255 - w in the low and w in the high byte. One
+// instruction multiplies bytes and adds the pairs, if one factor has a sign; what is added then makes the sum
+// s - 32640 to s + 1, since (257 (s + 1)) / 2^16 is s / 255, truncated, for all of them. Alpha has no weights, and gets
+// nothing added: it stays 0.
+VD_MIX_FUNCTION hn::Vec<Halves> MeansOver255(hn::Vec<Octets> weights, hn::Vec<Octets> values)
+{
+    const hn::Vec<Halves> sum = {VD_MIX_INTRINSIC(maddubs_epi16)(weights.raw, values.raw)};
+    const auto more = hn::BitCast(Halves(), hn::Set(hn::Repartition<u64, Words>(), 0x00007F817F817F81u));
+    return hn::MulHigh(hn::Add(sum, more), hn::Set(Halves(), u16{257}));
+}
+VD_MIX_FUNCTION Pixel WeightedOver255(Pixel w, Pixel p1, Pixel p2)
+{
+    const Octets d;
+    const auto colour = hn::Set(Words(), 0x00FFFFFFu);
+    const auto w1 = hn::BitCast(d, hn::And(w.v, colour));
+    const auto w2 = hn::BitCast(d, hn::AndNot(w.v, colour));
+    const auto v1 = hn::Xor(hn::BitCast(d, p1.v), hn::Set(d, u8{0x80}));
+    const auto v2 = hn::Xor(hn::BitCast(d, p2.v), hn::Set(d, u8{0x80}));
+    const auto lower = MeansOver255(hn::InterleaveLower(d, w2, w1), hn::InterleaveLower(d, v2, v1));
+    const auto upper = MeansOver255(hn::InterleaveUpper(d, w2, w1), hn::InterleaveUpper(d, v2, v1));
+    return {hn::Vec<Words>{VD_MIX_INTRINSIC(packus_epi16)(lower.raw, upper.raw)}};
+}
+
+#undef VD_MIX_INTRINSIC
+
+#else
+
+VD_MIX_FUNCTION hn::Vec<Halves> MeansOver255(hn::Vec<Halves> w, hn::Vec<Halves> c1, hn::Vec<Halves> c2)
+{
+    const auto rest = hn::Sub(hn::Set(Halves(), u16{255}), w);
+    return HalvesOver255(hn::Add(hn::Mul(w, c1), hn::Mul(rest, c2)));
+}
+VD_MIX_FUNCTION Pixel WeightedOver255(Pixel w, Pixel p1, Pixel p2)
+{
+    const Channels cw = Split(w), c1 = Split(p1), c2 = Split(p2);
+    return Assemble({MeansOver255(cw.even, c1.even, c2.even), MeansOver255(cw.odd, c1.odd, c2.odd)});
+}
+
+#endif
+
 VD_MIX_FUNCTION Pixel AssembleWide(Channels c)
 {
     const auto green = hn::And(hn::BitCast(Words(), c.odd), hn::Set(Words(), 0xFFFFu));

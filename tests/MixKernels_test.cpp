@@ -105,6 +105,21 @@ TEST_P(MixKernelsOfEverySet, BothIntensityScalesDivideExactlyForAllInputs)
     }
 }
 
+TEST_P(MixKernelsOfEverySet, TheProductOfTwoBytesDividesExactlyForAllInputs)
+{
+    OraclePreset ps;
+    ps.planes = {Ramp(false), Ramp(true)};
+    for (u32 &dwPixel : ps.planes[0].pixels)
+        dwPixel = (dwPixel & 0xFFFFu) | (255 - (dwPixel & 0xFFu)) << 16 | 0xFF000000u; // neighbours that could leak
+    ps.rules = {{0, 1, 0, MIXOP_INTENSITY_SCALE_RGB, 0}};
+    ps.metas = {Ramp(false)};
+    ps.final = Ramp(false);
+    MixerPreset preset(ps);
+    OraclePerRule(ps);
+    MixPlanes(&preset.state, 0);
+    EXPECT_TRUE(SameAsOracle(preset, ps));
+}
+
 TEST(MixKernels, AlphaIsClearedCarriedOrLookedAtAsEachOperatorSays)
 {
     EXPECT_EQ(MixOne(MIXOP_BLEND, 0xFFFFFFFFu, 0xFF000000u), 0x00808080u);
