@@ -57,10 +57,11 @@ template <typename Fn> double TimeCalls(unsigned nCalls, Fn &&fn)
     return dTaken.count() / nCalls;
 }
 
-// Times all functions in turn, round after round, after one round of warm-up. Microseconds per call: one list per
-// function, one entry per round.
-template <typename... Fns>
-std::array<std::vector<double>, sizeof...(Fns)> TimeInterleaved(unsigned nRounds, unsigned nCalls, Fns &&...fns)
+// Times all functions in turn, round after round, after one round of warm-up, and calls fnBefore untimed before each.
+// Microseconds per call: one list per function, one entry per round.
+template <typename Before, typename... Fns>
+std::array<std::vector<double>, sizeof...(Fns)> TimeInterleavedAfter(Before &&fnBefore, unsigned nRounds,
+                                                                     unsigned nCalls, Fns &&...fns)
 {
     std::array<std::vector<double>, sizeof...(Fns)> aafMicros;
     for (unsigned iRound = 0; iRound <= nRounds; iRound++) {
@@ -70,9 +71,15 @@ std::array<std::vector<double>, sizeof...(Fns)> TimeInterleaved(unsigned nRounds
                 aafMicros[iFn].push_back(fMicros);
             iFn++;
         };
-        (record(TimeCalls(nCalls, fns)), ...);
+        ((fnBefore(), record(TimeCalls(nCalls, fns))), ...);
     }
     return aafMicros;
+}
+
+template <typename... Fns>
+std::array<std::vector<double>, sizeof...(Fns)> TimeInterleaved(unsigned nRounds, unsigned nCalls, Fns &&...fns)
+{
+    return TimeInterleavedAfter([] {}, nRounds, nCalls, fns...);
 }
 
 inline bool GoalIsMet(double fFigure, double fGoal, BenchGoal eGoal)

@@ -4,6 +4,7 @@
 #ifndef VD_SERIAL_LOOPS
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
 #endif
 
 #include <cstddef>
@@ -22,5 +23,15 @@ template <class Fn> void ForRanges(size_t n, size_t nGrain, Fn fn)
     }
     tbb::parallel_for(tbb::blocked_range<size_t>(0, n, nGrain),
                       [&](const tbb::blocked_range<size_t> &range) { fn(range.begin(), range.end()); });
+#endif
+}
+
+// The threads, at most, that share a loop which this thread begins. [any-thread]
+inline int ForRangesThreads()
+{
+#ifdef VD_SERIAL_LOOPS
+    return 1;
+#else
+    return tbb::this_task_arena::max_concurrency();
 #endif
 }

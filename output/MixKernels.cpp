@@ -21,7 +21,7 @@ namespace mix {
 namespace HWY_NAMESPACE {
 
 // One record per kernel: how many sources it reads and what it makes of their pixels.
-#define VD_KERNEL(name, nSources, expression)                                                                          \
+#define VD_KERNEL(name, nSources, nInstructions, expression)                                                           \
     struct name##Kernel {                                                                                              \
         static constexpr u32 SOURCES = nSources;                                                                       \
         static HWY_INLINE Pixel Run([[maybe_unused]] Pixel p1, [[maybe_unused]] Pixel p2, [[maybe_unused]] Pixel m,    \
@@ -83,11 +83,14 @@ static HWY_INLINE Pixel RunOne(const u32 *const *ap, size_t iPixel, Pixel a, Pix
                        Operand<Kernel, fInRegisters, 2>(ap, iPixel, a), w);
 }
 
-template <class Kernel, u32 fInRegisters> void PointStage(const MixStage *pStage, size_t i, VD_REGISTERS)
+template <class Kernel, u32 fInRegisters, bool bFetch> void PointStage(const MixStage *pStage, size_t i, VD_REGISTERS)
 {
     const u32 *ap[3] = {PlaceAt(pStage->asFrom[0], i), PlaceAt(pStage->asFrom[1], i), PlaceAt(pStage->asFrom[2], i)};
     const Pixel w = Word(pStage->nWeight);
-#define VD_RUN(k) a##k = RunOne<Kernel, fInRegisters>(ap, k * LANES, a##k, w);
+#define VD_RUN(k)                                                                                                      \
+    if constexpr (bFetch && k * LANES % CACHE_LINE_PIXELS == 0)                                                        \
+        hwy::Prefetch(pStage->pAhead + i + k * LANES);                                                                 \
+    a##k = RunOne<Kernel, fInRegisters>(ap, k * LANES, a##k, w);
     VD_EACH(VD_RUN)
 #undef VD_RUN
     CallNext(pStage, i, VD_ARGUMENTS);
@@ -248,9 +251,10 @@ void Displace(u32 *pTo, const DisplaceSpan &span, const u32 *pFar, const u32 *pD
     DisplaceChunkAt(pTo + i, span, span.x + static_cast<i32>(i), adwFar, adwDirection, nPixels - i);
 }
 
-template <class Kernel, u32 fInRegisters = 0> void FillRow(StageFn *apfn)
+template <class Kernel, u32 fInRegisters = 0> void FillRow(StageFn (*apfn)[2])
 {
-    apfn[fInRegisters] = reinterpret_cast<StageFn>(PointStage<Kernel, fInRegisters>);
+    apfn[fInRegisters][0] = reinterpret_cast<StageFn>(PointStage<Kernel, fInRegisters, false>);
+    apfn[fInRegisters][1] = reinterpret_cast<StageFn>(PointStage<Kernel, fInRegisters, true>);
     if constexpr (fInRegisters + 1 < 1u << Kernel::SOURCES)
         FillRow<Kernel, fInRegisters + 1>(apfn);
 }
@@ -266,7 +270,7 @@ KernelTable MakeTable()
 {
     KernelTable table = {};
     table.nBlock = BLOCK;
-#define VD_ROW(name, nSources, expression) FillRowOf<name##Kernel>(&table, MixKernel::name);
+#define VD_ROW(name, nSources, nInstructions, expression) FillRowOf<name##Kernel>(&table, MixKernel::name);
     VD_MIX_KERNELS(VD_ROW)
 #undef VD_ROW
     table.pfnFetch = reinterpret_cast<StageFn>(FetchStage);

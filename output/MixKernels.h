@@ -32,6 +32,7 @@ struct MixStage {
     StageSource asFrom[3]; // source #1, source #2, mask, as far as they do not come from the stage before
     StageTarget to;        // of those that write
     u32 nWeight;
+    const u32 *pAhead; // of those that fetch: for the block at pixel i, what to fetch from memory begins at pAhead + i
     void (*pfnFill)(const MixStage &stage, size_t iPixel); // of the filling stage; fills the buffer `to`
     const void *pvContext;                                 // for pfnFill
 };
@@ -48,8 +49,9 @@ struct DisplaceSpan {
 struct KernelTable {
     size_t nBlock; // pixels; divides MIX_BLOCK_MAX
     // By MixKernel and by which sources are the block in the registers: 1 source #1, 2 source #2, 4 the mask, or any
-    // of them. Null for the mirrors and Displace, whose blocks come from a filling stage and a Copy.
-    StageFn apfnPoint[static_cast<size_t>(MixKernel::Count)][8];
+    // of them; then by whether it fetches a block ahead, line by line between its arithmetic. Null for the mirrors and
+    // Displace, whose blocks come from a filling stage and a Copy.
+    StageFn apfnPoint[static_cast<size_t>(MixKernel::Count)][8][2];
     // A program of one step needs no chain: by MixKernel, and by whether it writes past the caches. Works off the
     // blocks that start at iFirst up to iEnd, with the step's sources and target in one stage.
     void (*apfnAlone[static_cast<size_t>(MixKernel::Count)][2])(const MixStage &stage, size_t iFirst, size_t iEnd);

@@ -9,9 +9,8 @@
 
 namespace {
 
-// Up to this many bytes of sources and results it is faster to write through the caches, and the next reader finds
-// the picture there.
-constexpr size_t CACHED_BYTES_MAX = 20 * 1024 * 1024;
+constexpr u32 SPATIAL_INSTRUCTIONS = 10;
+constexpr u32 INSTRUCTIONS_BETWEEN_FETCHES = 6; // with less between them it is better to fetch in one go
 
 u32 SourcesOf(const MixStep &step)
 {
@@ -91,7 +90,7 @@ void FreeBuffers(Buffers *pBuffers, i32 iStep)
 PlannedStep PlanStep(const MixProgram &prog, i32 iStep, Buffers *pBuffers)
 {
     const MixStep &step = prog.asStep[iStep];
-    PlannedStep planned = {step.eKernel, step.iWeight, 0, {}, SourcesOf(step), NO_SLOT, step.pTo};
+    PlannedStep planned = {step.eKernel, step.iWeight, 0, {}, SourcesOf(step), NO_SLOT, step.pTo, 0, 0, false};
     for (u32 n = 0; n < planned.nSources; n++)
         planned.asFrom[n] = PlanSource(prog, iStep, n, *pBuffers);
     FreeBuffers(pBuffers, iStep);
@@ -115,11 +114,40 @@ void ListImages(MixPlan *pPlan, const MixProgram &prog)
         }
 }
 
-bool IsLarge(const MixPlan &plan)
+size_t TrafficOf(const MixPlan &plan)
 {
     const auto nWritten =
         std::count_if(plan.asStep, plan.asStep + plan.nSteps, [](const PlannedStep &step) { return step.pTo; });
-    return (plan.nImages + static_cast<size_t>(nWritten)) * plan.nPixels * sizeof(u32) > CACHED_BYTES_MAX;
+    return (plan.nImages + static_cast<size_t>(nWritten)) * plan.nPixels * sizeof(u32);
+}
+
+u32 InstructionsOf(MixKernel eKernel)
+{
+    switch (eKernel) {
+#define VD_INSTRUCTIONS(name, nSources, nInstructions, expression)                                                     \
+    case MixKernel::name:                                                                                              \
+        return nInstructions;
+        VD_MIX_KERNELS(VD_INSTRUCTIONS)
+#undef VD_INSTRUCTIONS
+    default:
+        return SPATIAL_INSTRUCTIONS;
+    }
+}
+
+// Has the images fetched ahead evenly over the arithmetic, so that memory is as busy as the processor all along.
+void SpreadFetches(MixPlan *pPlan)
+{
+    u32 nAll = 0, nDone = 0;
+    for (u32 i = 0; i < pPlan->nSteps; i++)
+        nAll += InstructionsOf(pPlan->asStep[i].eKernel);
+    for (u32 i = 0; i < pPlan->nSteps; i++) {
+        PlannedStep &step = pPlan->asStep[i];
+        step.iAhead = nDone * pPlan->nImages / nAll;
+        nDone += InstructionsOf(step.eKernel);
+        step.iAheadEnd = nDone * pPlan->nImages / nAll;
+        step.bFetchesItself = step.iAhead < step.iAheadEnd && !KernelIsSpatial(step.eKernel) &&
+                              InstructionsOf(step.eKernel) >= INSTRUCTIONS_BETWEEN_FETCHES;
+    }
 }
 
 } // namespace
@@ -127,7 +155,7 @@ bool IsLarge(const MixPlan &plan)
 u32 KernelSources(MixKernel eKernel)
 {
     switch (eKernel) {
-#define VD_SOURCES(name, nSources, expression)                                                                         \
+#define VD_SOURCES(name, nSources, nInstructions, expression)                                                          \
     case MixKernel::name:                                                                                              \
         return nSources;
         VD_MIX_KERNELS(VD_SOURCES)
@@ -176,7 +204,8 @@ MixPlan PlanProgram(const MixProgram &prog)
     }
     plan.bDisplaces = std::any_of(plan.asStep, plan.asStep + plan.nSteps,
                                   [](const PlannedStep &step) { return step.eKernel == MixKernel::Displace; });
-    plan.bPastCaches = IsLarge(plan);
+    plan.cbTraffic = TrafficOf(plan);
+    SpreadFetches(&plan);
     return plan;
 }
 

@@ -23,6 +23,9 @@ struct PlannedStep {
     u32 nSources; // entries of asFrom that count
     u32 iSlot;    // buffer that keeps the result for later steps, and that a spatial step fills; NO_SLOT: none
     u32 *pTo;     // image that receives the result; null: none
+    u32 iAhead;   // images from here to iAheadEnd are fetched ahead while this step runs
+    u32 iAheadEnd;
+    bool bFetchesItself; // one of them between its arithmetic; otherwise they are fetched before it
 };
 
 struct MixPlan {
@@ -32,8 +35,8 @@ struct MixPlan {
     u32 nSlots;
     u32 nImages; // that are read pixel by pixel, each once in apImage
     const u32 *apImage[MIX_IMAGES_MAX];
+    size_t cbTraffic; // of all images that are read or written
     bool bDisplaces;  // reads around each pixel
-    bool bPastCaches; // the results are too large to be found in a cache later
     u32 nSteps;
     PlannedStep asStep[MIX_STEPS_MAX];
 };

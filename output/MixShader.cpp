@@ -146,7 +146,7 @@ std::string Head()
 std::string Choice()
 {
     std::string s = "\nuint Mixed(int iKernel, uint p1, uint p2, uint m, uint w)\n{\n    switch (iKernel) {\n";
-#define VD_CASE(name, nSources, expression)                                                                            \
+#define VD_CASE(name, nSources, nInstructions, expression)                                                             \
     s += "    case " + std::to_string(static_cast<u32>(MixKernel::name)) + ": return " #expression ";\n";
     VD_MIX_KERNELS(VD_CASE)
 #undef VD_CASE

@@ -14,7 +14,13 @@
 namespace {
 
 constexpr size_t PIXELS_PER_TASK = 32768;
-constexpr size_t FETCHED_AHEAD = 768; // pixels; much less comes too late, much more is gone again
+constexpr size_t FETCHED_AHEAD = 832; // pixels; much less comes too late, much more is gone again
+
+// Up to this many bytes of sources and results it is faster to write through the caches, and the next reader finds
+// the picture there. A thread alone waits for the lines that it is about to write, others work meanwhile.
+constexpr size_t CACHED_BYTES_MAX = 36 * 1024 * 1024;
+constexpr size_t CACHED_BYTES_MAX_ALONE = 28 * 1024 * 1024;
+constexpr size_t CACHED_BYTES_MAX_DISPLACED = 20 * 1024 * 1024; // what is read all around needs the caches itself
 
 // A displacement reads up to 63 rows above and below: in strips of this width they stay in the second level cache.
 constexpr size_t STRIP_WIDTH = 512;
@@ -120,32 +126,34 @@ StageSource SourceOf(const PlannedSource &from, const Chain &chain)
 MixStage *AddStage(Chain *pChain, StageFn pfn)
 {
     MixStage &stage = pChain->asStage[pChain->nStages++];
-    stage = {pfn, {}, {}, 0, nullptr, nullptr};
+    stage = {pfn, {}, {}, 0, nullptr, nullptr, nullptr};
     for (StageSource &from : stage.asFrom)
         from = {Zeros.adw, STAGE_BUFFER};
     return &stage;
 }
 
-void AddSpatialStages(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, u32 iStep)
+void AddSpatialStages(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, const PlannedStep &step)
 {
-    const PlannedStep &step = plan.asStep[iStep];
-    pChain->asFill[iStep] = {&kernels, &plan, &step};
+    SpatialFill &fill = pChain->asFill[&step - plan.asStep];
+    fill = {&kernels, &plan, &step};
     MixStage *pFill = AddStage(pChain, kernels.pfnFill);
     for (u32 n = 0; n < step.nSources; n++)
         pFill->asFrom[n] = SourceOf(step.asFrom[n], *pChain);
     pFill->to = {pChain->asSlot[step.iSlot].adw, STAGE_BUFFER};
     pFill->pfnFill = FillBlock;
-    pFill->pvContext = &pChain->asFill[iStep];
-    MixStage *pTake = AddStage(pChain, kernels.apfnPoint[static_cast<size_t>(MixKernel::Copy)][0]);
+    pFill->pvContext = &fill;
+    MixStage *pTake = AddStage(pChain, kernels.apfnPoint[static_cast<size_t>(MixKernel::Copy)][0][0]);
     pTake->asFrom[0] = {pFill->to.pBase, STAGE_BUFFER};
 }
 
-void AddPointStages(Chain *pChain, const KernelTable &kernels, const PlannedStep &step)
+void AddPointStages(Chain *pChain, const KernelTable &kernels, const PlannedStep &step, const u32 *pAhead)
 {
     u32 fInRegisters = 0;
     for (u32 n = 0; n < step.nSources; n++)
         fInRegisters |= static_cast<u32>(step.asFrom[n].bRegisters) << n;
-    MixStage *pPoint = AddStage(pChain, kernels.apfnPoint[static_cast<size_t>(step.eKernel)][fInRegisters]);
+    const auto &apfn = kernels.apfnPoint[static_cast<size_t>(step.eKernel)][fInRegisters];
+    MixStage *pPoint = AddStage(pChain, apfn[pAhead != nullptr]);
+    pPoint->pAhead = pAhead;
     pPoint->nWeight = step.nWeight;
     for (u32 n = 0; n < step.nSources; n++)
         pPoint->asFrom[n] = SourceOf(step.asFrom[n], *pChain);
@@ -153,20 +161,16 @@ void AddPointStages(Chain *pChain, const KernelTable &kernels, const PlannedStep
         AddStage(pChain, kernels.pfnStore)->to = {pChain->asSlot[step.iSlot].adw, STAGE_BUFFER};
 }
 
-bool MayStream(const MixPlan &plan, const PlannedStep &step)
+size_t CachedBytesMax(const MixPlan &plan)
 {
-    return plan.bPastCaches && reinterpret_cast<uintptr_t>(step.pTo) % 64 == 0;
+    if (plan.bDisplaces)
+        return CACHED_BYTES_MAX_DISPLACED;
+    return ForRangesThreads() == 1 ? CACHED_BYTES_MAX_ALONE : CACHED_BYTES_MAX;
 }
 
-void AddStepStages(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, u32 iStep)
+bool MayStream(const MixPlan &plan, const PlannedStep &step)
 {
-    const PlannedStep &step = plan.asStep[iStep];
-    if (KernelIsSpatial(step.eKernel))
-        AddSpatialStages(pChain, kernels, plan, iStep);
-    else
-        AddPointStages(pChain, kernels, step);
-    if (step.pTo)
-        AddStage(pChain, MayStream(plan, step) ? kernels.pfnStream : kernels.pfnStore)->to = {step.pTo, STAGE_IMAGE};
+    return plan.cbTraffic > CachedBytesMax(plan) && reinterpret_cast<uintptr_t>(step.pTo) % 64 == 0;
 }
 
 // How far ahead of its use an image is fetched. In strips the next pixels are those of the next row, and the source
@@ -182,24 +186,29 @@ size_t DistanceAhead(const MixPlan &plan, const u32 *pImage)
     return static_cast<size_t>(plan.nWidth) * (bDisplaced ? ROWS_AHEAD : 1);
 }
 
-// Has the images fetched ahead evenly over the steps, so that memory is as busy as the processor all along.
-void AddFetchStages(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, u32 iStep)
+const u32 *PlaceAhead(const MixPlan &plan, u32 iImage)
 {
-    const u32 iEnd = (iStep + 1) * plan.nImages / plan.nSteps;
-    for (u32 i = iStep * plan.nImages / plan.nSteps; i < iEnd; i++) {
-        const u32 *pImage = plan.apImage[i];
-        AddStage(pChain, kernels.pfnFetch)->asFrom[0] = {pImage + DistanceAhead(plan, pImage), STAGE_IMAGE};
-    }
+    return plan.apImage[iImage] + DistanceAhead(plan, plan.apImage[iImage]);
+}
+
+void AddStepStages(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, const PlannedStep &step, bool bFetch)
+{
+    const bool bFetchesItself = bFetch && step.bFetchesItself;
+    for (u32 i = step.iAhead + bFetchesItself; i < step.iAheadEnd && bFetch; i++)
+        AddStage(pChain, kernels.pfnFetch)->asFrom[0] = {PlaceAhead(plan, i), STAGE_IMAGE};
+    if (KernelIsSpatial(step.eKernel))
+        AddSpatialStages(pChain, kernels, plan, step);
+    else
+        AddPointStages(pChain, kernels, step, bFetchesItself ? PlaceAhead(plan, step.iAhead) : nullptr);
+    if (step.pTo)
+        AddStage(pChain, MayStream(plan, step) ? kernels.pfnStream : kernels.pfnStore)->to = {step.pTo, STAGE_IMAGE};
 }
 
 void BuildChain(Chain *pChain, const KernelTable &kernels, const MixPlan &plan, bool bFetch)
 {
     pChain->nStages = 0;
-    for (u32 i = 0; i < plan.nSteps; i++) {
-        if (bFetch)
-            AddFetchStages(pChain, kernels, plan, i);
-        AddStepStages(pChain, kernels, plan, i);
-    }
+    for (u32 i = 0; i < plan.nSteps; i++)
+        AddStepStages(pChain, kernels, plan, plan.asStep[i], bFetch);
     AddStage(pChain, kernels.pfnEnd);
 }
 
