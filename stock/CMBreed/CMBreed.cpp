@@ -1,7 +1,7 @@
 // CMBreed.cpp -- colour generator: breeds new palettes from the ones that live
 #include "Breed.h"
 
-#include <cstdlib>
+#include "../common/StockEntryPoints.h"
 
 namespace {
 
@@ -65,60 +65,40 @@ bool BreedSecondPalette(Breed *pBreed, PaletteInfo *pInfo)
 
 } // namespace
 
-void ModuleGetDescription(ModuleDescription *pmd)
+static void AddControls(Breed *pBreed, const ControlMaker &maker)
 {
-    DescribeModule(pmd, MODULECLASS_COLOR, MODULECAP_COLORGENERATOR, u"Breed",
-                   u"Breeds palettes from palettes: harmonious, clean and full of light");
-}
-
-void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn pfnAllocControl, int32_t *pnControls)
-{
-    Breed *pBreed = (Breed *)calloc(1, sizeof(Breed));
-    *ppvContext = pBreed;
-    if (!pBreed)
-        return;
     MakeCodeTables(&pBreed->generator.codes);
-    const ControlMaker maker = {pfnAllocControl, pnControls};
     AddPaletteControls(&pBreed->ctl, maker);
     AddBreedingControls(&pBreed->ctl, maker);
 }
 
-void ModulePreInitialize(void *pvContext, PlaneInfo *)
+static void Prepare(Breed *pBreed)
 {
-    Breed *pBreed = (Breed *)pvContext;
-    if (pBreed)
-        PrepareGenerator(&pBreed->generator);
+    PrepareGenerator(&pBreed->generator);
 }
 
-void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
+static void Start(Breed *pBreed, PlaneInfo *ppi)
 {
-    Breed *pBreed = (Breed *)pvContext;
-    if (!pBreed || !ppi->pPaletteInfo)
+    if (!ppi->pPaletteInfo)
         return;
     pBreed->random = {ppi->hdc->qwSeed};
     FoundStable(&pBreed->stable, &pBreed->random);
     StartGenerator(&pBreed->generator, ppi, [=](PaletteInfo *pInfo) { return BreedSecondPalette(pBreed, pInfo); });
 }
 
-uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
+static uint32_t DrawFrame(Breed *pBreed, PlaneInfo *ppi)
 {
-    Breed *pBreed = (Breed *)pvContext;
-    if (!pBreed || !ppi->pPaletteInfo || !ppi->lpColorTable)
+    if (!ppi->pPaletteInfo || !ppi->lpColorTable)
         return 0;
     RunGenerator(&pBreed->generator, ppi, (double)ReadFloat(pBreed->ctl.pLifetime) * 1000,
                  [=](PaletteInfo *pInfo) { return BreedSecondPalette(pBreed, pInfo); });
     return 0;
 }
 
-void ModuleResolveIndexedPlane(void *, PlaneInfo *, HostBitmap *)
+void ModuleGetDescription(ModuleDescription *pmd)
 {
+    DescribeModule(pmd, MODULECLASS_COLOR, MODULECAP_COLORGENERATOR, u"Breed",
+                   u"Breeds palettes from palettes: harmonious, clean and full of light");
 }
 
-void ModuleCleanUp(void *)
-{
-}
-
-void ModuleDestroyControlStructure(void *pvContext)
-{
-    free(pvContext);
-}
+STOCK_ENTRY_POINTS(Breed)

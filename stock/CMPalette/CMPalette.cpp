@@ -1,8 +1,7 @@
 // CMPalette.cpp -- colour generator: plays the palettes of a list of files
 #include "stock/common/PaletteGenerator.h"
+#include "stock/common/StockEntryPoints.h"
 #include "toolkit/PaletteFile.h"
-
-#include <cstdlib>
 
 namespace {
 
@@ -123,6 +122,7 @@ bool HandOn(PaletteFiles *pFiles, PaletteInfo *pInfo)
 
 void AddControls(PaletteFiles *pFiles, const ControlMaker &maker)
 {
+    MakeCodeTables(&pFiles->generator.codes);
     pFiles->pFiles = AddFileSelect(maker, u"Palettes\0Files\0",
                                    u"The palette files; the next one comes with each reset of this module.", u".pal");
     pFiles->pInterpolate = AddBoolean(maker, u"Colors\0Interpolate\0",
@@ -140,35 +140,14 @@ void AddControls(PaletteFiles *pFiles, const ControlMaker &maker)
                    FromFixed());
 }
 
-} // namespace
-
-void ModuleGetDescription(ModuleDescription *pmd)
+void Prepare(PaletteFiles *pFiles)
 {
-    DescribeModule(pmd, MODULECLASS_COLOR, MODULECAP_COLORGENERATOR, u"Palette Files",
-                   u"Plays palettes from files, one after the other or shuffled");
+    PrepareGenerator(&pFiles->generator);
 }
 
-void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn pfnAllocControl, int32_t *pnControls)
+void Start(PaletteFiles *pFiles, PlaneInfo *ppi)
 {
-    PaletteFiles *pFiles = (PaletteFiles *)calloc(1, sizeof(PaletteFiles));
-    *ppvContext = pFiles;
-    if (!pFiles)
-        return;
-    MakeCodeTables(&pFiles->generator.codes);
-    AddControls(pFiles, {pfnAllocControl, pnControls});
-}
-
-void ModulePreInitialize(void *pvContext, PlaneInfo *)
-{
-    PaletteFiles *pFiles = (PaletteFiles *)pvContext;
-    if (pFiles)
-        PrepareGenerator(&pFiles->generator);
-}
-
-void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
-{
-    PaletteFiles *pFiles = (PaletteFiles *)pvContext;
-    if (!pFiles || !ppi->pPaletteInfo)
+    if (!ppi->pPaletteInfo)
         return;
     TryFile(pFiles);
     if (pFiles->bFresh)
@@ -176,10 +155,9 @@ void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
 }
 
 // Without any palette the module claims nothing, and the interpolator shows palettes of its own.
-uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
+uint32_t DrawFrame(PaletteFiles *pFiles, PlaneInfo *ppi)
 {
-    PaletteFiles *pFiles = (PaletteFiles *)pvContext;
-    if (!pFiles || !ppi->pPaletteInfo || !ppi->lpColorTable)
+    if (!ppi->pPaletteInfo || !ppi->lpColorTable)
         return 0;
     TryChangedFile(pFiles);
     bool bWantsNext = !pFiles->palette.nColors;
@@ -192,15 +170,12 @@ uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
     return bWantsNext && AskForNextFile(pFiles, ppi->hdc->qwTick) ? MODULEDRAW_RESET : 0;
 }
 
-void ModuleResolveIndexedPlane(void *, PlaneInfo *, HostBitmap *)
+} // namespace
+
+void ModuleGetDescription(ModuleDescription *pmd)
 {
+    DescribeModule(pmd, MODULECLASS_COLOR, MODULECAP_COLORGENERATOR, u"Palette Files",
+                   u"Plays palettes from files, one after the other or shuffled");
 }
 
-void ModuleCleanUp(void *)
-{
-}
-
-void ModuleDestroyControlStructure(void *pvContext)
-{
-    free(pvContext);
-}
+STOCK_ENTRY_POINTS(PaletteFiles)

@@ -17,15 +17,13 @@ enum {
     CONTROL_FLOW,
     CONTROL_SPIN,
     CONTROL_WANDER,
-    CONTROL_PLACE,
-    CONTROL_SPREAD,
     CONTROLS
 };
 
 // The controls, eased.
 struct GradientLook {
     float afShape[SHAPES]; // share of each shape, 1 in sum
-    float fArms, fBands, fPoles, fMelt, fWander, fPlace, fSpread;
+    float fArms, fBands, fPoles, fMelt, fWander;
 };
 
 struct Gradient {
@@ -36,7 +34,7 @@ struct Gradient {
     float afPath[2 * GRADIENT_POLES]; // phases of the poles' ways, in turns
     float fFlowed, fSpun, fFlow;
     FieldGrid grid;
-    FieldColors colors;
+    FieldPalette palette;
 };
 
 MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
@@ -74,10 +72,10 @@ static void AddControls(Gradient *pGradient, const ControlMaker &maker)
                                 FromWave(57000));
     ap[CONTROL_WANDER] = AddFloat(maker, u"Motion\0Wander\0", u"How far the poles stray through the picture", {0, 1},
                                   {0.3f, 0.9f}, 0.6f, FromWave(49000));
-    ap[CONTROL_PLACE] = AddFloat(maker, u"Color\0Place\0", u"Where in the palette the bands begin", {0, 1}, {0, 0.5f},
-                                 0, FromWave(37000));
-    ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How much of the palette a band holds", {0.05f, 3},
-                                  {0.55f, 1}, 0.8f, FromSound(10));
+    FieldPalette &palette = pGradient->palette; // it flows; a cycle would do the same
+    palette.pPlace = AddFieldPlace(maker, u"Where in the palette the bands begin", {0, 0.5f}, 0, FromWave(37000));
+    palette.pSpread =
+        AddFieldSpread(maker, u"How much of the palette a band holds", {0.05f, 3}, {0.55f, 1}, 0.8f, FromSound(10));
 }
 
 static GradientLook ReadLook(const Gradient *pGradient)
@@ -90,8 +88,6 @@ static GradientLook ReadLook(const Gradient *pGradient)
     look.fPoles = std::max(1.0f, (float)ReadInteger(pGradient->apControl[CONTROL_POLES]));
     look.fMelt = 0.01f + 0.6f * Float(CONTROL_MELT) * Float(CONTROL_MELT);
     look.fWander = 0.55f * Float(CONTROL_WANDER);
-    look.fPlace = Float(CONTROL_PLACE);
-    look.fSpread = Float(CONTROL_SPREAD);
     return look;
 }
 
@@ -104,8 +100,6 @@ static void EaseLook(GradientLook *pLook, const GradientLook &target, float fSec
     Approach(&pLook->fPoles, target.fPoles, fSeconds, 2);
     Approach(&pLook->fMelt, target.fMelt, fSeconds, 0.7f);
     Approach(&pLook->fWander, target.fWander, fSeconds, 1.5f);
-    Approach(&pLook->fPlace, target.fPlace, fSeconds, 0.3f);
-    Approach(&pLook->fSpread, target.fSpread, fSeconds, 0.15f);
 }
 
 static void Start(Gradient *pGradient, PlaneInfo *ppi)
@@ -114,6 +108,7 @@ static void Start(Gradient *pGradient, PlaneInfo *ppi)
         return;
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
     pGradient->look = ReadLook(pGradient);
+    SettlePalette(&pGradient->palette);
     pGradient->fFlow = ReadFloat(pGradient->apControl[CONTROL_FLOW]);
     for (float &fPhase : pGradient->afPath)
         fPhase = RandomUnit(&random);
@@ -128,6 +123,7 @@ static void Move(Gradient *pGradient, float fSeconds)
     Approach(&pGradient->fFlow, ReadFloat(pGradient->apControl[CONTROL_FLOW]), fSeconds, 0.25f);
     AdvancePhase(&pGradient->fFlowed, pGradient->fFlow / 60, fSeconds);
     AdvancePhase(&pGradient->fSpun, ReadFloat(pGradient->apControl[CONTROL_SPIN]) / 60, fSeconds);
+    MovePalette(&pGradient->palette, fSeconds, 0.3f, 0.15f);
 }
 
 struct Pole {
@@ -224,8 +220,8 @@ static uint32_t Draw(Gradient *pGradient, PlaneInfo *ppi, const Canvas &canvas)
     EaseLook(&pGradient->look, ReadLook(pGradient), fSeconds);
     Move(pGradient, fSeconds);
     FillGrid(*pGradient, pGradient->grid);
-    MakeFieldColors(&pGradient->colors, canvas, pGradient->look.fPlace, pGradient->look.fSpread);
-    PaintGrid(canvas, pGradient->grid, pGradient->colors);
+    MixPalette(&pGradient->palette, canvas);
+    PaintGrid(canvas, pGradient->grid, pGradient->palette.colors);
     return 0;
 }
 

@@ -16,9 +16,6 @@ enum {
     CONTROL_SPIN,
     CONTROL_ITERATIONS,
     CONTROL_DETAIL,
-    CONTROL_PLACE,
-    CONTROL_CYCLE,
-    CONTROL_SPREAD,
     CONTROL_INSIDE,
     CONTROLS
 };
@@ -28,10 +25,10 @@ struct Julia {
     ItemSelectRow aDetailRow[DETAILS];
     DrawClock clock;
     float fWay, fSway; // the constant's place along the border, and of a sway across it, in turns
-    float fSpun, fCycled;
-    float fOffset, fPulse, fZoom, fPlace, fSpread, fSpeed, fInside, fIterations; // eased
+    float fSpun;
+    float fOffset, fPulse, fZoom, fSpeed, fInside, fIterations; // eased
     FieldGrid grid;
-    FieldColors colors;
+    FieldPalette palette;
 };
 
 MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
@@ -66,12 +63,12 @@ static void AddControls(Julia *pJulia, const ControlMaker &maker)
 {
     AddShapeControls(pJulia, maker);
     ControlRecord **ap = pJulia->apControl;
-    ap[CONTROL_PLACE] = AddFloat(maker, u"Color\0Place\0", u"Where in the palette the outermost color lies", {0, 1},
-                                 {0.02f, 0.25f}, 0.05f, FromSound(8));
-    ap[CONTROL_CYCLE] = AddFloat(maker, u"Color\0Cycle\0", u"Turns of the colors through the palette in a minute",
-                                 {-60, 60}, {-2, 2}, 1, FromWave(53000));
-    ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How much of the palette lies between outside and border",
-                                  {0.05f, 6}, {0.8f, 2}, 1.4f, FromWave(37000));
+    FieldPalette &palette = pJulia->palette;
+    palette.pPlace =
+        AddFieldPlace(maker, u"Where in the palette the outermost color lies", {0.02f, 0.25f}, 0.05f, FromSound(8));
+    palette.pCycle = AddFieldCycle(maker, {-2, 2}, 1, FromWave(53000));
+    palette.pSpread = AddFieldSpread(maker, u"How much of the palette lies between outside and border", {0.05f, 6},
+                                     {0.8f, 2}, 1.4f, FromWave(37000));
     ap[CONTROL_INSIDE] =
         AddFloat(maker, u"Color\0Inside\0", u"How far the colors go on inside the set; 0 leaves it flat", {0, 1},
                  {0.2f, 0.9f}, 0.6f, FromWave(33000));
@@ -91,8 +88,6 @@ static void Follow(Julia *pJulia, float fSeconds)
     Ease(&pJulia->fOffset, CONTROL_OFFSET, 0.5f);
     Ease(&pJulia->fPulse, CONTROL_PULSE, 0.15f);
     Ease(&pJulia->fZoom, CONTROL_ZOOM, 0.7f);
-    Ease(&pJulia->fPlace, CONTROL_PLACE, 0.12f);
-    Ease(&pJulia->fSpread, CONTROL_SPREAD, 0.7f);
     Ease(&pJulia->fInside, CONTROL_INSIDE, 0.5f);
     Approach(&pJulia->fIterations, (float)ReadInteger(pJulia->apControl[CONTROL_ITERATIONS]), fSeconds, 0.7f);
 }
@@ -105,7 +100,7 @@ static void Start(Julia *pJulia, PlaneInfo *ppi)
     pJulia->fWay = RandomUnit(&random);
     pJulia->fSway = RandomUnit(&random);
     pJulia->fSpun = RandomUnit(&random);
-    pJulia->fCycled = 0;
+    SettlePalette(&pJulia->palette);
     Follow(pJulia, 1e6f);
 }
 
@@ -151,7 +146,7 @@ static void Move(Julia *pJulia, float fSeconds)
     AdvancePhase(&pJulia->fWay, pJulia->fSpeed / 90, fSeconds);
     AdvancePhase(&pJulia->fSway, 0.037f, fSeconds);
     AdvancePhase(&pJulia->fSpun, ReadControl(pJulia, CONTROL_SPIN) / 60, fSeconds);
-    AdvancePhase(&pJulia->fCycled, ReadControl(pJulia, CONTROL_CYCLE) / 60, fSeconds);
+    MovePalette(&pJulia->palette, fSeconds, 0.12f, 0.7f);
 }
 
 // ---- The set
@@ -260,8 +255,8 @@ static uint32_t Draw(Julia *pJulia, PlaneInfo *ppi, const Canvas &canvas)
     Follow(pJulia, fSeconds);
     Move(pJulia, fSeconds);
     FillGrid(*pJulia, pJulia->grid);
-    MakeFieldColors(&pJulia->colors, canvas, pJulia->fPlace + pJulia->fCycled, pJulia->fSpread);
-    PaintGrid(canvas, pJulia->grid, pJulia->colors);
+    MixPalette(&pJulia->palette, canvas);
+    PaintGrid(canvas, pJulia->grid, pJulia->palette.colors);
     return 0;
 }
 

@@ -16,17 +16,7 @@ enum { DETAIL_DRAFT, DETAIL_NORMAL, DETAIL_FINE, DETAILS };
 // Whether the next keyframe shows another place, or is to be begun anew there.
 enum : uint32_t { LEAVE_NOT, LEAVE_NEXT, LEAVE_NOW };
 
-enum {
-    CONTROL_SPEED,
-    CONTROL_DEPTH,
-    CONTROL_FADE,
-    CONTROL_LEAVE,
-    CONTROL_DETAIL,
-    CONTROL_PLACE,
-    CONTROL_CYCLE,
-    CONTROL_SPREAD,
-    CONTROLS
-};
+enum { CONTROL_SPEED, CONTROL_DEPTH, CONTROL_FADE, CONTROL_LEAVE, CONTROL_DETAIL, CONTROLS };
 
 // Points whose orbits end in a loop that pushes away: around them the set spirals on for ever.
 static constexpr Place asPlace[] = {
@@ -47,12 +37,12 @@ struct Journey {
     float fZoomed, fOldZoomed;              // octaves into the shown and the old keyframe
     float fFaded;                           // share of the shown one over the old one; 1: there is no old one
     float fLastEffort;                      // what the last keyframe took
-    float fSpeed, fPlace, fSpread, fCycled; // eased; fSpeed: octaves a second
+    float fSpeed;                           // eased; octaves a second
     uint32_t dwLeave;                       // the next keyframe shows another place
     int32_t nWidth, nHeight;                // picture that the keyframes are for
     float fDetail;
     KeyframeView view;
-    FieldColors colors;
+    FieldPalette palette;
     uint32_t *pOldRow; // nWidth pixels
 };
 
@@ -78,12 +68,11 @@ static void AddControls(Journey *pJourney, const ControlMaker &maker)
                    u"A reset of the module ends the journey and begins one to another place", 0.5f, false, FromFixed());
     ap[CONTROL_DETAIL] = AddItemSelect(maker, u"Journey\0Detail\0", u"How finely it is drawn; fine is slower",
                                        pJourney->aDetailRow, aszDetail, DETAIL_NORMAL, FromFixed());
-    ap[CONTROL_PLACE] = AddFloat(maker, u"Color\0Place\0", u"Where in the palette the colors begin", {0, 1}, {0, 0.3f},
-                                 0, FromSound(9));
-    ap[CONTROL_CYCLE] = AddFloat(maker, u"Color\0Cycle\0", u"Turns of the colors through the palette in a minute",
-                                 {-60, 60}, {-3, 3}, 2, FromWave(53000));
-    ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How fast the colors change towards the set", {0.02f, 4},
-                                  {0.3f, 0.6f}, 0.4f, FromWave(71000));
+    FieldPalette &palette = pJourney->palette;
+    palette.pPlace = AddFieldPlace(maker, u"Where in the palette the colors begin", {0, 0.3f}, 0, FromSound(9));
+    palette.pCycle = AddFieldCycle(maker, {-3, 3}, 2, FromWave(53000));
+    palette.pSpread = AddFieldSpread(maker, u"How fast the colors change towards the set", {0.02f, 4}, {0.3f, 0.6f},
+                                     0.4f, FromWave(71000));
 }
 
 static float ReadControl(const Journey *pJourney, int32_t iControl)
@@ -101,8 +90,7 @@ static void Start(Journey *pJourney, PlaneInfo *ppi)
     pJourney->random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
     pJourney->clock = {};
     pJourney->iPlace = RandomBelow(&pJourney->random, PLACES);
-    pJourney->fPlace = ReadControl(pJourney, CONTROL_PLACE);
-    pJourney->fSpread = ReadControl(pJourney, CONTROL_SPREAD);
+    SettlePalette(&pJourney->palette);
     pJourney->fSpeed = 0;
 }
 
@@ -243,12 +231,11 @@ static uint32_t Draw(Journey *pJourney, PlaneInfo *ppi, const Canvas &canvas)
     if (!FitJourney(pJourney, canvas, afDetail[ReadItem(pJourney->apControl[CONTROL_DETAIL])]))
         return 0;
     const float fSeconds = StepSeconds(&pJourney->clock, ppi);
-    Approach(&pJourney->fPlace, ReadControl(pJourney, CONTROL_PLACE), fSeconds, 0.12f);
-    Approach(&pJourney->fSpread, ReadControl(pJourney, CONTROL_SPREAD), fSeconds, 2);
-    AdvancePhase(&pJourney->fCycled, ReadControl(pJourney, CONTROL_CYCLE) / 60, fSeconds);
+    FieldPalette &palette = pJourney->palette;
+    MovePalette(&palette, fSeconds, 0.12f, 2);
     Travel(pJourney, canvas, fSeconds);
-    MakeFieldColors(&pJourney->colors, canvas, pJourney->fPlace + pJourney->fCycled, 1);
-    ShowJourney(pJourney, canvas, {&pJourney->colors, pJourney->fSpread, canvas.bIndexed ? 0 : PixelAt(canvas, 0)});
+    MakeFieldColors(&palette.colors, canvas, palette.fPlace + palette.fCycled, 1); // rows spread it themselves
+    ShowJourney(pJourney, canvas, {&palette.colors, palette.fSpread, canvas.bIndexed ? 0 : PixelAt(canvas, 0)});
     return 0;
 }
 

@@ -15,9 +15,6 @@ enum {
     CONTROL_WIND,
     CONTROL_GRAIN,
     CONTROL_RATE,
-    CONTROL_PLACE,
-    CONTROL_CYCLE,
-    CONTROL_SPREAD,
     CONTROLS
 };
 
@@ -27,12 +24,12 @@ struct Noise {
     DrawClock clock;
     NoiseLook look; // eased
     NoiseMotion motion;
-    float fPlace, fSpread, fCycled, fGrain, fWind, fBoil;
+    float fGrain, fWind, fBoil;
     float fGrainStep;      // part of the time to the next grain that has gone
     uint32_t dwGrainFrame; // which grain it is
     NoiseLayers layers;
     FieldGrid grid;
-    FieldColors colors;
+    FieldPalette palette;
 };
 
 // A host without OpenGL takes a module of this very name off its lists.
@@ -72,12 +69,11 @@ static void AddControls(Noise *pNoise, const ControlMaker &maker)
     ap[CONTROL_RATE] = AddFloat(maker, u"Grain\0Rate\0", u"Times a second that the grain is drawn anew", {0, 60},
                                 {6, 24}, 12, FromFixed());
     SetDependsOn(ap[CONTROL_RATE], ap[CONTROL_GRAIN], DEPENDOP_GREATER, 0);
-    ap[CONTROL_PLACE] = AddFloat(maker, u"Color\0Place\0", u"Where in the palette the valleys lie", {0, 1}, {0, 0.25f},
-                                 0, FromSound(9));
-    ap[CONTROL_CYCLE] = AddFloat(maker, u"Color\0Cycle\0", u"Turns of the colors through the palette in a minute",
-                                 {-60, 60}, {-1.5f, 1.5f}, 0.7f, FromWave(59000));
-    ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How much of the palette lies between valley and hill",
-                                  {0.05f, 4}, {0.7f, 1.6f}, 1.1f, FromWave(31000));
+    FieldPalette &palette = pNoise->palette;
+    palette.pPlace = AddFieldPlace(maker, u"Where in the palette the valleys lie", {0, 0.25f}, 0, FromSound(9));
+    palette.pCycle = AddFieldCycle(maker, {-1.5f, 1.5f}, 0.7f, FromWave(59000));
+    palette.pSpread = AddFieldSpread(maker, u"How much of the palette lies between valley and hill", {0.05f, 4},
+                                     {0.7f, 1.6f}, 1.1f, FromWave(31000));
 }
 
 static NoiseLook ReadLook(const Noise *pNoise)
@@ -110,8 +106,7 @@ static void Start(Noise *pNoise, PlaneInfo *ppi)
     pNoise->look = ReadLook(pNoise);
     SeedNoise(&pNoise->motion, &random);
     pNoise->dwGrainFrame = (uint32_t)NextRandom(&random);
-    pNoise->fPlace = ReadFloat(pNoise->apControl[CONTROL_PLACE]);
-    pNoise->fSpread = ReadFloat(pNoise->apControl[CONTROL_SPREAD]);
+    SettlePalette(&pNoise->palette);
     pNoise->fGrain = ReadFloat(pNoise->apControl[CONTROL_GRAIN]);
     pNoise->fWind = ReadFloat(pNoise->apControl[CONTROL_WIND]);
     pNoise->fBoil = ReadFloat(pNoise->apControl[CONTROL_BOIL]);
@@ -122,12 +117,10 @@ static void Move(Noise *pNoise, float fSeconds)
     const auto Follow = [&](float *pf, int32_t iControl, float fTimeConstant) {
         Approach(pf, ReadFloat(pNoise->apControl[iControl]), fSeconds, fTimeConstant);
     };
-    Follow(&pNoise->fPlace, CONTROL_PLACE, 0.12f);
-    Follow(&pNoise->fSpread, CONTROL_SPREAD, 0.7f);
     Follow(&pNoise->fGrain, CONTROL_GRAIN, 0.06f);
     Follow(&pNoise->fWind, CONTROL_WIND, 0.7f);
     Follow(&pNoise->fBoil, CONTROL_BOIL, 0.3f);
-    AdvancePhase(&pNoise->fCycled, ReadFloat(pNoise->apControl[CONTROL_CYCLE]) / 60, fSeconds);
+    MovePalette(&pNoise->palette, fSeconds, 0.12f, 0.7f);
     pNoise->fGrainStep += ReadFloat(pNoise->apControl[CONTROL_RATE]) * fSeconds;
     if (pNoise->fGrainStep >= 1) {
         pNoise->fGrainStep = WrapUnit(pNoise->fGrainStep);
@@ -153,7 +146,7 @@ static void PaintGrainy(const Canvas &canvas, Noise *pNoise, uint32_t nShare256)
         InterpolateRow(pNoise->grid, y);
         const uint32_t dwRow = pNoise->dwGrainFrame + (uint32_t)y * 0xC2B2AE3Du;
         AddGrain(pNoise->grid.pnSteps, canvas.nWidth, dwRow, nShare256);
-        StoreSteps(CanvasRow(canvas, y), pNoise->grid.pnSteps, canvas.nWidth, pNoise->colors);
+        StoreSteps(CanvasRow(canvas, y), pNoise->grid.pnSteps, canvas.nWidth, pNoise->palette.colors);
     }
 }
 
@@ -165,12 +158,12 @@ static uint32_t Draw(Noise *pNoise, PlaneInfo *ppi, const Canvas &canvas)
     EaseLook(&pNoise->look, ReadLook(pNoise), fSeconds);
     Move(pNoise, fSeconds);
     FillNoise(pNoise->look, pNoise->motion, &pNoise->layers, pNoise->grid);
-    MakeFieldColors(&pNoise->colors, canvas, pNoise->fPlace + pNoise->fCycled, pNoise->fSpread);
+    MixPalette(&pNoise->palette, canvas);
     const uint32_t nShare256 = (uint32_t)(std::clamp(pNoise->fGrain, 0.0f, 1.0f) * 256 + 0.5f);
     if (nShare256 > 0)
         PaintGrainy(canvas, pNoise, nShare256);
     else
-        PaintGrid(canvas, pNoise->grid, pNoise->colors);
+        PaintGrid(canvas, pNoise->grid, pNoise->palette.colors);
     return 0;
 }
 

@@ -14,15 +14,12 @@ enum {
     CONTROL_SPEED,
     CONTROL_TURNING,
     CONTROL_WANDER,
-    CONTROL_PLACE,
-    CONTROL_CYCLE,
-    CONTROL_SPREAD,
     CONTROLS
 };
 
 // The controls, eased.
 struct PlasmaLook {
-    float fWaves, fFineness, fRings, fWarp, fWander, fSpread, fPlace;
+    float fWaves, fFineness, fRings, fWarp, fWander;
 };
 
 struct Plasma {
@@ -32,9 +29,9 @@ struct Plasma {
     float afAngle[PLASMA_WAVES], afPhase[PLASMA_WAVES]; // turns
     float afRing[PLASMA_RINGS], afPath[2 * PLASMA_RINGS];
     float afWarp[4];
-    float fTurned, fCycled, fSpeed;
+    float fTurned, fSpeed;
     FieldGrid grid;
-    FieldColors colors;
+    FieldPalette palette;
 };
 
 MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
@@ -61,24 +58,18 @@ static void AddControls(Plasma *pPlasma, const ControlMaker &maker)
     ap[CONTROL_WANDER] = AddFloat(maker, u"Motion\0Wander\0", u"How far the centers of the rings stray", {0, 1},
                                   {0.3f, 0.9f}, 0.6f, FromRandom());
     SetDependsOn(ap[CONTROL_WANDER], ap[CONTROL_RINGS], DEPENDOP_GREATER, 0);
-    ap[CONTROL_PLACE] = AddFloat(maker, u"Color\0Place\0", u"Where in the palette the valleys lie", {0, 1}, {0, 0.35f},
-                                 0, FromSound(8));
-    ap[CONTROL_CYCLE] = AddFloat(maker, u"Color\0Cycle\0", u"Turns of the colors through the palette in a minute",
-                                 {-60, 60}, {-2, 2}, 1, FromWave(53000));
-    ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How much of the palette lies between valley and crest",
-                                  {0.05f, 4}, {0.45f, 1.2f}, 0.8f, FromWave(37000));
+    FieldPalette &palette = pPlasma->palette;
+    palette.pPlace = AddFieldPlace(maker, u"Where in the palette the valleys lie", {0, 0.35f}, 0, FromSound(8));
+    palette.pCycle = AddFieldCycle(maker, {-2, 2}, 1, FromWave(53000));
+    palette.pSpread = AddFieldSpread(maker, u"How much of the palette lies between valley and crest", {0.05f, 4},
+                                     {0.45f, 1.2f}, 0.8f, FromWave(37000));
 }
 
 static PlasmaLook ReadLook(const Plasma *pPlasma)
 {
     const auto Float = [&](int32_t iControl) { return ReadFloat(pPlasma->apControl[iControl]); };
-    return {(float)ReadInteger(pPlasma->apControl[CONTROL_WAVES]),
-            1 / std::max(Float(CONTROL_SIZE), 0.2f),
-            Float(CONTROL_RINGS),
-            Float(CONTROL_WARP) * 0.3f,
-            Float(CONTROL_WANDER) * 0.5f,
-            Float(CONTROL_SPREAD),
-            Float(CONTROL_PLACE)};
+    return {(float)ReadInteger(pPlasma->apControl[CONTROL_WAVES]), 1 / std::max(Float(CONTROL_SIZE), 0.2f),
+            Float(CONTROL_RINGS), Float(CONTROL_WARP) * 0.3f, Float(CONTROL_WANDER) * 0.5f};
 }
 
 static void EaseLook(PlasmaLook *pLook, const PlasmaLook &target, float fSeconds)
@@ -88,8 +79,6 @@ static void EaseLook(PlasmaLook *pLook, const PlasmaLook &target, float fSeconds
     Approach(&pLook->fRings, target.fRings, fSeconds, 0.5f);
     Approach(&pLook->fWarp, target.fWarp, fSeconds, 0.5f);
     Approach(&pLook->fWander, target.fWander, fSeconds, 1.5f);
-    Approach(&pLook->fSpread, target.fSpread, fSeconds, 0.7f);
-    Approach(&pLook->fPlace, target.fPlace, fSeconds, 0.12f);
 }
 
 static void Start(Plasma *pPlasma, PlaneInfo *ppi)
@@ -98,6 +87,7 @@ static void Start(Plasma *pPlasma, PlaneInfo *ppi)
         return;
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
     pPlasma->look = ReadLook(pPlasma);
+    SettlePalette(&pPlasma->palette);
     pPlasma->fSpeed = ReadFloat(pPlasma->apControl[CONTROL_SPEED]);
     // Neighbours in the sum cross at a wide angle.
     for (int32_t i = 0; i < PLASMA_WAVES; i++)
@@ -111,7 +101,6 @@ static void Start(Plasma *pPlasma, PlaneInfo *ppi)
     for (float &fPhase : pPlasma->afWarp)
         fPhase = RandomUnit(&random);
     pPlasma->fTurned = RandomUnit(&random);
-    pPlasma->fCycled = 0;
 }
 
 static void Move(Plasma *pPlasma, float fSeconds)
@@ -131,7 +120,7 @@ static void Move(Plasma *pPlasma, float fSeconds)
     for (int32_t i = 0; i < 4; i++)
         AdvancePhase(&pPlasma->afWarp[i], afWarp[i], fPath);
     AdvancePhase(&pPlasma->fTurned, ReadFloat(pPlasma->apControl[CONTROL_TURNING]) / 60, fSeconds);
-    AdvancePhase(&pPlasma->fCycled, ReadFloat(pPlasma->apControl[CONTROL_CYCLE]) / 60, fSeconds);
+    MovePalette(&pPlasma->palette, fSeconds, 0.12f, 0.7f);
 }
 
 // One wave or ring, ready for the vertices: a phase along the row, and a weight.
@@ -241,8 +230,8 @@ static uint32_t Draw(Plasma *pPlasma, PlaneInfo *ppi, const Canvas &canvas)
     EaseLook(&pPlasma->look, ReadLook(pPlasma), fSeconds);
     Move(pPlasma, fSeconds);
     FillGrid(*pPlasma, pPlasma->grid);
-    MakeFieldColors(&pPlasma->colors, canvas, pPlasma->look.fPlace + pPlasma->fCycled, pPlasma->look.fSpread);
-    PaintGrid(canvas, pPlasma->grid, pPlasma->colors);
+    MixPalette(&pPlasma->palette, canvas);
+    PaintGrid(canvas, pPlasma->grid, pPlasma->palette.colors);
     return 0;
 }
 

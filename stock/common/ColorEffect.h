@@ -6,21 +6,17 @@
 // frame. To change it again would add up, so they mark what they have done: the spare byte of colour 0 says at which
 // tick effects were at work. Whoever fills the table writes over it.
 //
-// A module describes itself in ModuleGetDescription, keeps its state in a record and gives functions for it:
+// A module gives AddControls and Start as StockEntryPoints.h says, and
 //
-//   void AddControls(Record *, const ControlMaker &)
-//   void Start(Record *, PlaneInfo *)                               at every bring-up and reset
 //   void Change(Record *, const PlaneInfo *, const CodeTables *, const uint32_t *pFrom, uint32_t *pTo, int32_t nColors,
 //               float fSeconds)                                     one frame: fills pTo from pFrom
 //
-// and ends with STOCK_COLOR_EFFECT(Record). The record begins zeroed.
+// and ends with STOCK_COLOR_EFFECT(Record).
 #ifndef VORTICADE_COLOR_EFFECT_H
 #define VORTICADE_COLOR_EFFECT_H
 
 #include "PaletteColor.h"
-#include "StockControls.h"
-
-#include <new>
+#include "StockEntryPoints.h"
 
 #define EFFECT_LONGEST_FRAME_MS 100u /* after a pause the colours go on from where they stood */
 
@@ -57,12 +53,23 @@ template <class Record> inline void TakeColors(ColorEffect<Record> *pEffect, con
     pEffect->nColors = nColors;
 }
 
+template <class Record> inline void AddControls(ColorEffect<Record> *pEffect, const ControlMaker &maker)
+{
+    MakeCodeTables(&pEffect->codes);
+    AddControls(&pEffect->record, maker);
+}
+
+template <class Record> inline void Start(ColorEffect<Record> *pEffect, PlaneInfo *ppi)
+{
+    Start(&pEffect->record, ppi);
+}
+
 // Further calls within a frame hurry the motion, which is what their user asks for, and change the colours once.
-template <class Record> inline void RunColorEffect(ColorEffect<Record> *pEffect, PlaneInfo *ppi)
+template <class Record> inline uint32_t DrawFrame(ColorEffect<Record> *pEffect, PlaneInfo *ppi)
 {
     const int32_t nColors = LimitColors(ppi->nColors);
-    if (!pEffect || !ppi->lpColorTable || nColors < 1)
-        return; // no colours yet
+    if (!ppi->lpColorTable || nColors < 1)
+        return 0; // no colours yet
     const uint64_t qwTick = ppi->hdc->qwTick;
     TakeColors(pEffect, ppi, nColors);
     if (!pEffect->clock.bStarted || qwTick != pEffect->clock.qwLastTick)
@@ -70,16 +77,7 @@ template <class Record> inline void RunColorEffect(ColorEffect<Record> *pEffect,
     Change(&pEffect->record, ppi, &pEffect->codes, pEffect->adwFrom, ppi->lpColorTable, nColors,
            pEffect->fSeconds / (float)ReadTimeScale(ppi));
     ppi->lpColorTable[0] = (ppi->lpColorTable[0] & 0x00FFFFFF) | MarkOfTick(qwTick);
-}
-
-template <class Record> inline void BuildColorEffect(void **ppvContext, const ControlMaker &maker)
-{
-    auto *pEffect = new (std::nothrow) ColorEffect<Record>();
-    *ppvContext = pEffect;
-    if (!pEffect)
-        return;
-    MakeCodeTables(&pEffect->codes);
-    AddControls(&pEffect->record, maker);
+    return 0;
 }
 
 // ---- What the effects share
@@ -108,34 +106,6 @@ inline float SoundLevel(const PlaneInfo *ppi)
     return ppi->pSound ? Limit(ppi->pSound->fLevelA, 0, 1) : 0;
 }
 
-#define STOCK_COLOR_EFFECT(Record)                                                                                     \
-    MODULE_EXPORT void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn pfnAllocControl,     \
-                                                   int32_t *pnControls)                                                \
-    {                                                                                                                  \
-        BuildColorEffect<Record>(ppvContext, {pfnAllocControl, pnControls});                                           \
-    }                                                                                                                  \
-    MODULE_EXPORT void ModulePreInitialize(void *, PlaneInfo *)                                                        \
-    {                                                                                                                  \
-    }                                                                                                                  \
-    MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)                                               \
-    {                                                                                                                  \
-        if (pvContext)                                                                                                 \
-            Start(&((ColorEffect<Record> *)pvContext)->record, ppi);                                                   \
-    }                                                                                                                  \
-    MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)                                            \
-    {                                                                                                                  \
-        RunColorEffect((ColorEffect<Record> *)pvContext, ppi);                                                         \
-        return 0;                                                                                                      \
-    }                                                                                                                  \
-    MODULE_EXPORT void ModuleResolveIndexedPlane(void *, PlaneInfo *, HostBitmap *)                                    \
-    {                                                                                                                  \
-    }                                                                                                                  \
-    MODULE_EXPORT void ModuleCleanUp(void *)                                                                           \
-    {                                                                                                                  \
-    }                                                                                                                  \
-    MODULE_EXPORT void ModuleDestroyControlStructure(void *pvContext)                                                  \
-    {                                                                                                                  \
-        delete (ColorEffect<Record> *)pvContext;                                                                       \
-    }
+#define STOCK_COLOR_EFFECT(Record) STOCK_ENTRY_POINTS(ColorEffect<Record>)
 
 #endif

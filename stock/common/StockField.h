@@ -48,6 +48,55 @@ inline void MakeFieldColors(FieldColors *pColors, const Canvas &canvas, float fP
     pColors->dwKept = canvas.bIndexed ? 0 : 0xFF000000u;
 }
 
+// ---- Where a field lies on the palette: the controls of it, eased
+
+struct FieldPalette {
+    ControlRecord *pPlace, *pCycle, *pSpread; // null: the module has none of these
+    float fPlace, fSpread, fCycled;           // eased; what the cycle has turned so far
+    FieldColors colors;
+};
+
+template <size_t nText>
+inline ControlRecord *AddFieldPlace(const ControlMaker &maker, const char16_t (&szDescription)[nText], FloatRange range,
+                                    float fValue, const FluidDefault &fd)
+{
+    return AddFloat(maker, u"Color\0Place\0", szDescription, {0, 1}, range, fValue, fd);
+}
+
+inline ControlRecord *AddFieldCycle(const ControlMaker &maker, FloatRange range, float fValue, const FluidDefault &fd)
+{
+    return AddFloat(maker, u"Color\0Cycle\0", u"Turns of the colors through the palette in a minute", {-60, 60}, range,
+                    fValue, fd);
+}
+
+template <size_t nText>
+inline ControlRecord *AddFieldSpread(const ControlMaker &maker, const char16_t (&szDescription)[nText],
+                                     FloatRange absolute, FloatRange range, float fValue, const FluidDefault &fd)
+{
+    return AddFloat(maker, u"Color\0Spread\0", szDescription, absolute, range, fValue, fd);
+}
+
+inline void SettlePalette(FieldPalette *pPalette)
+{
+    pPalette->fPlace = ReadFloat(pPalette->pPlace);
+    pPalette->fSpread = ReadFloat(pPalette->pSpread);
+}
+
+// The last two: how long the place and the spread take to follow, in seconds.
+inline void MovePalette(FieldPalette *pPalette, float fSeconds, float fPlaceEase, float fSpreadEase)
+{
+    Approach(&pPalette->fPlace, ReadFloat(pPalette->pPlace), fSeconds, fPlaceEase);
+    Approach(&pPalette->fSpread, ReadFloat(pPalette->pSpread), fSeconds, fSpreadEase);
+    AdvancePhase(&pPalette->fCycled, ReadFloat(pPalette->pCycle) / 60, fSeconds);
+}
+
+inline void MixPalette(FieldPalette *pPalette, const Canvas &canvas)
+{
+    MakeFieldColors(&pPalette->colors, canvas, pPalette->fPlace + pPalette->fCycled, pPalette->fSpread);
+}
+
+// ---- From the numbers of a row to its pixels
+
 // pnSteps: numbers times FIELD_STEPS; what lies beyond comes round again.
 inline void StoreSteps(uint32_t *pPixel, const uint16_t *pnSteps, int32_t nPixels, const FieldColors &colors)
 {
