@@ -161,6 +161,62 @@ TEST(PaintersMore, TilesStandWhereTheMaskHasThemWithItsFirstRowOnTop)
         }
 }
 
+TEST(PaintersMore, TheMiddleOfATileOrACornerLiesInTheMiddleOfThePicture)
+{
+    for (const bool bMiddle : {false, true}) {
+        TestPlane plane(128, 128, true, 256);
+        TestModule tiles("PMTiles.dll", plane);
+        tiles.Set("Grid.Middle", bMiddle);
+        tiles.Set("Grid.Count", 4);
+        tiles.Set("Grid.Shape", 2); // a diamond is empty at its corners
+        tiles.Set("Light.Level", 1);
+        tiles.Reset(plane, 1);
+        tiles.Run(plane, 10);
+        EXPECT_EQ(bMiddle, plane.Bits()[64 * 128 + 64] != 0);
+        EXPECT_EQ(!bMiddle, plane.Bits()[80 * 128 + 80] != 0);
+        EXPECT_NE(0u, plane.Bits()[(bMiddle ? 64 : 80) * 128 + (bMiddle ? 1 : 16)]) << "the first tile of the row";
+    }
+}
+
+// On a plane that keeps what is painted, every frame that moves a glyph adds to what is lit.
+TEST(PaintersMore, GlyphsOfATurningCircleStayWhereTheyWereWrittenUnlessTheyAreCarried)
+{
+    size_t anLit[2] = {};
+    for (const bool bCarry : {false, true}) {
+        TestPlane plane(320, 180, true, 256);
+        TestModule glyphs("PMGlyphs.dll", plane);
+        glyphs.Set("Script.Layout", 2);
+        glyphs.Set("Writing.Turn", 15);
+        glyphs.Set("Writing.Carry", bCarry);
+        glyphs.Reset(plane, 3);
+        glyphs.Run(plane, 120, 30);
+        anLit[bCarry] = CountLit(plane);
+    }
+    EXPECT_GT(anLit[0], 500u);
+    EXPECT_GT(anLit[1], 2 * anLit[0]);
+}
+
+TEST(PaintersMore, AHarderPenCoversMore)
+{
+    for (const char *szDll :
+         {"PMSparks.dll", "PMPendulum.dll", "PMHalo.dll", "PMStars.dll", "PMWalkers.dll", "PMGlyphs.dll"}) {
+        uint64_t anSum[2] = {};
+        for (const bool bHard : {false, true}) {
+            TestPlane plane(320, 180, true, 256);
+            TestModule painter(szDll, plane);
+            painter.Set("Pen.Hardness", bHard);
+            painter.Reset(plane, 3);
+            painter.Run(plane, 60);
+            plane.Fill(0);
+            painter.Run(plane, 1);
+            for (const uint32_t dwPixel : plane.Picture())
+                anSum[bHard] += dwPixel;
+        }
+        EXPECT_GT(anSum[0], 0u) << szDll;
+        EXPECT_GT(anSum[1] * 10, anSum[0] * 12) << szDll;
+    }
+}
+
 TEST(PaintersMore, StarsComeAnewWhicheverWayTheFlightGoes)
 {
     for (const float fSpeed : {2.0f, -2.0f, 0.0f}) {

@@ -16,14 +16,16 @@ enum {
     CONTROL_SPEED,
     CONTROL_HOLD,
     CONTROL_TURN,
+    CONTROL_CARRY,
     CONTROL_THICKNESS,
+    CONTROL_HARDNESS,
     CONTROL_PLACE,
     CONTROL_SPREAD,
     CONTROL_PAINT,
     CONTROLS
 };
 
-static const float afEase[CONTROLS] = {0, 0, 1, 1.5f, 0, 0.2f, 0.5f, 1, 0.1f, 0.4f, 1.5f, 0};
+static const float afEase[CONTROLS] = {0, 0, 1, 1.5f, 0, 0.2f, 0.5f, 1, 0, 0.1f, 0.5f, 0.4f, 1.5f, 0};
 
 struct Written {
     int32_t iGlyph;
@@ -32,6 +34,7 @@ struct Written {
     float fDone;   // glyph heights of strokes that are written
     float fAge;    // seconds since it was finished
     float fTurns;  // color against the place
+    float fTurn;   // of its round layout
     bool bStands;
 };
 
@@ -81,8 +84,15 @@ static void AddControls(Glyphs *pGlyphs, const ControlMaker &maker)
                                 {2, 6}, 4, FromWave(41000));
     ap[CONTROL_TURN] = AddFloat(maker, u"Writing\0Turn\0", u"Turns of circles and spirals in a minute", {-20, 20},
                                 {-2, 2}, 1, FromWave(47000));
+    ap[CONTROL_CARRY] =
+        AddBoolean(maker, u"Writing\0Carry\0",
+                   u"What is written turns too; off, it stays where it was written and leaves clean traces", 0.5f, true,
+                   FromFixed());
+    SetDependsOn(ap[CONTROL_TURN], ap[CONTROL_LAYOUT], DEPENDOP_GREATEREQUAL, LAYOUT_CIRCLES);
+    SetDependsOn(ap[CONTROL_CARRY], ap[CONTROL_LAYOUT], DEPENDOP_GREATEREQUAL, LAYOUT_CIRCLES);
     ap[CONTROL_THICKNESS] =
         AddThickness(maker, u"Of the pen, in percent of the picture's height", {0.5f, 1.1f}, 0.8f, FromSound(6));
+    ap[CONTROL_HARDNESS] = AddHardness(maker);
     ap[CONTROL_PLACE] = AddPlace(maker, u"Where in the palette fresh ink lies");
     ap[CONTROL_SPREAD] = AddSpread(maker, u"How far apart the colors of the glyphs lie");
     ap[CONTROL_PAINT] = AddPaintMode(maker, pGlyphs->aPaintRow, PAINT_OVER);
@@ -119,6 +129,7 @@ static void BeginGlyph(Glyphs *pGlyphs, const View &view, Hand *pHand)
     glyph.fHeight = fHeight;
     glyph.spot = SpotOfPlace(view, pGlyphs->dwLayout, pHand->place);
     glyph.fTurns = RandomBetween(pRandom, -0.5f, 0.5f);
+    glyph.fTurn = pGlyphs->fTurn;
     glyph.bStands = true;
     pHand->iWritten = pGlyphs->iNext;
     pHand->bWrites = true;
@@ -143,7 +154,7 @@ static Knot KnotOnPicture(const Glyphs *pGlyphs, const Written &written, const K
     const float fAngle = written.spot.fAngle, c = CosineTurn(fAngle), s = SineTurn(fAngle);
     const float x = written.fHeight * (knot.x + pGlyphs->afLook[CONTROL_SLANT] * knot.y), y = written.fHeight * knot.y;
     const bool bRound = pGlyphs->dwLayout == LAYOUT_CIRCLES || pGlyphs->dwLayout == LAYOUT_SPIRAL;
-    const float fTurn = bRound ? pGlyphs->fTurn : 0, cTurn = CosineTurn(fTurn), sTurn = SineTurn(fTurn);
+    const float fTurn = bRound ? written.fTurn : 0, cTurn = CosineTurn(fTurn), sTurn = SineTurn(fTurn);
     const float xAll = written.spot.x + x * c - y * s, yAll = written.spot.y + x * s + y * c;
     return {xAll * cTurn - yAll * sTurn, xAll * sTurn + yAll * cTurn};
 }
@@ -164,7 +175,7 @@ static void DrawStroke(const Glyphs *pGlyphs, const Canvas &canvas, const Paint 
         const float fPress = 0.75f + 0.5f * FoldUnit(fAlong) - 0.2f * fAlong; // a stroke swells and thins out
         aPoint[i] = PointInView(view, knot.x, knot.y, fRadius * fPress, PlaceOfTurns(fTurns + 0.15f * fAlong), fWeight);
     }
-    PaintCurve(canvas, paint, aPoint, nPoints, 3, ENDS_ROUND);
+    PaintCurve(canvas, paint, aPoint, nPoints, HardnessOf(pfLook[CONTROL_HARDNESS], 3), ENDS_ROUND);
 }
 
 static void DrawGlyph(const Glyphs *pGlyphs, const Canvas &canvas, const Paint &paint, const View &view,
@@ -181,11 +192,20 @@ static void DrawGlyph(const Glyphs *pGlyphs, const Canvas &canvas, const Paint &
     }
 }
 
+static void Turn(Glyphs *pGlyphs, float fSeconds)
+{
+    const float fSpeed = pGlyphs->afLook[CONTROL_TURN] / 60;
+    AdvancePhase(&pGlyphs->fTurn, fSpeed, fSeconds);
+    if (ReadBoolean(pGlyphs->apControl[CONTROL_CARRY]))
+        for (Written &written : pGlyphs->aWritten)
+            AdvancePhase(&written.fTurn, fSpeed, fSeconds);
+}
+
 static uint32_t Draw(Glyphs *pGlyphs, PlaneInfo *ppi, const Canvas &canvas)
 {
     const float fSeconds = StepSeconds(&pGlyphs->clock, ppi);
     EaseControls(pGlyphs->apControl, afEase, pGlyphs->afLook, fSeconds);
-    AdvancePhase(&pGlyphs->fTurn, pGlyphs->afLook[CONTROL_TURN] / 60, fSeconds);
+    Turn(pGlyphs, fSeconds);
     const Paint paint = MakePaint(ppi, ReadItem(pGlyphs->apControl[CONTROL_PAINT]), fSeconds);
     if (paint.fLayers <= 0) // no time has passed: there is nothing to add
         return 0;

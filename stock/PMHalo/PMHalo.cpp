@@ -23,13 +23,14 @@ enum {
     CONTROL_SPIN,
     CONTROL_DRIFT,
     CONTROL_THICKNESS,
+    CONTROL_HARDNESS,
     CONTROL_PLACE,
     CONTROL_SPREAD,
     CONTROL_PAINT,
     CONTROLS
 };
 
-static const float afEase[CONTROLS] = {0.05f, 1, 0, 0, 1.2f, 0.8f, 0.8f, 0.5f, 1, 0.1f, 0.4f, 1.5f, 0};
+static const float afEase[CONTROLS] = {0.05f, 1, 0, 0, 1.2f, 0.8f, 0.8f, 0.5f, 1, 0.1f, 0.5f, 0.4f, 1.5f, 0};
 
 struct Halo {
     ControlRecord *apControl[CONTROLS];
@@ -75,6 +76,7 @@ static void AddControls(Halo *pHalo, const ControlMaker &maker)
                                  {0, 0.4f}, 0.15f, FromWave(61000));
     ap[CONTROL_THICKNESS] =
         AddThickness(maker, u"Of the outline, in percent of the picture's height", {0.6f, 2}, 1, FromSound(6));
+    ap[CONTROL_HARDNESS] = AddHardness(maker);
     ap[CONTROL_PLACE] = AddPlace(maker, u"Where in the palette the outermost ring lies");
     ap[CONTROL_SPREAD] = AddSpread(maker, u"How far the color moves with the sound and from ring to ring");
     ap[CONTROL_PAINT] = AddPaintMode(maker, pHalo->aPaintRow, PAINT_OVER);
@@ -150,19 +152,21 @@ static void DrawOutline(Halo *pHalo, const Canvas &canvas, const Paint &paint, c
 {
     for (int32_t i = 0; i <= HALO_POINTS; i++)
         pHalo->aPoint[i] = PointOfRing(pHalo, view, ring, (float)(i % HALO_POINTS) / HALO_POINTS, true);
-    PaintCurve(canvas, paint, pHalo->aPoint, HALO_POINTS + 1, 3, ENDS_CLOSED);
+    const float fHardness = HardnessOf(pHalo->afLook[CONTROL_HARDNESS], 3);
+    PaintCurve(canvas, paint, pHalo->aPoint, HALO_POINTS + 1, fHardness, ENDS_CLOSED);
 }
 
 static void DrawMarks(const Halo *pHalo, const Canvas &canvas, const Paint &paint, const View &view, const Ring &ring,
                       bool bBars)
 {
+    const float fHardness = HardnessOf(pHalo->afLook[CONTROL_HARDNESS], 3);
     for (int32_t i = 0; i < HALO_BARS; i++) {
         const float fTurn = (float)i / HALO_BARS;
         StrokePoint top = PointOfRing(pHalo, view, ring, fTurn, true);
         top.fRadius *= bBars ? 1 : 1.5f;
         StrokePoint root = bBars ? PointOfRing(pHalo, view, ring, fTurn, false) : top;
         root.fPlace *= 0.75f;
-        PaintStreak(canvas, paint, bBars ? root : top, top, 3);
+        PaintStreak(canvas, paint, bBars ? root : top, top, fHardness);
     }
 }
 

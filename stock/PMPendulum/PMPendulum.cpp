@@ -23,13 +23,14 @@ enum {
     CONTROL_SECONDS,
     CONTROL_MORPH,
     CONTROL_THICKNESS,
+    CONTROL_HARDNESS,
     CONTROL_PLACE,
     CONTROL_SPREAD,
     CONTROL_PAINT,
     CONTROLS
 };
 
-static const float afEase[CONTROLS] = {0, 2, 1, 1.5f, 1.5f, 0.8f, 0, 0, 0.4f, 0.1f, 0.4f, 1.5f, 0};
+static const float afEase[CONTROLS] = {0, 2, 1, 1.5f, 1.5f, 0.8f, 0, 0, 0.4f, 0.1f, 0.5f, 0.4f, 1.5f, 0};
 
 // The four pendulums of a curve: two for x, two for y.
 struct Curve {
@@ -81,6 +82,7 @@ static void AddControls(Pendulum *pPendulum, const ControlMaker &maker)
                                  3, FromSound(20));
     ap[CONTROL_THICKNESS] =
         AddThickness(maker, u"Of the pen, in percent of the picture's height", {0.3f, 0.7f}, 0.5f, FromSound(6));
+    ap[CONTROL_HARDNESS] = AddHardness(maker);
     ap[CONTROL_PLACE] = AddPlace(maker, u"Where in the palette the beginning of the curve lies");
     ap[CONTROL_SPREAD] = AddSpread(maker, u"How far the color moves on towards its end");
     ap[CONTROL_PAINT] = AddPaintMode(maker, pPendulum->aPaintRow, PAINT_OVER);
@@ -183,6 +185,7 @@ static void DrawCurve(const Pendulum *pPendulum, const Canvas &canvas, const Pai
     const int32_t nWhole = std::min((int32_t)(fQuickest * STEPS_OF_SWING), CURVE_STEPS_MOST);
     const float fStep = (fTo - fFrom) / std::max((fTo - fFrom) * (float)nWhole, 4.0f);
     const int32_t nPoints = (int32_t)((fTo - fFrom) / std::max(fStep, 1e-6f) + 0.5f) + 1;
+    const float fHardness = HardnessOf(pPendulum->afLook[CONTROL_HARDNESS], 3);
     StrokePoint aPoint[CURVE_CHUNK];
     for (int32_t iFirst = 0; iFirst == 0 || iFirst + 3 < nPoints; iFirst += CURVE_CHUNK - 3) {
         const int32_t nChunk = std::min(nPoints - iFirst, CURVE_CHUNK);
@@ -194,7 +197,7 @@ static void DrawCurve(const Pendulum *pPendulum, const Canvas &canvas, const Pai
             aPoint[i].fWeight *= std::min((fAlong - fFrom) * 40 + 0.02f, 1.0f);
         }
         const uint32_t dwEnds = (iFirst > 0 ? ENDS_LED_START : 0) | (iFirst + nChunk < nPoints ? ENDS_LED_END : 0);
-        PaintCurve(canvas, paint, aPoint, nChunk, 3, dwEnds);
+        PaintCurve(canvas, paint, aPoint, nChunk, fHardness, dwEnds);
     }
 }
 

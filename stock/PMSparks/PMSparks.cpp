@@ -18,13 +18,14 @@ enum {
     CONTROL_DRAG,
     CONTROL_LIFE,
     CONTROL_THICKNESS,
+    CONTROL_HARDNESS,
     CONTROL_PLACE,
     CONTROL_SPREAD,
     CONTROL_PAINT,
     CONTROLS
 };
 
-static const float afEase[CONTROLS] = {1.5f, 0.1f, 0.3f, 0.5f, 0, 0, 0.8f, 0.8f, 0.8f, 0.5f, 0.1f, 0.5f, 1.5f, 0};
+static const float afEase[CONTROLS] = {1.5f, 0.1f, 0.3f, 0.5f, 0, 0, 0.8f, 0.8f, 0.8f, 0.5f, 0.1f, 0.5f, 0.5f, 1.5f, 0};
 
 struct Spark {
     float x, y, xSpeed, ySpeed; // units, units per second
@@ -85,6 +86,7 @@ static void AddControls(Sparks *pSparks, const ControlMaker &maker)
                                 FromPeriodic(7000));
     ap[CONTROL_THICKNESS] =
         AddThickness(maker, u"Of a spark, in percent of the picture's height", {0.5f, 1.1f}, 0.7f, FromSound(8));
+    ap[CONTROL_HARDNESS] = AddHardness(maker);
     ap[CONTROL_PLACE] = AddPlace(maker, u"Where in the palette fresh sparks lie");
     ap[CONTROL_SPREAD] = AddSpread(maker, u"How far the colors of the fountains and bursts lie apart");
     ap[CONTROL_PAINT] = AddPaintMode(maker, pSparks->aPaintRow, PAINT_LIGHTEN);
@@ -182,7 +184,7 @@ static void RunBursts(Sparks *pSparks, const View &view, float fSeconds)
 
 static void RunSparks(Sparks *pSparks, const Canvas &canvas, const Paint &paint, const View &view, float fSeconds)
 {
-    const float *pfLook = pSparks->afLook;
+    const float *pfLook = pSparks->afLook, fHardness = HardnessOf(pfLook[CONTROL_HARDNESS], 2.5f);
     for (Spark &spark : pSparks->aSpark) {
         if (spark.fLife <= 0)
             continue;
@@ -195,7 +197,7 @@ static void RunSparks(Sparks *pSparks, const Canvas &canvas, const Paint &paint,
         const float fRadius = 0.01f * pfLook[CONTROL_THICKNESS] * spark.fSize * (0.5f + 0.5f * fLeft);
         const float fPlace = PlaceOfTurns(pfLook[CONTROL_PLACE] + spark.fTurns) * (0.55f + 0.45f * fLeft);
         PaintStreak(canvas, paint, PointInView(view, before.x, before.y, fRadius * 0.8f, fPlace, 0.9f * fLeft),
-                    PointInView(view, spark.x, spark.y, fRadius, fPlace, 0.9f * fLeft), 2.5f);
+                    PointInView(view, spark.x, spark.y, fRadius, fPlace, 0.9f * fLeft), fHardness);
     }
 }
 

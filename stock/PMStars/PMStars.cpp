@@ -15,6 +15,7 @@ enum {
     CONTROL_STEER,
     CONTROL_LENS,
     CONTROL_THICKNESS,
+    CONTROL_HARDNESS,
     CONTROL_STREAK,
     CONTROL_TWINKLE,
     CONTROL_PLACE,
@@ -23,7 +24,7 @@ enum {
     CONTROLS
 };
 
-static const float afEase[CONTROLS] = {0, 1.5f, 0.35f, 1, 1, 1, 0.1f, 0.5f, 0.5f, 0.4f, 1.5f, 0};
+static const float afEase[CONTROLS] = {0, 1.5f, 0.35f, 1, 1, 1, 0.1f, 0.5f, 0.5f, 0.5f, 0.4f, 1.5f, 0};
 
 static const float afSteerSpeed[4] = {0.019f, 0.033f, 0.023f, 0.041f}; // turns per second
 
@@ -69,6 +70,7 @@ static void AddControls(Stars *pStars, const ControlMaker &maker)
                                 {0.1f, 2}, {0.35f, 0.8f}, 0.5f, FromWave(43000));
     ap[CONTROL_THICKNESS] =
         AddThickness(maker, u"Of a star close by, in percent of the picture's height", {1, 2.4f}, 1.5f, FromSound(5));
+    ap[CONTROL_HARDNESS] = AddHardness(maker);
     ap[CONTROL_STREAK] = AddFloat(maker, u"Pen\0Streak\0", u"Seconds of its way that a star is drawn over", {0, 1},
                                   {0.02f, 0.16f}, 0.06f, FromWave(19000));
     ap[CONTROL_TWINKLE] =
@@ -188,7 +190,7 @@ static void DrawStar(const Stars *pStars, const Canvas &canvas, const Paint &pai
     tail.fRadius = 0.7f * head.fRadius;
     tail.fWeight = 0.5f * head.fWeight;
     tail.fPlace = 0.85f * head.fPlace;
-    PaintStreak(canvas, paint, tail, head, 2.5f);
+    PaintStreak(canvas, paint, tail, head, HardnessOf(pfLook[CONTROL_HARDNESS], 2.5f));
 }
 
 static void FlyThrough(Stars *pStars, const Canvas &canvas, const Paint &paint, float fSeconds)

@@ -11,6 +11,7 @@ enum { LIGHT_WAVES, LIGHT_RINGS, LIGHT_TWINKLE, LIGHT_SOUND, LIGHTS };
 enum {
     CONTROL_TILES,
     CONTROL_COUNT,
+    CONTROL_MIDDLE,
     CONTROL_SHAPE,
     CONTROL_SIZE,
     CONTROL_LIGHT,
@@ -25,7 +26,7 @@ enum {
     CONTROLS
 };
 
-static const float afEase[CONTROLS] = {0, 2, 0, 0.6f, 0, 0.07f, 0.6f, 1.5f, 0, 0.6f, 0.4f, 1.5f, 0};
+static const float afEase[CONTROLS] = {0, 2, 0, 0, 0.6f, 0, 0.07f, 0.6f, 1.5f, 0, 0.6f, 0.4f, 1.5f, 0};
 
 struct Tiles {
     ControlRecord *apControl[CONTROLS];
@@ -47,6 +48,7 @@ static void AddGridControls(Tiles *pTiles, const ControlMaker &maker)
 {
     static const char16_t *const aszShape[SHAPES] = {u"Square", u"Round", u"Diamond", u"Mixed"};
     ControlRecord **ap = pTiles->apControl;
+    AddGroup(maker, u"Grid\0", u"Which tiles there are, and what they look like");
     ap[CONTROL_TILES] =
         AddControl(maker, CONTROLTYPE_TILE, u"Grid\0Pattern\0",
                    u"The tiles that there are; the pattern lies on the middle of the picture and repeats", FromFixed(),
@@ -54,6 +56,9 @@ static void AddGridControls(Tiles *pTiles, const ControlMaker &maker)
     ap[CONTROL_COUNT] =
         AddFloat(maker, u"Grid\0Count\0", u"Tiles over the picture's height; 32 shows the whole pattern", {1, 64},
                  {8, 18}, 32, FromWave(71000));
+    ap[CONTROL_MIDDLE] =
+        AddBoolean(maker, u"Grid\0Middle\0", u"The middle of a tile lies in the middle of the picture, not a corner",
+                   0.5f, false, FromFixed());
     ap[CONTROL_SHAPE] = AddItemSelect(maker, u"Grid\0Shape\0", u"Of the tiles", pTiles->aShapeRow, aszShape,
                                       SHAPE_SQUARE, FromRandom());
     ap[CONTROL_SIZE] = AddFloat(maker, u"Grid\0Size\0", u"Of a tile that is fully lit, 1 to touch its neighbours",
@@ -234,7 +239,8 @@ static void DrawTile(const Tiles *pTiles, const Canvas &canvas, const Paint &pai
                      int32_t iColumn, int32_t iRow)
 {
     const float *pfLook = pTiles->afLook;
-    const float x = ((float)iColumn + 0.5f) * fCell, y = ((float)iRow + 0.5f) * fCell;
+    const float fAside = ReadBoolean(pTiles->apControl[CONTROL_MIDDLE]) ? 0 : 0.5f;
+    const float x = ((float)iColumn + fAside) * fCell, y = ((float)iRow + fAside) * fCell;
     const float fLight = LightOfTile(pTiles, iColumn, iRow, x / view.fSide, y / view.fSide);
     const bool bDark = ReadBoolean(pTiles->apControl[CONTROL_DARK]);
     if (fLight < 0.02f && !bDark)
@@ -266,8 +272,9 @@ static uint32_t Draw(Tiles *pTiles, PlaneInfo *ppi, const Canvas &canvas)
     const float fCell = std::max(view.fSide / std::max(pTiles->afLook[CONTROL_COUNT], 1.0f), TILE_PIXELS_LEAST);
     const int32_t nColumns = (int32_t)(view.xReach * view.fSide / fCell) + 1; // on each side of the middle
     const int32_t nRows = (int32_t)(view.yReach * view.fSide / fCell) + 1;
-    for (int32_t iRow = -nRows; iRow < nRows; iRow++)
-        for (int32_t iColumn = -nColumns; iColumn < nColumns; iColumn++)
+    const int32_t nMore = ReadBoolean(pTiles->apControl[CONTROL_MIDDLE]); // both ends of a row look alike
+    for (int32_t iRow = -nRows; iRow < nRows + nMore; iRow++)
+        for (int32_t iColumn = -nColumns; iColumn < nColumns + nMore; iColumn++)
             if (TileIsOn(pTiles->apControl[CONTROL_TILES], iColumn, iRow))
                 DrawTile(pTiles, canvas, paint, view, fCell, iColumn, iRow);
     return 0;

@@ -15,6 +15,7 @@ enum {
     CONTROL_TAILS,
     CONTROL_LENGTH,
     CONTROL_THICKNESS,
+    CONTROL_HARDNESS,
     CONTROL_PULSE,
     CONTROL_PLACE,
     CONTROL_SPREAD,
@@ -22,7 +23,7 @@ enum {
     CONTROLS
 };
 
-static const float afEase[CONTROLS] = {1.5f, 0.3f, 1, 1.5f, 0.8f, 0.8f, 1, 1, 0.5f, 0.1f, 0.4f, 1.5f, 0};
+static const float afEase[CONTROLS] = {1.5f, 0.3f, 1, 1.5f, 0.8f, 0.8f, 1, 1, 0.5f, 0.5f, 0.1f, 0.4f, 1.5f, 0};
 
 struct Walker {
     float x, y;                                     // units
@@ -73,6 +74,7 @@ static void AddControls(Walkers *pWalkers, const ControlMaker &maker)
                                   {0.5f, 1.7f}, 1.1f, FromWave(29000));
     ap[CONTROL_THICKNESS] =
         AddThickness(maker, u"Of a walker, in percent of the picture's height", {0.8f, 1.8f}, 1.6f, FromWave(37000));
+    ap[CONTROL_HARDNESS] = AddHardness(maker);
     ap[CONTROL_PULSE] =
         AddFloat(maker, u"Pen\0Pulse\0", u"How much larger they are", {0, 3}, {0, 0.7f}, 0, FromSound(4));
     ap[CONTROL_PLACE] = AddPlace(maker, u"Where in the palette they lie");
@@ -203,8 +205,8 @@ static void DrawWalker(const Walkers *pWalkers, const Canvas &canvas, const Pain
                                     PlaceOfTurns(fTurns), fWeight * fLeft);
     }
     if (fTail > 0)
-        PaintCurve(canvas, paint, aPoint + 1, TAIL_POINTS, 3, ENDS_ROUND);
-    PaintStreak(canvas, paint, aPoint[0], aPoint[0], 2);
+        PaintCurve(canvas, paint, aPoint + 1, TAIL_POINTS, HardnessOf(pfLook[CONTROL_HARDNESS], 3), ENDS_ROUND);
+    PaintStreak(canvas, paint, aPoint[0], aPoint[0], HardnessOf(pfLook[CONTROL_HARDNESS], 2));
 }
 
 static uint32_t Draw(Walkers *pWalkers, PlaneInfo *ppi, const Canvas &canvas)

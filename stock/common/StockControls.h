@@ -158,6 +158,14 @@ inline ControlRecord *AddItemSelect(const ControlMaker &maker, const char16_t (&
     return pctl;
 }
 
+// A group that is asked for before its first control has a help text of its own; else it shows that control's.
+template <size_t nName, size_t nText>
+inline ControlRecord *AddGroup(const ControlMaker &maker, const char16_t (&szName)[nName],
+                               const char16_t (&szDescription)[nText])
+{
+    return AddControl(maker, CONTROLTYPE_GROUP, szName, szDescription, FromFixed(), FLUIDSOURCE_FIXED);
+}
+
 // pszFileType: what the list holds, see ControlFileSelect; a text that outlives the instance.
 template <size_t nName, size_t nText>
 inline ControlRecord *AddFileSelect(const ControlMaker &maker, const char16_t (&szName)[nName],

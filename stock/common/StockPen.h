@@ -80,6 +80,19 @@ inline ControlRecord *AddThickness(const ControlMaker &maker, const char16_t (&s
     return AddFloat(maker, u"Pen\0Thickness\0", szDescription, {0.05f, 10}, range, fValue, fd);
 }
 
+// Half of it draws as each painter finds right; HardnessOf tells what that is.
+inline ControlRecord *AddHardness(const ControlMaker &maker)
+{
+    return AddFloat(maker, u"Pen\0Hardness\0", u"0 glows softly, 1 has a firm edge", {0, 1}, {0.25f, 0.75f}, 0.5f,
+                    FromFixed());
+}
+
+// From a third of fMiddle to three times as much, for PaintCurve.
+inline float HardnessOf(float fValue, float fMiddle)
+{
+    return fMiddle * std::exp2(3.2f * (fValue - 0.5f));
+}
+
 template <size_t nText>
 inline ControlRecord *AddPlace(const ControlMaker &maker, const char16_t (&szDescription)[nText])
 {
