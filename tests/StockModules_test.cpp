@@ -1,4 +1,5 @@
 // StockModules_test.cpp -- every module of the stock folder, whatever it is: odd sizes, resets, wild controls
+#include "controls/FluidSources.h"
 #include "modules/HiddenGLWindows.h"
 #include "modules/OpenGLTest.h"
 #include "modules/ShaderList.h"
@@ -8,6 +9,7 @@
 #include "tests/EngineFixture.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <limits>
 #include <string_view>
@@ -18,7 +20,7 @@ struct Size {
     i32 nWidth;
     i32 nHeight;
 };
-constexpr Size asSize[] = {{257, 129}, {1, 1}, {7, 333}, {640, 3}, {130, 131}};
+constexpr Size asSize[] = {{128, 128}, {1, 1}, {257, 129}, {7, 333}, {640, 3}, {130, 131}};
 
 // Shader files are hosted alike, and ShaderDrawing_test draws each of them: a few stand for all.
 constexpr u32 SHADERS_HOSTED = 3;
@@ -172,19 +174,6 @@ TEST_F(StockModules, LiveThroughOddSizesResetsGarbageAndRemoval)
     }
 }
 
-// Shaders on a software renderer would take minutes.
-TEST_F(StockModules, DrawAnOddPictureBeyondFullHd)
-{
-    for (const Place &place : AllPlaces()) {
-        SCOPED_TRACE(Describe(place));
-        if (place.dwShader)
-            continue;
-        ASSERT_NE(nullptr, Host(place));
-        Resize({1921, 1081});
-        Frames(2);
-    }
-}
-
 TEST_F(StockModules, DrawOnlyIndicesThatThePaletteHas)
 {
     for (const Place &place : AllPlaces()) {
@@ -245,6 +234,70 @@ void SetWild(ControlRecord *pctl, int iWay)
     }
 }
 
+// 0 and 1 are the ends, 4 and more somewhere between.
+constexpr int WAY_LOW = 0, WAY_HIGH = 1, WAY_BETWEEN = 4;
+
+// As the user sets it, or a source inside its range.
+void SetInside(ControlRecord *pctl, int iWay)
+{
+    if (iWay < WAY_BETWEEN)
+        return SetWild(pctl, iWay);
+    const f32 fPart = UnitRandom();
+    ControlInteger &Int = pctl->Integer;
+    ControlFloat &Float = pctl->Float;
+    SetWild(pctl, fPart < 0.5f ? WAY_LOW : WAY_HIGH);
+    if (pctl->Base.dwType == CONTROLTYPE_INTEGER)
+        Int.nValue = static_cast<i32>(std::lerp(static_cast<f64>(Int.nAbsMin), static_cast<f64>(Int.nAbsMax), fPart));
+    else if (pctl->Base.dwType == CONTROLTYPE_FLOAT)
+        Float.fValue = std::lerp(Float.fAbsMin, Float.fAbsMax, fPart);
+    else if (pctl->Base.dwType == CONTROLTYPE_ITEMSELECT)
+        pctl->ItemSelect.nCurrentItemValue = RandomWord() % pctl->ItemSelect.nItems;
+    else if (pctl->Base.dwType == CONTROLTYPE_TILE)
+        std::generate_n(pctl->Tile.pTileMask, pctl->Tile.nXTiles * pctl->Tile.nYTiles, [] { return RandomWord() & 1; });
+}
+
+void MixControls(ModuleSlot *pms)
+{
+    std::for_each(pms->apControl, pms->apControl + pms->nControls,
+                  [](auto *pctl) { SetInside(pctl, static_cast<int>(RandomWord() % 8)); });
+    pms->bResetPending = 1;
+}
+
+TEST_F(StockModules, TakeEachControlAtBothOfItsEnds)
+{
+    for (const Place &place : AllPlaces()) {
+        SCOPED_TRACE(Describe(place));
+        ModuleSlot *pms = Host(place);
+        ASSERT_NE(nullptr, pms);
+        Resize({128, 128});
+        for (i32 i = 0; i < pms->nControls; i++)
+            for (const int iWay : {WAY_LOW, WAY_HIGH, WAY_BETWEEN}) {
+                SetInside(pms->apControl[i], iWay);
+                Frames(1);
+            }
+    }
+}
+
+// At 1921 x 1081 shaders on a software renderer would take minutes.
+TEST_F(StockModules, TakeAnyMixOfControlsAtSizesFromOnePixelToBeyondFullHd)
+{
+    for (const Place &place : AllPlaces()) {
+        SCOPED_TRACE(Describe(place));
+        ModuleSlot *pms = Host(place);
+        ASSERT_NE(nullptr, pms);
+        for (const Size size : {Size{1, 1}, {128, 128}, {1921, 1081}, {129, 1}}) {
+            if (place.dwShader && size.nWidth > 1000)
+                continue;
+            Resize(size);
+            Frames(1);
+            for (int i = 0; i < (size.nWidth > 1000 ? 1 : 6); i++) {
+                MixControls(pms);
+                Frames(1);
+            }
+        }
+    }
+}
+
 TEST_F(StockModules, TakeControlsFarOutOfTheirRange)
 {
     for (const Place &place : AllPlaces()) {
@@ -298,14 +351,18 @@ class StockModulesTogether : public StockModules {
         GlobalSettings.ThreadedPlanes = bThreads;
         GlobalSettings.dwPlaneWaitMs = WAIT_FOREVER;
         lppsi = CreatePresetState(0);
+        std::vector<ModuleSlot *> apms;
         for (i32 iPlane = 0; iPlane < 3; iPlane++) {
             AddPlane(lppsi, iPlane != 2, 0);
             for (const Place &place : AllPlaces())
                 if (place.iPlane == 0 && place.bIndexed == (iPlane != 2))
-                    AddModule(lppsi, place.pmr->szDll, iPlane, place.dwModuleType, place.dwShader, 1);
+                    apms.push_back(AddModule(lppsi, place.pmr->szDll, iPlane, place.dwModuleType, place.dwShader, 1));
         }
         AddMixRule(lppsi)->MixOp = MIXOP_TILE_PLANES;
-        Frames(6);
+        Frames(3);
+        std::for_each(apms.begin(), apms.end(), MixControls);
+        Resize({128, 128});
+        Frames(3);
         std::vector<u32> adw;
         for (i32 i = 0; i < lppsi->nPlanes; i++) {
             const std::vector<u32> adwPlane = Pixels(lppsi->psPlane[i]->Info.hbmResolved);
