@@ -1,9 +1,9 @@
 // GLDisplay.cpp -- what all users of OpenGL share: is it installed, which devices are there, displays and their users
 #include "platform/GLDisplay.h"
 
-#include "platform/Sanitizers.h"
 #include "platform/SharedLibrary.h"
 
+#include <dlfcn.h>
 #include <epoxy/egl.h>
 
 #include <algorithm>
@@ -85,12 +85,18 @@ bool UseGLDisplay(void *pDisplay)
     return true;
 }
 
+bool DriverStays()
+{
+    static const bool bStays = dlsym(RTLD_DEFAULT, "__asan_init") != nullptr;
+    return bStays;
+}
+
 void DropGLDisplay(void *pDisplay)
 {
     DisplayUse *pUse = pDisplay ? FindUse(pDisplay) : nullptr;
     if (!pUse || --pUse->nUsers > 0)
         return;
-    if (!KEEP_DRIVER)
+    if (!DriverStays())
         eglTerminate(pDisplay);
     *pUse = {};
 }

@@ -23,8 +23,11 @@ u32 ListGLDevices(GLDevice *asDevice);
 void *UseGLDevice(void *pDevice);
 // Initialises the display for one more user. Returns false, and counts none, when that fails. [main-thread]
 bool UseGLDisplay(void *pDisplay);
-// One user less; the last one closes it. [main-thread]
+// One user less; the last one closes it, unless the driver stays. [main-thread]
 void DropGLDisplay(void *pDisplay);
+// Whether displays stay open to the end: the leak checker of the address sanitizer, which a module can bring into a
+// plain program, cannot place what a driver leaves behind when it is unloaded. [any-thread]
+bool DriverStays();
 
 // Whether the words between spaces contain this one. A null list has none.
 bool ListHasWord(const char *pszList, std::string_view word);

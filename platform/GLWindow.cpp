@@ -200,7 +200,7 @@ void ReleaseGLThread()
 
 void CloseGLDisplay()
 {
-    if (!Display.pDisplay || KEEP_DRIVER)
+    if (!Display.pDisplay || DriverStays())
         return;
     ReleaseGLThread();
     DropGLDisplay(Display.pDisplay);

@@ -13,10 +13,3 @@
 #if defined(__SANITIZE_ADDRESS__) || VD_HAS_FEATURE(address_sanitizer)
 #define VD_ADDRESS_SANITIZER 1
 #endif
-
-// The leak checker cannot place what a graphics driver leaves behind when it is unloaded: it stays, then.
-#ifdef VD_ADDRESS_SANITIZER
-constexpr bool KEEP_DRIVER = true;
-#else
-constexpr bool KEEP_DRIVER = false;
-#endif
