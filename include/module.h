@@ -122,7 +122,8 @@ typedef uint32_t (*ShowModuleMessageFn)(const char16_t *lpszText);
  * Of the record itself a module writes nColors only; what hbmDraw, lpColorTable and pPaletteInfo point to is there to
  * be written by the modules that the comments name. */
 typedef struct PlaneInfo {
-    uint32_t *lpColorTable;            /* 2048 colours (blue, green, red, 0); filled by the colour modules */
+    uint32_t *lpColorTable;            /* 2048 colours (blue, green, red; byte 3 is the colour modules'
+                                          own: mask it); filled by the colour modules */
     int32_t nColors;                   /* colours in lpColorTable; set by the colour modules; 0 at first */
     uint32_t bIndexed;                 /* non-zero: hbmDraw holds palette indices, one per 32-bit pixel */
     int32_t nWidth;                    /* of all bitmaps here */

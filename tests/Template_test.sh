@@ -102,9 +102,15 @@ for compiler in g++ clang++; do
     for example in code-[2-9]*; do
         { printf '#include "module.h"\n#include <cstring>\n' && cat "$example"; } >example.cpp
         expect "$compiler takes $example of the guide" \
-            $compiler -std=c++20 -Wall -Wextra -Wno-unused-function -Werror -I include -fsyntax-only example.cpp
+            $compiler -std=c++20 -Wall -Wextra -Wno-unused-function -Werror -I include -I "$tree/stock/common" \
+            -fsyntax-only example.cpp
     done
 done
+
+mkdir c && cp module/CMakeLists.txt "$tree/tests/modules/MinimalPainter.c" c/
+cmake -G Ninja -S c -B c/build -DVORTICADE_INCLUDE="$work/include" >log 2>&1 && cmake --build c/build >>log 2>&1 || cat log
+expect "the template takes C" \
+    [ "$(nm -D --defined-only c/build/PMSunflower.dll | sed 's/.* //' | LC_ALL=C sort)" = "$entry_points" ]
 
 # A host with a sanitizer of its own does not take another one.
 if ! nm "$bin/vorticade-render" | grep -qE '__(asan|tsan)_init'; then
