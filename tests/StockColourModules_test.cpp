@@ -22,27 +22,9 @@ std::vector<uint32_t> TableOf(const ColourHost &host)
     return adw;
 }
 
-void SetFloat(const ColourModule *pModule, std::u16string_view szName, float fValue)
-{
-    FindControl(pModule, szName)->Float.fValue = fValue;
-}
-
 void SetBoolean(const ColourModule *pModule, std::u16string_view szName, bool bState)
 {
     FindControl(pModule, szName)->Boolean.bState = bState;
-}
-
-ColourModule *AddPlainShift(ColourHost *pHost, float fTransition, float fHold)
-{
-    ColourModule *pShift = pHost->Add("CMShift.dll");
-    SetFloat(pShift, u"Time", fTransition);
-    SetFloat(pShift, u"Hold", fHold);
-    SetFloat(pShift, u"Speed", 0);
-    SetFloat(pShift, u"Soften", 0);
-    for (const char16_t *psz : {u"Brightness", u"Contrast", u"Saturation"})
-        SetFloat(pShift, psz, 1);
-    FindControl(pShift, u"Order")->ItemSelect.nCurrentItemValue = 0;
-    return pShift;
 }
 
 // A plane on which Palette Files walks through a list as the host does: one file on at each reset.

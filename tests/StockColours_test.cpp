@@ -82,25 +82,6 @@ double MeanDistance(const std::vector<uint32_t> &adw1, const std::vector<uint32_
     return fSum / (double)adw1.size();
 }
 
-void SetFloat(const ColourModule *pModule, std::u16string_view szName, float fValue)
-{
-    FindControl(pModule, szName)->Float.fValue = fValue;
-}
-
-// An interpolator that shows palettes as they are: no cycle, no light of its own.
-ColourModule *AddPlainShift(ColourHost *pHost, float fTransition, float fHold, uint32_t dwOrder = 0)
-{
-    ColourModule *pShift = pHost->Add("CMShift.dll");
-    SetFloat(pShift, u"Time", fTransition);
-    SetFloat(pShift, u"Hold", fHold);
-    SetFloat(pShift, u"Speed", 0);
-    SetFloat(pShift, u"Soften", 0);
-    for (const char16_t *psz : {u"Brightness", u"Contrast", u"Saturation"})
-        SetFloat(pShift, psz, 1);
-    FindControl(pShift, u"Order")->ItemSelect.nCurrentItemValue = dwOrder;
-    return pShift;
-}
-
 // Any value of its range for each control.
 void SetAnywhere(ColourModule *pModule, Chance *pRandom)
 {
