@@ -2,6 +2,7 @@
 #include "modules/ModuleCalls.h"
 
 #include "controls/ControlManager.h"
+#include "controls/HostControl.h"
 #include "platform/GLWindow.h"
 
 namespace {
@@ -14,6 +15,7 @@ class ModuleCall {
     }
     ~ModuleCall()
     {
+        TakeBackControls(pms);
         if (pms->hwndGL)
             ReleaseCurrentGL();
     }

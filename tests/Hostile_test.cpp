@@ -82,9 +82,9 @@ struct ModeRow {
     i32 nControls; // that the slot ends up with
 };
 constexpr ModeRow asMode[] = {
-    {HOSTILE_MANY, CONTROLS_MAX}, {HOSTILE_COUNT, 4},     {HOSTILE_TYPE, 5},    {HOSTILE_NAME, 4},
-    {HOSTILE_ITEMS, 5},           {HOSTILE_RANGES, 30},   {HOSTILE_SOURCE, 24}, {HOSTILE_DEPENDS, 3},
-    {HOSTILE_POINTERS, 2},        {0xFFFF, CONTROLS_MAX},
+    {HOSTILE_MANY, CONTROLS_MAX}, {HOSTILE_COUNT, 4},   {HOSTILE_TYPE, 5},      {HOSTILE_NAME, 4},
+    {HOSTILE_ITEMS, 5},           {HOSTILE_RANGES, 30}, {HOSTILE_SOURCE, 24},   {HOSTILE_DEPENDS, 3},
+    {HOSTILE_POINTERS, 2},        {HOSTILE_LATER, 6},   {0xFFFF, CONTROLS_MAX},
 };
 
 struct PlaceRow {
@@ -117,6 +117,34 @@ TEST_F(Hostile, WrongControlsAreKeptOrRefusedAndEveryUseOfThemIsHarmless)
             EXPECT_EQ(1u, Step(1700));
             EXPECT_EQ(1u, RemoveModule(lppsi, pms));
         }
+}
+
+TEST_F(Hostile, AControlThatIsSpoiledAfterBuildingKeepsItsTypeAndWhatTheHostHoldsForIt)
+{
+    MakePreset(1);
+    Variable(u"HostileControls.dll", u"HostileMode") = HOSTILE_LATER;
+    ModuleSlot *pms = Add(MODULEINDEX_DRAWPAINTER, 0, u"HostileControls.dll");
+    ASSERT_EQ(6, pms->nControls);
+    ControlRecord *pctlFile = pms->apControl[CONTROLTYPE_FILESELECT - CONTROLTYPE_INTEGER];
+    ControlRecord *pctlTile = pms->apControl[CONTROLTYPE_TILE - CONTROLTYPE_INTEGER];
+    auto *pszList = static_cast<char16_t *>(std::calloc(8, sizeof(char16_t)));
+    std::copy_n(u"a.x\nb.x", 7, pszList);
+    SetFileList(pctlFile, pszList);
+    const u32 *pTileMask = pctlTile->Tile.pTileMask;
+    for (int i = 0; i < 24; i++) {
+        pms->bResetPending = i % 2;
+        EXPECT_EQ(1u, Step());
+        for (u32 dwType = CONTROLTYPE_INTEGER; dwType <= CONTROLTYPE_TILE; dwType++)
+            ASSERT_EQ(dwType, pms->apControl[dwType - CONTROLTYPE_INTEGER]->Base.dwType);
+        ASSERT_EQ(pszList, pctlFile->FileSelect.pszFileList);
+        ASSERT_EQ(2u, pctlFile->FileSelect.nLines);
+        ASSERT_EQ(pTileMask, pctlTile->Tile.pTileMask);
+        ASSERT_LE(pctlTile->Tile.nXTiles * pctlTile->Tile.nYTiles, 1024u);
+        ASSERT_FALSE(ControlIsDefault(pctlFile));
+        ASSERT_TRUE(std::all_of(pTileMask, pTileMask + 1024, [](u32 dw) { return dw == 1; }));
+    }
+    ExpectSoundSlot(pms);
+    EXPECT_EQ(1u, RemoveModule(lppsi, pms));
 }
 
 TEST_F(Hostile, OnlyTheResultTwoAsksForAReset)
