@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstring>
 #include <thread>
 
 namespace {
@@ -173,6 +174,9 @@ TEST_F(Hostile, GarbageInThePlaneInfoReachesNoOtherModule)
 
     GlobalSettings.TimeScale = 5;
     Add(MODULEINDEX_DRAWFULL, 0, u"HostileGarbage.dll");
+    Add(MODULEINDEX_NUMINDICIES, -1, u"HostileGarbage.dll");
+    const PlaneInfo piBefore = Info;
+    const HostBitmap hbmBefore = *Info.hbmDraw;
     const ModuleSlot *pms = Add(MODULEINDEX_DRAWEFFECT);
     TakeLog();
     for (int i = 0; i < 6; i++)
@@ -184,6 +188,11 @@ TEST_F(Hostile, GarbageInThePlaneInfoReachesNoOtherModule)
             EXPECT_EQ(5u, entry.dwTimeScale) << "renewed before every call";
         }
     EXPECT_EQ(6, nDraws);
+    Info.nColors = piBefore.nColors; // the one field that is a module's to write
+    EXPECT_EQ(0, memcmp(&piBefore, &Info, sizeof Info));
+    EXPECT_EQ(0, memcmp(&hbmBefore, Info.hbmDraw, sizeof hbmBefore));
+    EXPECT_EQ(nullptr, Info.hdc->pSelected) << "nothing is selected when a call begins";
+    EXPECT_NE(nullptr, Info.hdc->pfnSelectBitmap);
 }
 
 TEST_F(Hostile, ALatePlaneCostsItsFramesAndThenComesBack)
