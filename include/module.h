@@ -121,7 +121,7 @@ typedef uint32_t (*ShowModuleMessageFn)(const char16_t *lpszText);
  *
  * Of the record itself a module writes nColors only; what hbmDraw, lpColorTable and pPaletteInfo point to is there to
  * be written by the modules that the comments name. After every call the host puts back what else was changed in the
- * record, its bitmaps and its context. */
+ * record, its bitmaps, its context and its OpenGL window. */
 typedef struct PlaneInfo {
     uint32_t *lpColorTable;            /* 2048 colours (blue, green, red, 0); filled by the colour modules */
     int32_t nColors;                   /* colours in lpColorTable; set by the colour modules; 0 at first */

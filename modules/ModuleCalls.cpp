@@ -59,13 +59,17 @@ class ModuleCall {
   public:
     explicit ModuleCall(const ModuleSlot *pmsCalled, PlaneInfo *ppi = nullptr) : pms(pmsCalled), lent(ppi)
     {
+        if (pms->hwndGL)
+            windowBefore = *pms->hwndGL;
     }
     ~ModuleCall()
     {
         lent.TakeBack();
         TakeBackControls(pms);
-        if (pms->hwndGL)
-            ReleaseCurrentGL();
+        if (!pms->hwndGL)
+            return;
+        *pms->hwndGL = windowBefore;
+        ReleaseCurrentGL();
     }
     ModuleCall(const ModuleCall &) = delete;
     ModuleCall &operator=(const ModuleCall &) = delete;
@@ -73,6 +77,7 @@ class ModuleCall {
   private:
     const ModuleSlot *pms;
     const LentRecords lent;
+    HostGLWindow windowBefore;
 };
 
 } // namespace

@@ -193,6 +193,14 @@ TEST_F(Hostile, GarbageInThePlaneInfoReachesNoOtherModule)
     EXPECT_EQ(0, memcmp(&hbmBefore, Info.hbmDraw, sizeof hbmBefore));
     EXPECT_EQ(nullptr, Info.hdc->pSelected) << "nothing is selected when a call begins";
     EXPECT_NE(nullptr, Info.hdc->pfnSelectBitmap);
+
+    HostGLWindow window = {sizeof window, 131, 129, 0, nullptr, nullptr, &Info};
+    ModuleSlot *pmsGarbage = lppsi->apPostProc[0];
+    pmsGarbage->hwndGL = &window;
+    Step();
+    pmsGarbage->hwndGL = nullptr;
+    EXPECT_EQ(131, window.nWidth);
+    EXPECT_EQ(&Info, window.pSurface) << "the host destroys the surface that stands there";
 }
 
 TEST_F(Hostile, ALatePlaneCostsItsFramesAndThenComesBack)

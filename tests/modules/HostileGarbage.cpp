@@ -44,6 +44,8 @@ static void SpoilRecords(PlaneInfo *ppi)
     ppi->pPaletteInfo = static_cast<PaletteInfo *>(pGarbage);
     ppi->hbmDraw = ppi->hbmResolved = static_cast<HostBitmap *>(pGarbage);
     ppi->hdc = static_cast<HostContext *>(pGarbage);
+    if (ppi->hwndGL)
+        *ppi->hwndGL = {0, -1, -1, 0, pGarbage, pGarbage, pGarbage};
     ppi->pSound = nullptr;
     ppi->hwndVisuals = nullptr;
     ppi->pfnShowMessage = nullptr;
