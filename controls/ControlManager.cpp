@@ -1,7 +1,7 @@
 // ControlManager.cpp -- the control record: building, ownership, limits, comparison with the defaults
 #include "controls/ControlManager.h"
 
-#include "controls/FileList.h"
+#include "controls/HostControl.h"
 #include "platform/Assert.h"
 #include "platform/Text.h"
 
@@ -100,22 +100,6 @@ void RestoreItemSelect(ControlRecord *pctl)
     pctl->ItemSelect.nCurrentItemValue = pctl->ItemSelect.nDefaultItemValue;
 }
 
-void PrepareItemSelect(ControlRecord *pctl)
-{
-    if (!pctl->ItemSelect.pItems)
-        pctl->ItemSelect.nItems = 0;
-}
-
-void FreeItemSelect(ControlRecord *pctl)
-{
-    const ControlItemSelect &Items = pctl->ItemSelect;
-    if (!Items.bOwnsItems || !Items.pItems)
-        return;
-    for (u32 i = 0; i < Items.nItems; i++)
-        std::free(const_cast<char16_t *>(Items.pItems[i].pszText));
-    std::free(Items.pItems);
-}
-
 // Boolean
 
 void ClampBoolean(ControlRecord *pctl)
@@ -147,21 +131,6 @@ void RestoreFileSelect(ControlRecord *pctl)
     pctl->FileSelect.bShuffle = 0;
 }
 
-// The list is the host's alone: whatever stands there came from no allocator of ours.
-void PrepareFileSelect(ControlRecord *pctl)
-{
-    ControlFileSelect &File = pctl->FileSelect;
-    File.pszFileList = nullptr;
-    File.pLineOffsets = nullptr;
-    File.nLines = File.nCurrentLine = 0;
-    File.szCurrentFile[CONTROL_TEXT - 1] = 0;
-}
-
-void FreeFileSelect(ControlRecord *pctl)
-{
-    FreeFileList(&pctl->FileSelect);
-}
-
 // Tile
 
 void FillTileMask(ControlRecord *pctl)
@@ -190,38 +159,22 @@ void RestoreTile(ControlRecord *pctl)
     FillTileMask(pctl);
 }
 
-void PrepareTile(ControlRecord *pctl)
-{
-    ControlTile &Tile = pctl->Tile;
-    Tile.nXTiles = Tile.nYTiles = Tile.nXLimit = Tile.nYLimit = CONTROL_TILES_MAX;
-    Tile.pTileMask = static_cast<u32 *>(std::calloc(TILES, sizeof(u32)));
-    VD_ASSERT(Tile.pTileMask);
-    FillTileMask(pctl);
-}
-
-void FreeTile(ControlRecord *pctl)
-{
-    std::free(pctl->Tile.pTileMask);
-}
-
 // What a control type does. Null: nothing; without pfnIsDefault the type has no value and always counts as default.
 struct ControlTypeRow {
     void (*pfnClamp)(ControlRecord *pctl);
     bool (*pfnIsDefault)(const ControlRecord *pctl, bool bFixed);
     void (*pfnRestore)(ControlRecord *pctl);
-    void (*pfnPrepare)(ControlRecord *pctl); // once, when the module has filled the record in
-    void (*pfnFree)(ControlRecord *pctl);    // what the record owns
 };
 
 constexpr ControlTypeRow asType[] = {
     {}, // undefined
     {}, // group
-    {ClampInteger, IntegerIsDefault, RestoreInteger, nullptr, nullptr},
-    {nullptr, ItemSelectIsDefault, RestoreItemSelect, PrepareItemSelect, FreeItemSelect},
-    {ClampFloat, FloatIsDefault, RestoreFloat, nullptr, nullptr},
-    {ClampBoolean, BooleanIsDefault, RestoreBoolean, nullptr, nullptr},
-    {nullptr, FileSelectIsDefault, RestoreFileSelect, PrepareFileSelect, FreeFileSelect},
-    {ClampTile, TileIsDefault, RestoreTile, PrepareTile, FreeTile},
+    {ClampInteger, IntegerIsDefault, RestoreInteger},
+    {nullptr, ItemSelectIsDefault, RestoreItemSelect},
+    {ClampFloat, FloatIsDefault, RestoreFloat},
+    {ClampBoolean, BooleanIsDefault, RestoreBoolean},
+    {nullptr, FileSelectIsDefault, RestoreFileSelect},
+    {ClampTile, TileIsDefault, RestoreTile},
 };
 static_assert(std::size(asType) == CONTROLTYPE_TILE + 1);
 
@@ -254,31 +207,7 @@ bool PhaseIsDefault(const ControlBase &Base)
     return Base.bRandomPhase || !(std::fabs(Base.fWavePhase - Base.fDefaultWavePhase) > PHASE_TOLERANCE);
 }
 
-bool SlotHasControl(const ModuleSlot *pms, const ControlRecord *pctl)
-{
-    return std::find(pms->apControl, pms->apControl + pms->nControls, pctl) != pms->apControl + pms->nControls;
-}
-
-void TakeOverControl(ModuleSlot *pms, ControlRecord *pctl)
-{
-    ControlBase &Base = pctl->Base;
-    Base.pOwner = pms;
-    Base.szName[CONTROL_TEXT - 1] = 0;
-    Base.szDescription[CONTROL_TEXT - 1] = 0;
-    if (!SlotHasControl(pms, Base.pDependsOn))
-        Base.pDependsOn = nullptr;
-    RunTypeStep(pctl, &ControlTypeRow::pfnPrepare);
-}
-
 } // namespace
-
-ControlRecord *NewControl()
-{
-    ControlRecord *pctl = static_cast<ControlRecord *>(std::calloc(1, sizeof(ControlRecord)));
-    if (pctl)
-        SetControlDefaults(pctl);
-    return pctl;
-}
 
 void SetControlDefaults(ControlRecord *pctl)
 {
@@ -289,14 +218,6 @@ void SetControlDefaults(ControlRecord *pctl)
     Base.bDefaultRandomPhase = Base.bRandomPhase = 1;
     Base.nDefaultNoisePeriod = Base.nNoisePeriod = 1500;
     CopyText(Base.szDescription, u"This is a text string.");
-}
-
-void FreeControl(ControlRecord *pctl)
-{
-    if (!pctl)
-        return;
-    RunTypeStep(pctl, &ControlTypeRow::pfnFree);
-    std::free(pctl);
 }
 
 void BeginControls(ModuleSlot *pms)

@@ -4,6 +4,7 @@
 #include "app/Folders.h"
 #include "controls/ControlManager.h"
 #include "controls/FluidSources.h"
+#include "controls/HostControl.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
 
@@ -26,69 +27,85 @@ template <typename LineFn> u32 WalkLines(std::u16string_view text, LineFn pfnLin
     return nLines;
 }
 
-void BuildLineIndex(ControlFileSelect *pfs)
+// The index of what the host holds, shown in the record.
+void BuildLineIndex(HostControl *phc)
 {
-    const std::u16string_view text(pfs->pszFileList);
+    const std::u16string_view text(phc->pszFileList);
     const u32 nLines = WalkLines(text, [](u32, u32) {});
     u32 *pOffsets = static_cast<u32 *>(std::malloc((size_t{nLines} + 1) * sizeof(u32)));
     if (pOffsets) {
         WalkLines(text, [=](u32 iLine, u32 iChar) { pOffsets[iLine] = iChar; });
         pOffsets[nLines] = nLines ? static_cast<u32>(text.size()) : 0;
     }
-    pfs->pLineOffsets = pOffsets;
-    pfs->nLines = nLines;
+    phc->pLineOffsets = pOffsets;
+    phc->nLines = nLines;
+}
+
+void FreeLineIndex(HostControl *phc)
+{
+    std::free(phc->pLineOffsets);
+    phc->pLineOffsets = nullptr;
+}
+
+void ShowInRecord(HostControl *phc)
+{
+    ControlFileSelect &File = phc->Record.FileSelect;
+    File.pszFileList = phc->pszFileList;
+    File.pLineOffsets = phc->pLineOffsets;
 }
 
 } // namespace
 
-void FreeFileList(ControlFileSelect *pfs)
-{
-    std::free(pfs->pszFileList);
-    std::free(pfs->pLineOffsets);
-    pfs->pszFileList = nullptr;
-    pfs->pLineOffsets = nullptr;
-}
-
 void SetFileList(ControlRecord *pctl, char16_t *pszList)
 {
-    ControlFileSelect *pfs = &pctl->FileSelect;
-    FreeFileList(pfs);
-    pfs->nCurrentLine = 0;
-    pfs->szCurrentFile[0] = 0;
+    HostControl *phc = HostPart(pctl);
+    FreeLineIndex(phc);
+    std::free(phc->pszFileList);
+    phc->pszFileList = nullptr;
+    pctl->FileSelect.nCurrentLine = 0;
+    pctl->FileSelect.szCurrentFile[0] = 0;
     if (pszList && *pszList) {
-        pfs->pszFileList = pszList;
-        pfs->nLines = ALL_ONES;
+        phc->pszFileList = pszList;
+        phc->nLines = pctl->FileSelect.nLines = ALL_ONES;
     } else {
-        std::free(pszList);
+        std::free(pszList); // nLines keeps its number: the missing pointers say that there is no list
     }
+    ShowInRecord(phc);
 }
 
-u32 RefreshLineIndex(ControlFileSelect *pfs)
+u32 RefreshLineIndex(ControlRecord *pctl)
 {
-    if (pfs->nLines != ALL_ONES)
+    if (pctl->FileSelect.nLines != ALL_ONES)
         return 0;
-    std::free(pfs->pLineOffsets);
-    pfs->pLineOffsets = nullptr;
-    pfs->nLines = 0;
-    if (pfs->pszFileList)
-        BuildLineIndex(pfs);
+    HostControl *phc = HostPart(pctl);
+    FreeLineIndex(phc);
+    phc->nLines = 0;
+    if (phc->pszFileList)
+        BuildLineIndex(phc);
+    pctl->FileSelect.nLines = phc->nLines;
+    ShowInRecord(phc);
     bPresetChanged = 1;
     return 1;
 }
 
-void TakeNextFile(ControlFileSelect *pfs)
+void TakeNextFile(ControlRecord *pctl)
 {
-    if (pfs->nLines == 0 || !pfs->pszFileList || !pfs->pLineOffsets)
+    const HostControl *phc = HostPart(pctl);
+    ControlFileSelect &File = pctl->FileSelect;
+    if (phc->nLines == 0 || !phc->pszFileList || !phc->pLineOffsets)
         return;
-    pfs->nCurrentLine = (pfs->bShuffle ? RandomWord() : pfs->nCurrentLine + 1) % pfs->nLines;
-    TakeCurrentFile(pfs);
+    File.nCurrentLine = (File.bShuffle ? RandomWord() : File.nCurrentLine + 1) % phc->nLines;
+    TakeCurrentFile(pctl);
 }
 
-void TakeCurrentFile(ControlFileSelect *pfs)
+void TakeCurrentFile(ControlRecord *pctl)
 {
-    if (pfs->nCurrentLine >= pfs->nLines || !pfs->pszFileList || !pfs->pLineOffsets)
+    const HostControl *phc = HostPart(pctl);
+    ControlFileSelect &File = pctl->FileSelect;
+    const u32 iLine = File.nCurrentLine;
+    if (iLine >= phc->nLines || !phc->pszFileList || !phc->pLineOffsets)
         return;
-    const std::u16string_view rest(pfs->pszFileList + pfs->pLineOffsets[pfs->nCurrentLine]);
-    CopyText(pfs->szCurrentFile, rest.substr(0, rest.find_first_of(LINE_BREAKS)));
-    FindDataFile(pfs->szCurrentFile);
+    const std::u16string_view rest(phc->pszFileList + phc->pLineOffsets[iLine]);
+    CopyText(File.szCurrentFile, rest.substr(0, rest.find_first_of(LINE_BREAKS)));
+    FindDataFile(File.szCurrentFile);
 }

@@ -203,11 +203,11 @@ void EvaluateItemSelect(ControlRecord *pctl, const Evaluation &now)
 
 void EvaluateFileSelect(ControlRecord *pctl, const Evaluation &now)
 {
-    const u32 bNewList = RefreshLineIndex(&pctl->FileSelect);
+    const u32 bNewList = RefreshLineIndex(pctl);
     if (now.bReset)
-        TakeNextFile(&pctl->FileSelect);
+        TakeNextFile(pctl);
     else if (bNewList)
-        TakeCurrentFile(&pctl->FileSelect);
+        TakeCurrentFile(pctl);
 }
 
 void EvaluateNothing(ControlRecord *, const Evaluation &)

@@ -214,6 +214,7 @@ PresetState *ReadPresetBody(XmlContext *pxc, PresetReport *pReport)
     ReadMixRules(pxc, lppsi, pReport);
     SetUpPostProcessing(lppsi);
     ReadPostProcessing(pxc, lppsi, pReport);
+    EvaluateRuleWeights(lppsi, true); // the modules have had theirs, each as it was read
     return lppsi;
 }
 

@@ -11,7 +11,10 @@
  * values and bOwnsItems; boolean all four; file select pszFileType and pszEditor; tile nothing.
  *
  * Who frees what: the record, tile masks and file lists belong to the host. The rows of an item select
- * belong to the module unless bOwnsItems is set. Compiles as C11 and as C++20.
+ * belong to the module unless bOwnsItems is set, and stay its own if it exchanges them after building.
+ *
+ * After every call the host takes back what a module must leave alone once building has ended: the type,
+ * the dependency, the owner, the ends of the texts and the host's pointers. Compiles as C11 and as C++20.
  */
 #ifndef VORTICADE_CONTROL_H
 #define VORTICADE_CONTROL_H

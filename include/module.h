@@ -120,7 +120,8 @@ typedef uint32_t (*ShowModuleMessageFn)(const char16_t *lpszText);
  * pPaletteInfo and pfnShowMessage.
  *
  * Of the record itself a module writes nColors only; what hbmDraw, lpColorTable and pPaletteInfo point to is there to
- * be written by the modules that the comments name. */
+ * be written by the modules that the comments name. After every call the host puts back what else was changed in the
+ * record, its bitmaps, its context and its OpenGL window. */
 typedef struct PlaneInfo {
     uint32_t *lpColorTable;            /* 2048 colours (blue, green, red; byte 3 is the colour modules'
                                           own: mask it); filled by the colour modules */

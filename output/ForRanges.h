@@ -7,7 +7,9 @@
 #include <tbb/task_arena.h>
 #endif
 
+#include <atomic>
 #include <cstddef>
+#include <stdexcept>
 
 // Calls fn(first, end) for ranges of nGrain or a little more that together are 0 to n, on all cores; returns when all
 // are done. [any-thread]
@@ -21,8 +23,18 @@ template <class Fn> void ForRanges(size_t n, size_t nGrain, Fn fn)
         fn(size_t{0}, n);
         return;
     }
-    tbb::parallel_for(tbb::blocked_range<size_t>(0, n, nGrain),
-                      [&](const tbb::blocked_range<size_t> &range) { fn(range.begin(), range.end()); });
+    std::atomic<bool> bAny{false};
+    try {
+        tbb::parallel_for(tbb::blocked_range<size_t>(0, n, nGrain), [&](const tbb::blocked_range<size_t> &range) {
+            bAny.store(true, std::memory_order_relaxed);
+            fn(range.begin(), range.end());
+        });
+    } catch (const std::runtime_error &) {
+        // The system has no thread to give, which shows before the first range. Later than that, a picture with a
+        // piece missing is better than none ever after.
+        if (!bAny)
+            fn(size_t{0}, n);
+    }
 #endif
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstring>
 #include <thread>
 
 namespace {
@@ -82,9 +83,9 @@ struct ModeRow {
     i32 nControls; // that the slot ends up with
 };
 constexpr ModeRow asMode[] = {
-    {HOSTILE_MANY, CONTROLS_MAX}, {HOSTILE_COUNT, 4},     {HOSTILE_TYPE, 5},    {HOSTILE_NAME, 4},
-    {HOSTILE_ITEMS, 5},           {HOSTILE_RANGES, 30},   {HOSTILE_SOURCE, 24}, {HOSTILE_DEPENDS, 3},
-    {HOSTILE_POINTERS, 2},        {0xFFFF, CONTROLS_MAX},
+    {HOSTILE_MANY, CONTROLS_MAX}, {HOSTILE_COUNT, 4},   {HOSTILE_TYPE, 5},      {HOSTILE_NAME, 4},
+    {HOSTILE_ITEMS, 5},           {HOSTILE_RANGES, 30}, {HOSTILE_SOURCE, 24},   {HOSTILE_DEPENDS, 3},
+    {HOSTILE_POINTERS, 2},        {HOSTILE_LATER, 6},   {0xFFFF, CONTROLS_MAX},
 };
 
 struct PlaceRow {
@@ -119,6 +120,34 @@ TEST_F(Hostile, WrongControlsAreKeptOrRefusedAndEveryUseOfThemIsHarmless)
         }
 }
 
+TEST_F(Hostile, AControlThatIsSpoiledAfterBuildingKeepsItsTypeAndWhatTheHostHoldsForIt)
+{
+    MakePreset(1);
+    Variable(u"HostileControls.dll", u"HostileMode") = HOSTILE_LATER;
+    ModuleSlot *pms = Add(MODULEINDEX_DRAWPAINTER, 0, u"HostileControls.dll");
+    ASSERT_EQ(6, pms->nControls);
+    ControlRecord *pctlFile = pms->apControl[CONTROLTYPE_FILESELECT - CONTROLTYPE_INTEGER];
+    ControlRecord *pctlTile = pms->apControl[CONTROLTYPE_TILE - CONTROLTYPE_INTEGER];
+    auto *pszList = static_cast<char16_t *>(std::calloc(8, sizeof(char16_t)));
+    std::copy_n(u"a.x\nb.x", 7, pszList);
+    SetFileList(pctlFile, pszList);
+    const u32 *pTileMask = pctlTile->Tile.pTileMask;
+    for (int i = 0; i < 24; i++) {
+        pms->bResetPending = i % 2;
+        EXPECT_EQ(1u, Step());
+        for (u32 dwType = CONTROLTYPE_INTEGER; dwType <= CONTROLTYPE_TILE; dwType++)
+            ASSERT_EQ(dwType, pms->apControl[dwType - CONTROLTYPE_INTEGER]->Base.dwType);
+        ASSERT_EQ(pszList, pctlFile->FileSelect.pszFileList);
+        ASSERT_EQ(2u, pctlFile->FileSelect.nLines);
+        ASSERT_EQ(pTileMask, pctlTile->Tile.pTileMask);
+        ASSERT_LE(pctlTile->Tile.nXTiles * pctlTile->Tile.nYTiles, 1024u);
+        ASSERT_FALSE(ControlIsDefault(pctlFile));
+        ASSERT_TRUE(std::all_of(pTileMask, pTileMask + 1024, [](u32 dw) { return dw == 1; }));
+    }
+    ExpectSoundSlot(pms);
+    EXPECT_EQ(1u, RemoveModule(lppsi, pms));
+}
+
 TEST_F(Hostile, OnlyTheResultTwoAsksForAReset)
 {
     MakePreset(1);
@@ -145,6 +174,9 @@ TEST_F(Hostile, GarbageInThePlaneInfoReachesNoOtherModule)
 
     GlobalSettings.TimeScale = 5;
     Add(MODULEINDEX_DRAWFULL, 0, u"HostileGarbage.dll");
+    Add(MODULEINDEX_NUMINDICIES, -1, u"HostileGarbage.dll");
+    const PlaneInfo piBefore = Info;
+    const HostBitmap hbmBefore = *Info.hbmDraw;
     const ModuleSlot *pms = Add(MODULEINDEX_DRAWEFFECT);
     TakeLog();
     for (int i = 0; i < 6; i++)
@@ -156,6 +188,19 @@ TEST_F(Hostile, GarbageInThePlaneInfoReachesNoOtherModule)
             EXPECT_EQ(5u, entry.dwTimeScale) << "renewed before every call";
         }
     EXPECT_EQ(6, nDraws);
+    Info.nColors = piBefore.nColors; // the one field that is a module's to write
+    EXPECT_EQ(0, memcmp(&piBefore, &Info, sizeof Info));
+    EXPECT_EQ(0, memcmp(&hbmBefore, Info.hbmDraw, sizeof hbmBefore));
+    EXPECT_EQ(nullptr, Info.hdc->pSelected) << "nothing is selected when a call begins";
+    EXPECT_NE(nullptr, Info.hdc->pfnSelectBitmap);
+
+    HostGLWindow window = {sizeof window, 131, 129, 0, nullptr, nullptr, &Info};
+    ModuleSlot *pmsGarbage = lppsi->apPostProc[0];
+    pmsGarbage->hwndGL = &window;
+    Step();
+    pmsGarbage->hwndGL = nullptr;
+    EXPECT_EQ(131, window.nWidth);
+    EXPECT_EQ(&Info, window.pSurface) << "the host destroys the surface that stands there";
 }
 
 TEST_F(Hostile, ALatePlaneCostsItsFramesAndThenComesBack)

@@ -1,9 +1,16 @@
 // MixKernels_test.cpp -- the arithmetic of the mix operators, against the oracle and over all of their inputs
+#include "output/ForRanges.h"
 #include "output/remap.h"
+#include "platform/Sanitizers.h"
 #include "tests/InstructionSets.h"
 #include "tests/MixerPreset.h"
 
+#include <dlfcn.h>
+#include <pthread.h>
+
+#include <cerrno>
 #include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -200,3 +207,33 @@ TEST(MixKernels, NoSineOrCosineOfTheTablesIsNearARoundingEdge)
         }
     }
 }
+
+#if !defined(VD_ADDRESS_SANITIZER) && !defined(VD_THREAD_SANITIZER) // they have a pthread_create of their own
+
+static bool bRefuseThreads = false;
+
+// Stands before the system's, for the libraries too.
+extern "C" int pthread_create(pthread_t *pThread, const pthread_attr_t *pAttributes, void *(*pfn)(void *),
+                              void *pv) noexcept
+{
+    using CreateFn = decltype(&pthread_create);
+    static const auto pfnCreate = reinterpret_cast<CreateFn>(dlsym(RTLD_NEXT, "pthread_create"));
+    return bRefuseThreads ? EAGAIN : pfnCreate(pThread, pAttributes, pfn, pv);
+}
+
+TEST(MixKernelsDeathTest, WithoutThreadsToBeHadTheWholePictureIsMixedHere)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // in a process that has no worker yet
+    const auto mix = [] {
+        std::vector<u32> picture(1000);
+        bRefuseThreads = true;
+        ForRanges(picture.size(), 1, [&](size_t iFirst, size_t iEnd) {
+            for (size_t i = iFirst; i < iEnd; i++)
+                picture[i]++;
+        });
+        std::_Exit(picture == std::vector<u32>(picture.size(), 1) ? 0 : 1);
+    };
+    EXPECT_EXIT(mix(), testing::ExitedWithCode(0), "");
+}
+
+#endif

@@ -508,6 +508,21 @@ TEST_F(PresetFile, EveryModuleIsUpAfterLoadingAndResetsRightAfterItsFirstFrame)
     EXPECT_EQ(CallsOf(TakeLog(), pms->pvContext), "DID");
 }
 
+TEST_F(PresetFile, TheWeightsOfTheRulesStartLikeAnyControl)
+{
+    const auto rule = [](i32 n, const std::string &sBody) {
+        return "<MixOp" + std::to_string(n) + "><MixOp>1</MixOp><BlendWeight><Name>Mixer - Blend Weighting</Name>" +
+               sBody + "</BlendWeight></MixOp" + std::to_string(n) + ">";
+    };
+    Reload(HEADER + std::string("<Preset><NumMixerOps>3</NumMixerOps>") +
+           rule(0, "<Source>2</Source><Min>7</Min><Max>7</Max>") + rule(1, "<Source>4</Source>") +
+           rule(2, "<Source>4</Source><RandomPhase>0</RandomPhase><WavePhase>0.25</WavePhase>") + "</Preset>");
+    ASSERT_EQ(3u, lppsi->nMixRules);
+    EXPECT_EQ(7, lppsi->asMixRule[0].BlendWeight.Integer.nValue) << "drawn once, when the preset starts";
+    EXPECT_GT(lppsi->asMixRule[1].BlendWeight.Base.fWavePhase, 0.0f);
+    EXPECT_EQ(0.25f, lppsi->asMixRule[2].BlendWeight.Base.fWavePhase);
+}
+
 TEST_F(PresetFile, PartsOfADocumentCanBeReadOnTheirOwn)
 {
     BuildWith(0);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <iterator>
 #include <limits>
 
@@ -175,7 +176,42 @@ void SpoilPointers(Builder &b)
     }
 }
 
-int32_t *pnKept; // the count that building was given, for writing there later
+// What later calls spoil.
+int32_t *pnKept; // the count that building was given
+ControlRecord *apKept[CONTROLTYPE_TILE + 1];
+ItemSelectRow *pRows; // the host's, until they stand in the record no more
+uint32_t nSpoiled;
+
+void KeepForLater(Builder &b)
+{
+    for (uint32_t dwType = CONTROLTYPE_INTEGER; dwType <= CONTROLTYPE_TILE; dwType++) {
+        ControlRecord *pctl = apKept[dwType] = Ask(b, dwType);
+        if (pctl && dwType == CONTROLTYPE_ITEMSELECT) {
+            pRows = static_cast<ItemSelectRow *>(std::calloc(3, sizeof(ItemSelectRow)));
+            pctl->ItemSelect = {3, 0, 0, 1, pRows};
+        }
+    }
+}
+
+void SpoilKept()
+{
+    if (pnKept)
+        *pnKept = 1000000;
+    for (ControlRecord *pctl : apKept) {
+        nSpoiled++;
+        if (!pctl)
+            continue;
+        unsigned char *const pFirst = reinterpret_cast<unsigned char *>(pctl);
+        unsigned char *const pEnd = pFirst + sizeof *pctl;
+        const size_t cbBase = offsetof(ControlRecord, Integer);
+        if (nSpoiled % 3 == 0)
+            std::fill(pFirst, pEnd, static_cast<unsigned char>(0x5A));
+        else if (nSpoiled % 3 == 1)
+            std::fill(pFirst + cbBase, pEnd, static_cast<unsigned char>(0x5A));
+        else
+            pctl->Base.dwType = nSpoiled / 3 % (CONTROLTYPE_TILE + 2);
+    }
+}
 
 struct ModeRow {
     uint32_t dwMode;
@@ -186,7 +222,8 @@ struct ModeRow {
 constexpr ModeRow asMode[] = {
     {HOSTILE_TYPE, SpoilTypes},        {HOSTILE_NAME, SpoilNames},     {HOSTILE_ITEMS, SpoilItems},
     {HOSTILE_RANGES, SpoilRanges},     {HOSTILE_SOURCE, SpoilSources}, {HOSTILE_DEPENDS, SpoilDependencies},
-    {HOSTILE_POINTERS, SpoilPointers}, {HOSTILE_MANY, AskForMany},     {HOSTILE_COUNT, SpoilCount},
+    {HOSTILE_POINTERS, SpoilPointers}, {HOSTILE_LATER, KeepForLater},  {HOSTILE_MANY, AskForMany},
+    {HOSTILE_COUNT, SpoilCount},
 };
 
 } // namespace
@@ -202,6 +239,7 @@ void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn 
 {
     *ppvContext = nullptr;
     pnKept = HostileMode & HOSTILE_COUNT ? pnControls : nullptr;
+    std::fill(std::begin(apKept), std::end(apKept), nullptr);
     Builder b = {pfnAllocControl, pnControls, u'A'};
     for (const ModeRow &row : asMode)
         if (HostileMode & row.dwMode)
@@ -210,11 +248,14 @@ void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn 
 
 uint32_t ModuleDrawFrame(void *, PlaneInfo *)
 {
-    if (pnKept)
-        *pnKept = 1000000;
+    SpoilKept();
     return 0;
 }
 
 void ModuleCleanUp(void *)
 {
+    SpoilKept();
+    const ControlRecord *pctl = apKept[CONTROLTYPE_ITEMSELECT];
+    if (pctl && pctl->ItemSelect.pItems != pRows)
+        std::free(pRows);
 }

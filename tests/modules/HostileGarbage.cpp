@@ -30,6 +30,28 @@ void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *, AllocControlFn,
     *ppvContext = nullptr;
 }
 
+// Everything by which the host and other modules would find their way into memory that is nobody's.
+static void SpoilRecords(PlaneInfo *ppi)
+{
+    void *const pGarbage = reinterpret_cast<void *>(uintptr_t{0x5A5A5A5A5A5A5A58});
+    if (ppi->hbmDraw)
+        *ppi->hbmDraw = {0, 1 << 30, -1, 0, 1, pGarbage};
+    if (ppi->hdc) {
+        ppi->hdc->pfnSelectBitmap = nullptr;
+        ppi->hdc->pSelected = static_cast<HostBitmap *>(pGarbage);
+    }
+    ppi->lpColorTable = static_cast<uint32_t *>(pGarbage);
+    ppi->pPaletteInfo = static_cast<PaletteInfo *>(pGarbage);
+    ppi->hbmDraw = ppi->hbmResolved = static_cast<HostBitmap *>(pGarbage);
+    ppi->hdc = static_cast<HostContext *>(pGarbage);
+    if (ppi->hwndGL)
+        *ppi->hwndGL = {0, -1, -1, 0, pGarbage, pGarbage, pGarbage};
+    ppi->pSound = nullptr;
+    ppi->hwndVisuals = nullptr;
+    ppi->pfnShowMessage = nullptr;
+    ppi->nWidth = ppi->nHeight = -1;
+}
+
 uint32_t ModuleDrawFrame(void *, PlaneInfo *ppi)
 {
     const uint32_t n = nDraws++;
@@ -42,6 +64,7 @@ uint32_t ModuleDrawFrame(void *, PlaneInfo *ppi)
     }
     if (ppi->hbmDraw) // on an indexed plane: indices beyond every palette
         std::fill_n(static_cast<uint32_t *>(ppi->hbmDraw->pBits), ppi->nWidth, 0xFFFFFFF0 + n);
+    SpoilRecords(ppi);
     return adwResult[n % std::size(adwResult)];
 }
 
