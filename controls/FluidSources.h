@@ -32,5 +32,5 @@ void ClearSoundHistory();
 f32 UnitRandom();
 
 // Takes over a new list text from the global allocator, which becomes the record's; the old one is freed, and
-// szCurrentFile stays empty until the next reset. Null or an empty text clears the list. [main-thread]
+// szCurrentFile is empty until the next evaluation. Null or an empty text clears the list. [main-thread]
 void SetFileList(ControlRecord *pctl, char16_t *pszList);
