@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *pData, size_t cb)
     ReadShaderHeader(text.header, 1, &inputs, &error);
     CheckInputs(inputs);
     ShaderSources sources;
-    if (bRead && TranslateShader(text.text, inputs, 450, &sources, &error))
+    if (bRead && TranslateShader(text.text, inputs, {450, SHADER_LOOP_STEPS}, &sources, &error))
         VD_ASSERT(std::count(sources.fragment.begin(), sources.fragment.end(), '\n') >=
                   std::count(text.text.begin(), text.text.end(), '\n') / 2);
     return 0;

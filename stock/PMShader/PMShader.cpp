@@ -49,10 +49,12 @@ struct Shader {
 
 // ---- Compiling
 
-void ShowFault(Shader *pShader, const PlaneInfo *ppi, const std::string &faults)
+void ShowFault(Shader *pShader, const PlaneInfo *ppi, const std::string &faults, bool bDraws)
 {
-    const std::string heading =
-        NameOfPath(pShader->path) + (pShader->stage.pContext ? " does not compile" : " cannot run");
+    const char *pszWhat = bDraws                    ? " asks for more than it gets"
+                          : pShader->stage.pContext ? " does not compile"
+                                                    : " cannot run";
+    const std::string heading = NameOfPath(pShader->path) + pszWhat;
     pShader->bFaultShown = true;
     if (!ppi->pfnShowMessage || !ppi->pfnShowMessage(FaultMessage(heading, faults).c_str()))
         fprintf(stderr, "%s\n%s%s", heading.c_str(), faults.c_str(), faults.ends_with('\n') ? "" : "\n");
@@ -88,7 +90,7 @@ void CompileFile(Shader *pShader, const PlaneInfo *ppi)
     pShader->aPart = std::move(text.aPart);
     pShader->aSeen.clear();
     if (!bBuilt || !headerFaults.empty())
-        ShowFault(pShader, ppi, headerFaults + faults);
+        ShowFault(pShader, ppi, headerFaults + faults, bBuilt);
     else
         ShowMended(pShader, ppi);
     if (bBuilt)
@@ -276,7 +278,7 @@ MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
     if (!pShader->bTried && bOpen)
         CompileFile(pShader, ppi);
     else if (!pShader->bTried && ppi->hwndGL)
-        ShowFault(pShader, ppi, "it needs OpenGL 3.3, which the driver does not offer");
+        ShowFault(pShader, ppi, "it needs OpenGL 3.3, which the driver does not offer", false);
     pShader->bTried = true;
 }
 

@@ -10,7 +10,16 @@
 #define SHADER_INPUTS_MAX 128
 #define SHADER_CHOICES_MAX 256
 
-enum InputKind { INPUT_FLOAT, INPUT_LONG, INPUT_BOOL, INPUT_COLOR, INPUT_POINT, INPUT_PICTURE, INPUT_SOUND };
+enum InputKind {
+    INPUT_FLOAT,
+    INPUT_LONG,
+    INPUT_BOOL,
+    INPUT_COLOR,
+    INPUT_POINT,
+    INPUT_PICTURE,
+    INPUT_SOUND,
+    INPUT_NOISE
+};
 
 struct ShaderInput {
     std::string name; // of the uniform
@@ -32,8 +41,8 @@ int32_t InputParts(InputKind eKind);
 // "float", "sampler2D"; how the uniform is declared.
 const char *InputType(InputKind eKind);
 
-// Reads the header comment's JSON, which is not trusted. What can be used is in *pInputs also on failure. False with
+// Reads the header comment's JSON, which is not trusted. What can be used is in *paInput also on failure. False with
 // *psError: a line of text for each fault, "LINE: words", LINE counted from nLine. [any-thread]
-bool ReadShaderHeader(const std::string &json, int32_t nLine, std::vector<ShaderInput> *pInputs, std::string *psError);
+bool ReadShaderHeader(const std::string &json, int32_t nLine, std::vector<ShaderInput> *paInput, std::string *psError);
 
 #endif

@@ -121,8 +121,11 @@ void BindPictures(ShaderStage *pStage, const ShaderProgram &program, const float
     }
 }
 
-void DrawCover()
+// bClear: first, for shaders that leave pixels out.
+void DrawCover(bool bClear)
 {
+    if (bClear)
+        glClear(GL_COLOR_BUFFER_BIT);
     glDrawArrays(GL_TRIANGLES, 0, 3);
 }
 
@@ -138,12 +141,12 @@ void DrawThroughTarget(ShaderStage *pStage, const ShaderProgram &program, const 
     }
     glBindFramebuffer(GL_FRAMEBUFFER, pStage->adwFrame[pStage->iTarget]);
     UseProgram(program, values);
-    DrawCover();
+    DrawCover(true);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glBindTexture(GL_TEXTURE_2D, pStage->adwTarget[pStage->iTarget]);
     glUseProgram(pStage->dwResolve);
     glUniform1i(pStage->nColorsLocation, canvas.bIndexed ? canvas.nColors : 0);
-    DrawCover();
+    DrawCover(false);
 }
 
 void DrawDirectly(const ShaderProgram &program, const UniformValues &values)
@@ -151,7 +154,7 @@ void DrawDirectly(const ShaderProgram &program, const UniformValues &values)
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE); // the alpha byte of a pixel stays 0
     UseProgram(program, values);
-    DrawCover();
+    DrawCover(true);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
 }
 
