@@ -280,6 +280,49 @@ TEST_F(ShaderDrawing, GivesEveryPixelOfAPlainPictureItsColour)
     EXPECT_EQ(0u, q->Draw(2)[0]) << "what is left out is black, not the frame before";
 }
 
+// Two buffers: a small one that keeps what it held, one that may hold any number; the picture shows both.
+TEST_F(ShaderDrawing, DrawsItsPassesOneAfterTheOther)
+{
+    const std::string inputs = "\"INPUTS\":[{\"NAME\":\"part\",\"TYPE\":\"float\",\"MIN\":1,\"MAX\":9,\"DEFAULT\":4}]",
+                      passes =
+                          "{\"TARGET\":\"small\",\"PERSISTENT\":true,\"WIDTH\":\"floor($WIDTH / $part)\",\"HEIGHT\":"
+                          "\"max(2, -1.0 * ($HEIGHT - 8) / 2.0)\"},{\"TARGET\":\"sum\",\"FLOAT\":true}",
+                      body =
+                          "void main() { vec2 u = isf_FragNormCoord;\nif (PASSINDEX == 0) gl_FragColor = "
+                          "IMG_NORM_PIXEL(small, u) + vec4(RENDERSIZE == vec2(4, 2) ? 0.25 : 0.0, 0, 0, 1);\n"
+                          "else if (PASSINDEX == 1) gl_FragColor = IMG_THIS_PIXEL(sum) + IMG_NORM_PIXEL(small, u) - "
+                          "vec4(0, 2, 0, 0);\n"
+                          "else gl_FragColor = vec4(IMG_SIZE(small) == vec2(4, 2) ? IMG_NORM_PIXEL(small, u).r : 0.0,"
+                          "IMG_THIS_PIXEL(sum).r * 0.5, -0.1 * IMG_THIS_PIXEL(sum).g, 1); }";
+    for (const bool bPicture : {true, false}) {
+        const auto p = Open("/*{" + inputs + ",\"PASSES\":[" + passes + (bPicture ? ",{}" : ",{\"TARGET\":\"x\"}") +
+                            "]}*/\n" + body);
+        for (int32_t i = 0; i < 2; i++) {
+            p->Draw(2);
+            EXPECT_NEAR(0.5 * 255, p->Middle() >> 16, 1) << LastMessage();
+            EXPECT_NEAR(0.375 * 255, p->Middle() >> 8 & 255, 1);
+            EXPECT_NEAR(0.4 * 255, p->Middle() & 255, 1);
+            p->pModule->Reset(p->plane, 3); // all buffers black
+        }
+    }
+    const struct {
+        std::string passes, fault;
+    } as[] = {{"{\"TARGET\":\"a\",\"WIDTH\":\"$WIDTH /\"}", "the WIDTH of a pass"},
+              {"{\"TARGET\":\"a\",\"HEIGHT\":\"$PART\"}", "the HEIGHT of a pass"},
+              {"{\"TARGET\":\"a\",\"WIDTH\":\"" + std::string(9999, '(') + "\"}", "the WIDTH of a pass"},
+              {"{\"TARGET\":\"part\"}", "there is an input and a pass part"},
+              {"{\"TARGET\":\"2x\"}", "the TARGET of a pass"},
+              {"{\"TARGET\":\"a\",\"WIDTH\":-1e30,\"HEIGHT\":\"1/0\"},5,[],{\"TARGET\":7}", ""}};
+    for (const auto &[list, fault] : as) {
+        SCOPED_TRACE(list);
+        ShaderMessages.clear();
+        const auto p = Open("/*{" + inputs + ",\"PASSES\":[" + list + "]}*/\n" + RedIf("true"));
+        p->Draw(2);
+        EXPECT_EQ(RED, p->Middle()) << LastMessage();
+        EXPECT_NE(std::string::npos, LastMessage().find("Test.glsl:1: " + fault)) << LastMessage();
+    }
+}
+
 TEST_F(ShaderDrawing, HearsTheSoundOfNowAndBefore)
 {
     const auto p = Open("void mainImage(out vec4 c, in vec2 p) { c = vec4(iSound, texelFetch(iSoundHistory, ivec2(20, "

@@ -1,7 +1,8 @@
-// ShaderHeader.cpp -- the inputs that a shader's header comment declares
+// ShaderHeader.cpp -- the inputs and passes that a shader's header comment declares
 #include "ShaderHeader.h"
 
 #include "ShaderFile.h"
+#include "ShaderSize.h"
 
 #include <nlohmann/json.hpp>
 
@@ -241,6 +242,72 @@ void ReadImported(const Json &imported, const std::string &json, int32_t nLine, 
     }
 }
 
+// "$WIDTH / 2.0", or a number.
+std::string ReadFormula(const Json &object, const char *pszName, const ShaderHeader &header, std::string *psFault)
+{
+    const std::optional<float> fNumber = NumberOf(Member(object, pszName));
+    const std::string formula = fNumber ? std::to_string(*fNumber) : TextMember(object, pszName);
+    double dSize = 0;
+    const auto IsKnown = [&](std::string_view name, double *pdValue) {
+        *pdValue = 1;
+        return name == "WIDTH" || name == "HEIGHT" ||
+               std::any_of(header.aInput.begin(), header.aInput.end(),
+                           [&](const ShaderInput &input) { return input.name == name; });
+    };
+    if (formula.empty() || WorkOutSize(formula, IsKnown, &dSize))
+        return formula;
+    *psFault = std::string("the ") + pszName + " of a pass is no formula that is understood here: " + formula;
+    return {};
+}
+
+// The place of a target of this name, which is made on first mention.
+int32_t FindTarget(const std::string &name, ShaderHeader *pHeader, std::string *psFault)
+{
+    std::vector<ShaderTarget> &aTarget = pHeader->aTarget;
+    for (size_t i = 0; i < aTarget.size(); i++)
+        if (aTarget[i].name == name)
+            return (int32_t)i;
+    const bool bTaken = std::any_of(pHeader->aInput.begin(), pHeader->aInput.end(),
+                                    [&](const ShaderInput &input) { return input.name == name; });
+    if (!IsName(name) || bTaken || aTarget.size() >= SHADER_TARGETS_MAX) {
+        *psFault = bTaken         ? "there is an input and a pass " + name
+                   : IsName(name) ? "there are more than " + std::to_string(SHADER_TARGETS_MAX) + " targets of passes"
+                                  : "the TARGET of a pass needs a name of letters, digits and single underscores";
+        return -1;
+    }
+    aTarget.push_back({name, false});
+    ShaderInput input = {};
+    input.name = name;
+    input.label = Displayed(name, 60);
+    input.eKind = INPUT_TARGET;
+    pHeader->aInput.push_back(std::move(input));
+    return (int32_t)aTarget.size() - 1;
+}
+
+void ReadPasses(const Json &aPass, const std::string &json, int32_t nLine, ShaderHeader *pHeader, std::string *psError)
+{
+    for (const Json &object : aPass) {
+        if (!object.is_object())
+            continue;
+        std::string fault;
+        ShaderPass pass = {-1, ReadFormula(object, "WIDTH", *pHeader, &fault),
+                           ReadFormula(object, "HEIGHT", *pHeader, &fault)};
+        const std::string target = TextMember(object, "TARGET");
+        if (!target.empty())
+            pass.iTarget = FindTarget(target, pHeader, &fault);
+        if (pass.iTarget >= 0)
+            pHeader->aTarget[(size_t)pass.iTarget].bFloat |= NumberOf(Member(object, "FLOAT")).value_or(0) != 0;
+        if (pHeader->aPass.size() >= SHADER_PASSES_MAX)
+            fault = "there are more than " + std::to_string(SHADER_PASSES_MAX) + " passes";
+        else
+            pHeader->aPass.push_back(std::move(pass));
+        if (!fault.empty())
+            AddFault(psError, LineOf(json, target.empty() ? "PASSES" : target, nLine), fault);
+    }
+    if (pHeader->aTarget.empty())
+        pHeader->aPass.clear(); // draws the picture, as files without passes do
+}
+
 // What authors write and strict readers refuse: a comma before a closing bracket, line ends and tabs inside of quotes.
 // As long as before, so that places stay.
 std::string Tolerated(std::string json)
@@ -278,12 +345,12 @@ int32_t InputParts(InputKind eKind)
 
 const char *InputType(InputKind eKind)
 {
-    static const char *const apszType[] = {"float", "int",       "bool",      "vec4",
-                                           "vec2",  "sampler2D", "sampler2D", "sampler2D"};
+    static const char *const apszType[] = {"float",     "int",       "bool",      "vec4",     "vec2",
+                                           "sampler2D", "sampler2D", "sampler2D", "sampler2D"};
     return apszType[eKind];
 }
 
-bool ReadShaderHeader(const std::string &json, int32_t nLine, std::vector<ShaderInput> *paInput, std::string *psError)
+bool ReadShaderHeader(const std::string &json, int32_t nLine, ShaderHeader *pHeader, std::string *psError)
 {
     if (json.size() > HEADER_BYTES_MAX) {
         AddFault(psError, nLine, "the header comment is larger than 64 kibibytes");
@@ -302,11 +369,10 @@ bool ReadShaderHeader(const std::string &json, int32_t nLine, std::vector<Shader
     if (!root.is_object())
         return true;
     if (const Json *pInputs = Member(root, "INPUTS"); pInputs && pInputs->is_array())
-        ReadInputs(*pInputs, text, nLine, paInput, psError);
+        ReadInputs(*pInputs, text, nLine, &pHeader->aInput, psError);
     if (const Json *pImported = Member(root, "IMPORTED"); pImported && pImported->is_structured())
-        ReadImported(*pImported, text, nLine, paInput, psError);
-    const Json *pPasses = Member(root, "PASSES");
-    if (pPasses && pPasses->is_array() && pPasses->size() > 1)
-        AddFault(psError, LineOf(text, "PASSES", nLine), "several PASSES are not supported: the file is drawn in one");
+        ReadImported(*pImported, text, nLine, &pHeader->aInput, psError);
+    if (const Json *pPasses = Member(root, "PASSES"); pPasses && pPasses->is_array())
+        ReadPasses(*pPasses, text, nLine, pHeader, psError);
     return psError->empty();
 }

@@ -132,9 +132,22 @@ HostValue PictureOf(const LiveUniform &uniform, const ShaderProgram &program)
     }
 }
 
+// The unit of a target that the file draws for itself; 0 if it is none.
+GLint TargetUnit(const LiveUniform &uniform, const ShaderProgram &program)
+{
+    for (size_t i = 0; i < program.aTarget.size(); i++)
+        if (uniform.iInput >= 0 && program.aInput[(size_t)uniform.iInput].name == program.aTarget[i].name)
+            return UNIT_TARGETS + (GLint)i;
+    return 0;
+}
+
 // The unit of a picture never changes.
 void BindPicture(const LiveUniform &uniform, ShaderProgram *pProgram)
 {
+    if (const GLint nUnit = TargetUnit(uniform, *pProgram)) {
+        glUniform1i(uniform.nLocation, nUnit);
+        return;
+    }
     const HostValue ePicture = PictureOf(uniform, *pProgram);
     pProgram->bReadsSound |= ePicture == VALUE_PICTURE_SOUND;
     pProgram->bReadsNoise |= ePicture == VALUE_PICTURE_NOISE;
@@ -215,12 +228,11 @@ uint32_t LinkProgram(const char *pszVertex, const char *pszFragment)
     return Link(pszVertex, pszFragment, &log);
 }
 
-bool BuildProgram(const ShaderText &text, const std::vector<ShaderInput> &inputs, ShaderProgram *pProgram,
-                  std::string *psError)
+bool BuildProgram(const ShaderText &text, const ShaderHeader &header, ShaderProgram *pProgram, std::string *psError)
 {
     ShaderSources sources;
     std::string log;
-    if (!TranslateShader(text.text, inputs, DescribeDriver(), &sources, &log)) {
+    if (!TranslateShader(text.text, header.aInput, DescribeDriver(), &sources, &log)) {
         const std::string named = NamePlace(log, text);
         *psError = (named == log ? text.aPart[0].name + ": " + log : named) + "\n";
         return false;
@@ -232,7 +244,9 @@ bool BuildProgram(const ShaderText &text, const std::vector<ShaderInput> &inputs
     }
     FreeProgram(pProgram);
     pProgram->dwProgram = uProgram;
-    pProgram->aInput = inputs;
+    pProgram->aInput = header.aInput;
+    pProgram->aPass = header.aPass;
+    pProgram->aTarget = header.aTarget;
     FindUniforms(pProgram);
     return true;
 }
