@@ -170,6 +170,20 @@ TEST_F(ShaderDrawing, ReadsTheFileAgainWhenItChanges)
     std::filesystem::remove(folder + "/Test.glsl");
     p->Draw(3, 300);
     EXPECT_EQ(RED, p->Middle()) << "without its file it runs on";
+    // It comes back by a rename, is cut short, and comes back with its input under another name.
+    const std::string renamed = "/*{\"INPUTS\":[{\"NAME\":\"z\",\"TYPE\":\"float\",\"DEFAULT\":0.5}]}*/";
+    std::filesystem::rename(Write("Next.glsl", RedIf("false")), folder + "/Test.glsl");
+    p->Draw(3, 300);
+    EXPECT_NE(RED, p->Middle());
+    Write("Test.glsl", "");
+    p->Draw(3, 300);
+    EXPECT_NE(RED, p->Middle());
+    EXPECT_FALSE(ShaderMessages.back().empty()) << "an empty file is a fault";
+    Write("Test.glsl", renamed + RedIf("z == 0.5"));
+    p->Draw(3, 300);
+    EXPECT_EQ(RED, p->Middle()) << "it has its default, since the control of another name is not its own";
+    EXPECT_EQ(1u, p->pModule->apControl.size());
+    EXPECT_TRUE(ShaderMessages.back().empty());
     p->plane.context.bFixedClock = 1;
     Write("Test.glsl", RedIf("false"));
     p->Draw(3, 300);
