@@ -33,15 +33,16 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *pData, size_t cb)
     static const std::string path = "/proc/self/fd/" + std::to_string(nFile);
     VD_ASSERT(ftruncate(nFile, 0) == 0 && pwrite(nFile, pData, cb, 0) == static_cast<ssize_t>(cb));
     ShaderText text;
-    std::vector<ShaderInput> inputs;
+    ShaderHeader header = {};
     std::string error;
     const bool bRead = ReadShaderText(path, &text, &error);
     VD_ASSERT(bRead || !error.empty());
     VD_ASSERT(text.text.size() <= SHADER_TEXT_BYTES_MAX + SHADER_FILE_BYTES_MAX);
-    ReadShaderHeader(text.header, 1, &inputs, &error);
-    CheckInputs(inputs);
+    ReadShaderHeader(text.header, 1, &header, &error);
+    CheckInputs(header.aInput);
+    VD_ASSERT(header.aPass.size() <= SHADER_PASSES_MAX && header.aTarget.size() <= SHADER_TARGETS_MAX);
     ShaderSources sources;
-    if (bRead && TranslateShader(text.text, inputs, 450, &sources, &error))
+    if (bRead && TranslateShader(text.text, header.aInput, {450, SHADER_LOOP_STEPS}, &sources, &error))
         VD_ASSERT(std::count(sources.fragment.begin(), sources.fragment.end(), '\n') >=
                   std::count(text.text.begin(), text.text.end(), '\n') / 2);
     return 0;

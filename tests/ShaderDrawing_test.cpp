@@ -41,6 +41,29 @@ TEST_F(ShaderDrawing, TakesTheWaysInWhichAuthorsWrite)
         "2000.0; }",
         "void mainImage(out vec4 c, in vec2 p);\n#define T(x) (x)\nvoid mainImage(out vec4 c, in vec2 p) { /* { */ c = "
         "T(vec4(1,0,0,1)); }",
+        "#if __VERSION__ <= 120\nvarying vec2 left_coord;\n#else\nin vec2 left_coord;\n#endif\nvarying vec2 a, b;\n"
+        "void main() { gl_FragColor = vec4(step(0.1, left_coord.x + a.x + b.y), 0, 0, 1); }",
+        "#version 300 es\nprecision highp float;\nout vec4 outColor;\n#define gl_FragColor outColor\nvoid main() { "
+        "gl_FragColor = vec4(1, 0, 0, 1); }",
+        "#define iTime (iTime * 0.5)\n#define M(c, p) void mainImage(out vec4 c, in vec2 p)\nM(c, p) { c = vec4(1, "
+        "iTime "
+        "* 0.0, 0, 1); }",
+        "#extension GL_EXT_shader_texture_lod : require\nvoid mainImage(out vec4 c, in vec2 p) { c = vec4(1, 0, 0, "
+        "textureLod(iSound, p, 0.0).r); c.b = texelFetch(iSound, ivec2(0), 0).r * iSound; }",
+        "void main() { float filter = 1.0, active = filter; gl_FragColor.r += active; }",
+        // Variables without a value, an output that is read first: zeros, as in a browser.
+        "void mainImage(out vec4 o, vec2 u) { vec3 p, q = vec3(1); float i, d; mat2 m; bool b; uint n; for (o *= i; "
+        "i++ "
+        "< 9.; d += .25) p += q; o.r += d + m[0][1] + p.x - 9. - float(n); o.g = b ? 1. : 0.; }",
+        "struct S { float x; vec2 y; }; float g; vec3 f(float a, vec2 b); vec3 f(float a, vec2 b) { switch (int(a)) { "
+        "case 0: float h, k = 1.0; g += h + k; } return vec3(g, b); }\n"
+        "void mainImage(out vec4 o, vec2 u) { S s = S(0.0, vec2(0)); float a[2]; a[0] = 0.0; for (float v, w = 1.; v < "
+        "w; v++) o.rgb = f(v, s.y) + a[0]; }",
+        "/*{\"INPUTS\":[{\"NAME\":\"iMouse\",\"TYPE\":\"point2D\"},{\"NAME\":\"filter\",\"TYPE\":\"float\",\"DEFAULT\":"
+        "1},"
+        "{\"NAME\":\"iSeed\",\"TYPE\":\"float\",\"DEFAULT\":0},{\"NAME\":\"i\",\"TYPE\":\"image\"}]}*/\n"
+        "void main() { gl_FragColor = vec4(filter, iMouse.xy + iMouse.zw + iSeed, 1) * step(1.0, _i_imgSize.x) * "
+        "_i_imgRect.z; }",
         "vec3 iSoundOf(float iSound) { return vec3(iSound, 0, 0); }\nvoid mainImage(out vec4 c, in vec2 p) { c.rgb = "
         "iSoundOf(1.0); }",
     };
@@ -69,7 +92,11 @@ TEST_F(ShaderDrawing, TellsTheFileAndTheLineOfAFault)
               {"float f;\n", "no function mainImage"},
               {"/*{\n \"INPUTS\": [ 5 }\n}*/\n" + good, "Test.glsl:2: the header comment is no valid JSON"},
               {"/*{\"INPUTS\": [\n{\"NAME\": \"x\", \"TYPE\": \"cube\"}]}*/\n" + good,
-               "Test.glsl:2: the input x has no TYPE"}};
+               "Test.glsl:2: the input x has no TYPE"},
+              {"/*{\n\"IMPORTED\": {\"pic\": {\"PATH\": \"a.jpg\"}}}*/\nvoid main() { gl_FragColor = vec4(1) + "
+               "IMG_THIS_PIXEL(pic); }",
+               "Test.glsl:2: pictures from files (IMPORTED) are not supported: pic"},
+              {"float f(float x) { return f(x); }\nvoid main() { gl_FragColor = vec4(f(1.0)); }", "Test.glsl: error"}};
     for (const auto &[text, place] : as) {
         SCOPED_TRACE(text);
         ShaderMessages.clear();
@@ -143,6 +170,20 @@ TEST_F(ShaderDrawing, ReadsTheFileAgainWhenItChanges)
     std::filesystem::remove(folder + "/Test.glsl");
     p->Draw(3, 300);
     EXPECT_EQ(RED, p->Middle()) << "without its file it runs on";
+    // It comes back by a rename, is cut short, and comes back with its input under another name.
+    const std::string renamed = "/*{\"INPUTS\":[{\"NAME\":\"z\",\"TYPE\":\"float\",\"DEFAULT\":0.5}]}*/";
+    std::filesystem::rename(Write("Next.glsl", RedIf("false")), folder + "/Test.glsl");
+    p->Draw(3, 300);
+    EXPECT_NE(RED, p->Middle());
+    Write("Test.glsl", "");
+    p->Draw(3, 300);
+    EXPECT_NE(RED, p->Middle());
+    EXPECT_FALSE(ShaderMessages.back().empty()) << "an empty file is a fault";
+    Write("Test.glsl", renamed + RedIf("z == 0.5"));
+    p->Draw(3, 300);
+    EXPECT_EQ(RED, p->Middle()) << "it has its default, since the control of another name is not its own";
+    EXPECT_EQ(1u, p->pModule->apControl.size());
+    EXPECT_TRUE(ShaderMessages.back().empty());
     p->plane.context.bFixedClock = 1;
     Write("Test.glsl", RedIf("false"));
     p->Draw(3, 300);
@@ -169,18 +210,31 @@ TEST_F(ShaderDrawing, MakesBrightnessThePaletteIndex)
 
 TEST_F(ShaderDrawing, ComesToAnEndOfEveryLoop)
 {
-    const std::string loops[] = {"for (;;) n += 1.0;",
-                                 "while (true) { n += 1.0; }",
-                                 "do n += 1.0; while (n > 0.0);",
-                                 "for (int i = 0; i < 10; i++) { n += 1.0; i--; }",
-                                 "for (float f = 0.0; f < 1e30; f += 1.0) n += f;",
-                                 "for (int i = 0; i >= 0; i = i) n += 1.0;",
-                                 "FOREVER"};
+    const std::string loops[] = {
+        "for (;;) n += 1.0;",
+        "while (true) { n += 1.0; }",
+        "do n += 1.0; while (n > 0.0);",
+        "for (int i = 0; i < 10; i++) { n += 1.0; i--; }",
+        "for (float f = 0.0; f < 1e30; f += 1.0) n += f;",
+        "for (int i = 0; i >= 0; i = i) n += 1.0;",
+        "FOREVER",
+        "for (int i = 0; i < 10; i++) { Zero(i); n += 1.0; }",
+        "for (int m = 0; m < 10; m++) { n += 1.0; BACK; }",
+        "for (int i = 0; i < 10; i++) for (int j = 0; j < 2; j++) { n += 1.0; i = 0; }",
+        "for (int i = 0; i < 10; i++) if (n < 0.0) n = 0.0; else { n += 1.0; i = 0; }",
+        "for (int i = 0; i < N; i++) n += 1.0;",
+        "for (int i = 0; i < 4000; i++) for (int j = 0; j < 4000; j++) for (int k = 0; k < 4000; "
+        "k++) n += 1.0;",
+        "for (int i = 0; i < 4000; i++) n += Twice(n);"};
     for (const std::string &loop : loops) {
         SCOPED_TRACE(loop);
-        const auto p =
-            Open("#define FOREVER for (;;) { n += 1.0; }\nfloat n = 0.0;\nvoid mainImage(out vec4 c, in vec2 p) { " +
-                 loop + " c = vec4(0, n >= 1.0 ? 1.0 : 0.0, 0, 1); }");
+        const auto p = Open(
+            "#define FOREVER for (;;) { n += 1.0; }\n#define BACK m = 0\nfloat n = 0.0;\n"
+            "void Zero(inout int i) { i = 0; }\n"
+            "float Once(float f) { for (int i = 0; i < 4000; i++) f = sin(f); return f; }\n"
+            "float Twice(float f) { for (int i = 0; i < 4000; i++) f = Once(f) + 1.0; return f; }\n"
+            "const int N = 2000000000; void Unused() { const int N = 10; }\nvoid mainImage(out vec4 c, in vec2 p) { " +
+            loop + " c = vec4(0, n >= 1.0 ? 1.0 : 0.0, 0, 1); }");
         p->Draw();
         EXPECT_EQ(GREEN, p->Middle()) << LastMessage();
     }
@@ -191,6 +245,96 @@ TEST_F(ShaderDrawing, ComesToAnEndOfEveryLoop)
              "for (float f = 0.0; f < 4.0; f++) n++; c = n == 60 && k == 70 ? vec4(1, 0, 0, 1) : vec4(0); }");
     p->Draw();
     EXPECT_EQ(RED, p->Middle()) << "honest loops run as they are written; " << LastMessage();
+}
+
+// Files that crash a compiler, or keep it for minutes, do not get there.
+TEST_F(ShaderDrawing, KeepsFromTheDriverWhatItWouldChokeOn)
+{
+    std::string doubling = "#define A0 + 1.0\n", sum = "0.0", table = "float a[] = float[](-1.0";
+    for (int i = 0; i < 30; i++)
+        doubling += "#define A" + std::to_string(i + 1) + " A" + std::to_string(i) + " A" + std::to_string(i) + "\n";
+    for (int i = 0; i < 100000; i++)
+        sum += "+1.0";
+    for (int i = 0; i < 3000; i++)
+        table += ", -1.0";
+    const std::string red = RedIf("true");
+    const struct {
+        std::string text, place;
+    } as[] = {{"#define W while\n" + red, "Test.glsl:1: a macro may hold a whole loop"},
+              {red + "#define F(a) for (a;;\n", "Test.glsl:2: a macro may hold a whole loop"},
+              {"#define J(a, b) a##b\n" + red, "Test.glsl:1: a macro may"},
+              {doubling + "float f = 0.0 A30;\n" + red, "Test.glsl:32: the shader has more words"},
+              {"float f = " + sum + ";\n" + red, "Test.glsl:1: a statement has more operators"},
+              {"float f[100000000];\n" + red, "Test.glsl:1: an array has at most"},
+              {std::string(500000, ';') + red, "Test.glsl:1: the shader has more words"},
+              {"\xFF\xFE/\0/\0", "in UTF-16"},
+              {std::string(100000, '(') + std::string(100000, '{') + red, "Test.glsl:1: "},
+              {table + ");\n" + red, ""}};
+    for (const auto &[text, place] : as) {
+        SCOPED_TRACE(text.substr(0, 200));
+        ShaderMessages.clear();
+        const auto p = Open(text);
+        p->Draw();
+        EXPECT_EQ(place.empty(), p->Middle() == RED);
+        EXPECT_NE(std::string::npos, LastMessage().find(place)) << LastMessage();
+    }
+}
+
+// A software renderer draws very plain shaders by another way, tile by tile.
+TEST_F(ShaderDrawing, GivesEveryPixelOfAPlainPictureItsColour)
+{
+    const auto p =
+        Open("/*{\"INPUTS\":[{\"NAME\":\"a\",\"TYPE\":\"color\",\"DEFAULT\":[1,0,0,1]},{\"NAME\":\"b\",\"TYPE\":"
+             "\"float\",\"DEFAULT\":0.5}]}*/\nvoid main() { gl_FragColor = a * b; }",
+             320, 180);
+    for (const uint32_t dw : p->Draw(2))
+        ASSERT_EQ(0x800000u, dw);
+    const auto q = Open("void mainImage(out vec4 c, in vec2 p) { c = vec4(1, 0, 0, 1); if (p.y < 4.0 && iFrame > 0) "
+                        "discard; }");
+    EXPECT_EQ(0u, q->Draw(2)[0]) << "what is left out is black, not the frame before";
+}
+
+// Two buffers: a small one that keeps what it held, one that may hold any number; the picture shows both.
+TEST_F(ShaderDrawing, DrawsItsPassesOneAfterTheOther)
+{
+    const std::string inputs = "\"INPUTS\":[{\"NAME\":\"part\",\"TYPE\":\"float\",\"MIN\":1,\"MAX\":9,\"DEFAULT\":4}]",
+                      passes =
+                          "{\"TARGET\":\"small\",\"PERSISTENT\":true,\"WIDTH\":\"floor($WIDTH / $part)\",\"HEIGHT\":"
+                          "\"max(2, -1.0 * ($HEIGHT - 8) / 2.0)\"},{\"TARGET\":\"sum\",\"FLOAT\":true}",
+                      body =
+                          "void main() { vec2 u = isf_FragNormCoord;\nif (PASSINDEX == 0) gl_FragColor = "
+                          "IMG_NORM_PIXEL(small, u) + vec4(RENDERSIZE == vec2(4, 2) ? 0.25 : 0.0, 0, 0, 1);\n"
+                          "else if (PASSINDEX == 1) gl_FragColor = IMG_THIS_PIXEL(sum) + IMG_NORM_PIXEL(small, u) - "
+                          "vec4(0, 2, 0, 0);\n"
+                          "else gl_FragColor = vec4(IMG_SIZE(small) == vec2(4, 2) ? IMG_NORM_PIXEL(small, u).r : 0.0,"
+                          "IMG_THIS_PIXEL(sum).r * 0.5, -0.1 * IMG_THIS_PIXEL(sum).g, 1); }";
+    for (const bool bPicture : {true, false}) {
+        const auto p = Open("/*{" + inputs + ",\"PASSES\":[" + passes + (bPicture ? ",{}" : ",{\"TARGET\":\"x\"}") +
+                            "]}*/\n" + body);
+        for (int32_t i = 0; i < 2; i++) {
+            p->Draw(2);
+            EXPECT_NEAR(0.5 * 255, p->Middle() >> 16, 1) << LastMessage();
+            EXPECT_NEAR(0.375 * 255, p->Middle() >> 8 & 255, 1);
+            EXPECT_NEAR(0.4 * 255, p->Middle() & 255, 1);
+            p->pModule->Reset(p->plane, 3); // all buffers black
+        }
+    }
+    const struct {
+        std::string passes, fault;
+    } as[] = {{"{\"TARGET\":\"a\",\"WIDTH\":\"$WIDTH /\"}", "the WIDTH of a pass"},
+              {"{\"TARGET\":\"a\",\"HEIGHT\":\"$PART\"}", "the HEIGHT of a pass"},
+              {"{\"TARGET\":\"a\",\"WIDTH\":\"" + std::string(9999, '(') + "\"}", "the WIDTH of a pass"},
+              {"{\"TARGET\":\"part\"}", "there is an input and a pass part"},
+              {"{\"TARGET\":\"2x\"}", "the TARGET of a pass"},
+              {"{\"TARGET\":\"a\",\"WIDTH\":-1e30,\"HEIGHT\":\"1/0\"},5,[],{\"TARGET\":7}", ""}};
+    for (const auto &[list, fault] : as) {
+        SCOPED_TRACE(list);
+        ShaderMessages.clear();
+        const auto p = Open("/*{" + inputs + ",\"PASSES\":[" + list + "]}*/\n" + RedIf("true"));
+        p->Draw(2);
+        EXPECT_EQ(RED, p->Middle()) << LastMessage();
+        EXPECT_NE(std::string::npos, LastMessage().find("Test.glsl:1: " + fault)) << LastMessage();
+    }
 }
 
 TEST_F(ShaderDrawing, HearsTheSoundOfNowAndBefore)

@@ -49,6 +49,19 @@ TEST_F(ShaderInputs, BecomeControlsWithTheirRangesAndDefaults)
     EXPECT_FLOAT_EQ(-2, ap[9]->Float.fAbsMin);
 }
 
+TEST_F(ShaderInputs, AreReadAsLooselyAsAuthorsWriteThem)
+{
+    const auto p =
+        OpenHeader("{ // mine, \"all\n\"CREDIT\": \"a\tb\nc, ] \\\"\", \"INPUTS\": [\n"
+                   "{\"NAME\": \"a\", \"TYPE\": \"long\", \"LABELS\": [\"x\", \"y\",], \"DEFAULT\": 1,},\n"
+                   "{\"NAME\": \"iMouse\", \"TYPE\": \"point2D\"}, {\"NAME\": \"b\", \"TYPE\": \"color\"} , ], }");
+    const auto &ap = p->pModule->apControl;
+    ASSERT_EQ(5u, ap.size()) << "the mouse is the host's own";
+    EXPECT_EQ(2u, ap[0]->ItemSelect.nItems);
+    EXPECT_EQ(1u, ap[0]->ItemSelect.nCurrentItemValue);
+    EXPECT_TRUE(ShaderMessages.empty());
+}
+
 // Nothing here may crash, hang, or give the host a record that breaks its rules.
 TEST_F(ShaderInputs, OfHostileHeadersLeaveOnlyWhatCanBeUsed)
 {

@@ -10,7 +10,7 @@ enum HostValue {
     VALUE_TIME_DELTA, // seconds since the last frame
     VALUE_FRAME,
     VALUE_FRAME_RATE,
-    VALUE_RESOLUTION, // width, height, 1
+    VALUE_RESOLUTION, // width, height, 1; of what the pass draws
     VALUE_MOUSE,      // as iMouse
     VALUE_MOUSE_UNIT, // 0 to 1 across the picture
     VALUE_MOUSE_AT,   // pixels
@@ -21,6 +21,7 @@ enum HostValue {
     VALUE_SEED,       // four numbers 0 to 1, new at every reset
     VALUE_RATE,       // 44100
     VALUE_ZERO,
+    VALUE_PASS,  // number of the pass
     VALUE_SIZES, // of the four channels, three numbers each
     VALUES_PLAIN,
     VALUE_PICTURE_SOUND = VALUES_PLAIN, // sampler2D from here
@@ -61,7 +62,7 @@ constexpr HostUniform asHostUniform[] = {
     {"TIME", "float", "", VALUE_TIME},
     {"TIMEDELTA", "float", "", VALUE_TIME_DELTA},
     {"FRAMEINDEX", "int", "", VALUE_FRAME},
-    {"PASSINDEX", "int", "", VALUE_ZERO},
+    {"PASSINDEX", "int", "", VALUE_PASS},
     {"RENDERSIZE", "vec2", "", VALUE_RESOLUTION},
     {"DATE", "vec4", "", VALUE_DATE},
     {"backbuffer", nullptr, "", VALUE_PICTURE_LAST},

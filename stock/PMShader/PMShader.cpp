@@ -49,10 +49,12 @@ struct Shader {
 
 // ---- Compiling
 
-void ShowFault(Shader *pShader, const PlaneInfo *ppi, const std::string &faults)
+void ShowFault(Shader *pShader, const PlaneInfo *ppi, const std::string &faults, bool bDraws)
 {
-    const std::string heading =
-        NameOfPath(pShader->path) + (pShader->stage.pContext ? " does not compile" : " cannot run");
+    const char *pszWhat = bDraws                    ? " asks for more than it gets"
+                          : pShader->stage.pContext ? " does not compile"
+                                                    : " cannot run";
+    const std::string heading = NameOfPath(pShader->path) + pszWhat;
     pShader->bFaultShown = true;
     if (!ppi->pfnShowMessage || !ppi->pfnShowMessage(FaultMessage(heading, faults).c_str()))
         fprintf(stderr, "%s\n%s%s", heading.c_str(), faults.c_str(), faults.ends_with('\n') ? "" : "\n");
@@ -78,21 +80,21 @@ std::string HeaderFaults(const ShaderText &text, const std::string &faults)
 void CompileFile(Shader *pShader, const PlaneInfo *ppi)
 {
     ShaderText text;
-    std::vector<ShaderInput> inputs;
+    ShaderHeader header = {};
     std::string faults, headerFaults;
     bool bBuilt = ReadShaderText(pShader->path, &text, &faults);
-    if (bBuilt && !text.header.empty() && !ReadShaderHeader(text.header, text.nHeaderLine, &inputs, &headerFaults))
+    if (bBuilt && !text.header.empty() && !ReadShaderHeader(text.header, text.nHeaderLine, &header, &headerFaults))
         headerFaults = HeaderFaults(text, headerFaults);
-    bBuilt = bBuilt && BuildProgram(text, inputs, &pShader->program, &faults);
+    bBuilt = bBuilt && BuildProgram(text, header, &pShader->program, &faults);
     pShader->bTried = true;
     pShader->aPart = std::move(text.aPart);
     pShader->aSeen.clear();
     if (!bBuilt || !headerFaults.empty())
-        ShowFault(pShader, ppi, headerFaults + faults);
+        ShowFault(pShader, ppi, headerFaults + faults, bBuilt);
     else
         ShowMended(pShader, ppi);
     if (bBuilt)
-        pShader->values.afInput.assign(4 * inputs.size(), 0);
+        pShader->values.afInput.assign(4 * header.aInput.size(), 0);
 }
 
 bool FilesChanged(Shader *pShader)
@@ -246,11 +248,11 @@ MODULE_EXPORT void ModuleBuildControlStructure(void **ppvContext, PlaneInfo *ppi
     pShader->path = NarrowText(ppi->lpszShaderPath);
     // Faults are told when it is compiled.
     ShaderText text;
-    std::vector<ShaderInput> inputs;
+    ShaderHeader header = {};
     std::string faults;
     if (ReadShaderText(pShader->path, &text, &faults) || !text.header.empty())
-        ReadShaderHeader(text.header, text.nHeaderLine, &inputs, &faults);
-    AddShaderControls({pfnAllocControl, pnControls}, inputs, &pShader->aControl);
+        ReadShaderHeader(text.header, text.nHeaderLine, &header, &faults);
+    AddShaderControls({pfnAllocControl, pnControls}, header.aInput, &pShader->aControl);
 }
 
 MODULE_EXPORT void ModulePreInitialize(void *, PlaneInfo *)
@@ -276,7 +278,7 @@ MODULE_EXPORT void ModuleInitialize(void *pvContext, PlaneInfo *ppi)
     if (!pShader->bTried && bOpen)
         CompileFile(pShader, ppi);
     else if (!pShader->bTried && ppi->hwndGL)
-        ShowFault(pShader, ppi, "it needs OpenGL 3.3, which the driver does not offer");
+        ShowFault(pShader, ppi, "it needs OpenGL 3.3, which the driver does not offer", false);
     pShader->bTried = true;
 }
 
@@ -295,7 +297,7 @@ MODULE_EXPORT uint32_t ModuleDrawFrame(void *pvContext, PlaneInfo *ppi)
     PutPlace(pShader, canvas);
     PutTime(pShader, StepSeconds(pShader, ppi));
     PutInputs(pShader);
-    DrawOnStage(&pShader->stage, pShader->program, pShader->values, pShader->sound.afHistory, canvas);
+    DrawOnStage(&pShader->stage, pShader->program, pShader->sound.afHistory, canvas, &pShader->values);
     return 0;
 }
 

@@ -7,16 +7,25 @@
 #include <string>
 #include <vector>
 
-#define SHADER_LOOP_STEPS 8192 // of all loops together, of those whose end is not plain to see; for a pixel
+// What all loops of a pixel may take together, of those whose end is not plain to see: on a graphics card, and where
+// the processor draws.
+#define SHADER_LOOP_STEPS 65536
+#define SHADER_LOOP_STEPS_SLOW 8192
+
+// Who compiles.
+struct ShaderDriver {
+    int32_t nVersionMost; // the newest version of the language that it takes, as in 450
+    int32_t nLoopSteps;   // SHADER_LOOP_STEPS...
+};
 
 struct ShaderSources {
     std::string vertex, fragment;
 };
 
 // text: as ReadShaderText gives it, with "#line" lines. Adds what the file uses without declaring it, an entry point
-// for mainImage, and a bound for loops that might not end. nVersionMost: the
-// newest version of the language that the driver takes, as in 450. False with *psError when there is no entry point.
-bool TranslateShader(const std::string &text, const std::vector<ShaderInput> &inputs, int32_t nVersionMost,
+// for mainImage, a value for variables that have none, and a bound for loops that might not end. False with *psError,
+// in the form of a driver's message where a line is to blame.
+bool TranslateShader(const std::string &text, const std::vector<ShaderInput> &inputs, const ShaderDriver &driver,
                      ShaderSources *pSources, std::string *psError);
 
 #endif

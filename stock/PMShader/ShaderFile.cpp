@@ -222,6 +222,8 @@ bool AppendFile(const Reader &reader, const std::string &path, const std::string
     std::string text;
     if (const char *pszWhy = WhyNotRead(path, &text, &reader.pText->aPart.back().stamp))
         return Fail(reader, iPart, 0, pszWhy);
+    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF"))
+        return Fail(reader, iPart, 0, "the text is in UTF-16; save it as UTF-8");
     CleanText(&text);
     if (iPart == 0)
         FindHeader(text, reader.pText);

@@ -1,7 +1,8 @@
-// ShaderHeader.cpp -- the inputs that a shader's header comment declares
+// ShaderHeader.cpp -- the inputs and passes that a shader's header comment declares
 #include "ShaderHeader.h"
 
 #include "ShaderFile.h"
+#include "ShaderSize.h"
 
 #include <nlohmann/json.hpp>
 
@@ -61,12 +62,22 @@ std::u16string Displayed(const std::string &text, size_t nMost)
     return wide;
 }
 
+// The types and the statements; an author who uses one of the others is told so by the driver.
+bool IsLanguageWord(const std::string &name)
+{
+    static const std::set<std::string> words = {
+        "float", "int",    "uint",   "bool",  "void",    "vec2",   "vec3",  "vec4",      "mat2",    "mat3",   "mat4",
+        "if",    "else",   "for",    "while", "do",      "return", "break", "continue",  "in",      "out",    "inout",
+        "const", "struct", "switch", "case",  "default", "true",   "false", "sampler2D", "uniform", "discard"};
+    return words.contains(name);
+}
+
 bool IsName(const std::string &name)
 {
     const auto Fits = [](char ch) { return isalnum((unsigned char)ch) || ch == '_'; };
     return !name.empty() && name.size() <= 64 && std::all_of(name.begin(), name.end(), Fits) &&
            !isdigit((unsigned char)name[0]) && !name.starts_with("gl_") && !name.starts_with("vd_") &&
-           name.find("__") == std::string::npos;
+           name.find("__") == std::string::npos && name != "main" && name != "mainImage" && !IsLanguageWord(name);
 }
 
 void ReadRange(const Json &object, ShaderInput *pInput)
@@ -92,20 +103,25 @@ void ReadRange(const Json &object, ShaderInput *pInput)
         std::clamp(NumberOf(pRange, 1).value_or(pInput->afMax[0]), pInput->afMin[0], pInput->afMax[0]);
 }
 
+// VALUES with LABELS beside them; one of the two may be shorter, or LABELS stand alone and be numbered.
 void ReadChoices(const Json &object, ShaderInput *pInput)
 {
+    static const Json none = Json::array();
     const Json *pValues = Member(object, "VALUES"), *pLabels = Member(object, "LABELS");
-    if (!pValues || !pValues->is_array())
-        return;
-    for (size_t i = 0; i < pValues->size() && pInput->anValue.size() < SHADER_CHOICES_MAX; i++) {
-        const std::optional<float> fValue = NumberOf(&(*pValues)[i]);
+    const Json &values = pValues && pValues->is_array() ? *pValues : none,
+               &labels = pLabels && pLabels->is_array() ? *pLabels : none;
+    const float fFirst = NumberOf(Member(object, "MIN")).value_or(0);
+    const size_t nChoices = std::min<size_t>(values.empty() ? labels.size() : values.size(), SHADER_CHOICES_MAX);
+    for (size_t i = 0; i < nChoices; i++) {
+        const std::optional<float> fValue = values.empty() ? fFirst + (float)i : NumberOf(&values[i]);
         if (!fValue)
             continue;
-        const bool bLabel = pLabels && pLabels->is_array() && i < pLabels->size() && (*pLabels)[i].is_string();
+        const bool bLabel = i < labels.size() && labels[i].is_string();
         pInput->anValue.push_back((int32_t)*fValue);
-        pInput->aszChoice.push_back(
-            WideText(bLabel ? (*pLabels)[i].get<std::string>() : std::to_string((int32_t)*fValue)));
+        pInput->aszChoice.push_back(WideText(bLabel ? labels[i].get<std::string>() : std::to_string((int32_t)*fValue)));
     }
+    if (!nChoices)
+        return;
     // The range was read for numbers; a choice may lie anywhere.
     pInput->afDefault[0] =
         NumberOf(Member(object, "DEFAULT")).value_or(pInput->anValue.empty() ? 0 : (float)pInput->anValue[0]);
@@ -143,7 +159,7 @@ std::string ReadInput(const Json &object, ShaderInput *pInput)
         return "an input has to be an object between braces";
     pInput->name = TextMember(object, "NAME");
     if (!IsName(pInput->name))
-        return "an input needs a NAME of letters, digits and single underscores";
+        return "an input needs a NAME of letters, digits and single underscores that is no word of the language";
     const std::string type = TextMember(object, "TYPE");
     const auto itKind =
         std::find_if(std::begin(asKind), std::end(asKind), [&](const KindName &kind) { return type == kind.pszType; });
@@ -179,6 +195,15 @@ int32_t LineOf(const std::string &json, const std::string &name, int32_t nLine)
     return LineAt(json, i == std::string::npos ? 0 : i, nLine);
 }
 
+// The mouse and the channels are the host's, also where a file that was turned from one convention into the other lists
+// them.
+bool IsHostsOwn(const ShaderInput &input)
+{
+    return (input.eKind == INPUT_POINT && input.name == "iMouse") ||
+           (input.eKind >= INPUT_PICTURE && input.name.size() == 9 && input.name.starts_with("iChannel") &&
+            input.name[8] >= '0' && input.name[8] <= '3');
+}
+
 void ReadInputs(const Json &aInput, const std::string &json, int32_t nLine, std::vector<ShaderInput> *pInputs,
                 std::string *psError)
 {
@@ -190,11 +215,125 @@ void ReadInputs(const Json &aInput, const std::string &json, int32_t nLine, std:
             fault = "there are two inputs " + input.name;
         if (fault.empty() && pInputs->size() >= SHADER_INPUTS_MAX)
             fault = "there are more than " + std::to_string(SHADER_INPUTS_MAX) + " inputs";
-        if (fault.empty())
-            pInputs->push_back(std::move(input));
-        else
+        if (!fault.empty())
             AddFault(psError, LineOf(json, input.name, nLine), fault);
+        else if (!IsHostsOwn(input))
+            pInputs->push_back(std::move(input));
     }
+}
+
+// Pictures from files: the shader gets noise in their place, and its author is told.
+void ReadImported(const Json &imported, const std::string &json, int32_t nLine, std::vector<ShaderInput> *pInputs,
+                  std::string *psError)
+{
+    for (auto it = imported.begin(); it != imported.end(); ++it) {
+        ShaderInput input = {};
+        input.eKind = INPUT_NOISE;
+        input.name = imported.is_object() ? it.key() : it->is_object() ? TextMember(*it, "NAME") : "";
+        input.label = Displayed(input.name, 60);
+        if (!IsName(input.name))
+            continue;
+        AddFault(psError, LineOf(json, input.name, nLine),
+                 "pictures from files (IMPORTED) are not supported: " + input.name + " is something else here");
+        const bool bKnown = std::any_of(pInputs->begin(), pInputs->end(),
+                                        [&](const ShaderInput &other) { return other.name == input.name; });
+        if (!bKnown && !IsHostsOwn(input) && pInputs->size() < SHADER_INPUTS_MAX)
+            pInputs->push_back(std::move(input));
+    }
+}
+
+// "$WIDTH / 2.0", or a number.
+std::string ReadFormula(const Json &object, const char *pszName, const ShaderHeader &header, std::string *psFault)
+{
+    const std::optional<float> fNumber = NumberOf(Member(object, pszName));
+    const std::string formula = fNumber ? std::to_string(*fNumber) : TextMember(object, pszName);
+    double dSize = 0;
+    const auto IsKnown = [&](std::string_view name, double *pdValue) {
+        *pdValue = 1;
+        return name == "WIDTH" || name == "HEIGHT" ||
+               std::any_of(header.aInput.begin(), header.aInput.end(),
+                           [&](const ShaderInput &input) { return input.name == name; });
+    };
+    if (formula.empty() || WorkOutSize(formula, IsKnown, &dSize))
+        return formula;
+    *psFault = std::string("the ") + pszName + " of a pass is no formula that is understood here: " + formula;
+    return {};
+}
+
+// The place of a target of this name, which is made on first mention.
+int32_t FindTarget(const std::string &name, ShaderHeader *pHeader, std::string *psFault)
+{
+    std::vector<ShaderTarget> &aTarget = pHeader->aTarget;
+    for (size_t i = 0; i < aTarget.size(); i++)
+        if (aTarget[i].name == name)
+            return (int32_t)i;
+    const bool bTaken = std::any_of(pHeader->aInput.begin(), pHeader->aInput.end(),
+                                    [&](const ShaderInput &input) { return input.name == name; });
+    if (!IsName(name) || bTaken || aTarget.size() >= SHADER_TARGETS_MAX) {
+        *psFault = bTaken         ? "there is an input and a pass " + name
+                   : IsName(name) ? "there are more than " + std::to_string(SHADER_TARGETS_MAX) + " targets of passes"
+                                  : "the TARGET of a pass needs a name of letters, digits and single underscores";
+        return -1;
+    }
+    aTarget.push_back({name, false});
+    ShaderInput input = {};
+    input.name = name;
+    input.label = Displayed(name, 60);
+    input.eKind = INPUT_TARGET;
+    pHeader->aInput.push_back(std::move(input));
+    return (int32_t)aTarget.size() - 1;
+}
+
+void ReadPasses(const Json &aPass, const std::string &json, int32_t nLine, ShaderHeader *pHeader, std::string *psError)
+{
+    for (const Json &object : aPass) {
+        if (!object.is_object())
+            continue;
+        std::string fault;
+        ShaderPass pass = {-1, ReadFormula(object, "WIDTH", *pHeader, &fault),
+                           ReadFormula(object, "HEIGHT", *pHeader, &fault)};
+        const std::string target = TextMember(object, "TARGET");
+        if (!target.empty())
+            pass.iTarget = FindTarget(target, pHeader, &fault);
+        if (pass.iTarget >= 0)
+            pHeader->aTarget[(size_t)pass.iTarget].bFloat |= NumberOf(Member(object, "FLOAT")).value_or(0) != 0;
+        if (pHeader->aPass.size() >= SHADER_PASSES_MAX)
+            fault = "there are more than " + std::to_string(SHADER_PASSES_MAX) + " passes";
+        else
+            pHeader->aPass.push_back(std::move(pass));
+        if (!fault.empty())
+            AddFault(psError, LineOf(json, target.empty() ? "PASSES" : target, nLine), fault);
+    }
+    if (pHeader->aTarget.empty())
+        pHeader->aPass.clear(); // draws the picture, as files without passes do
+}
+
+// What authors write and strict readers refuse: a comma before a closing bracket, line ends and tabs inside of quotes.
+// As long as before, so that places stay.
+std::string Tolerated(std::string json)
+{
+    bool bQuoted = false;
+    size_t iComma = std::string::npos; // with nothing behind it yet
+    for (size_t i = 0; i < json.size(); i++) {
+        const char ch = json[i];
+        const bool bBlank = ch == ' ' || (ch > 0 && ch < ' ');
+        if (!bQuoted && json.compare(i, 2, "//") == 0) {
+            i = std::min(json.find('\n', i), json.size());
+            continue;
+        }
+        if (bQuoted && ch == '\\')
+            i++;
+        else if (ch == '"')
+            bQuoted = !bQuoted;
+        else if (bQuoted && bBlank)
+            json[i] = ' ';
+        if (bQuoted || bBlank)
+            continue;
+        if ((ch == ']' || ch == '}') && iComma != std::string::npos)
+            json[iComma] = ' ';
+        iComma = ch == ',' ? i : std::string::npos;
+    }
+    return json;
 }
 
 } // namespace
@@ -206,11 +345,12 @@ int32_t InputParts(InputKind eKind)
 
 const char *InputType(InputKind eKind)
 {
-    static const char *const apszType[] = {"float", "int", "bool", "vec4", "vec2", "sampler2D", "sampler2D"};
+    static const char *const apszType[] = {"float",     "int",       "bool",      "vec4",     "vec2",
+                                           "sampler2D", "sampler2D", "sampler2D", "sampler2D"};
     return apszType[eKind];
 }
 
-bool ReadShaderHeader(const std::string &json, int32_t nLine, std::vector<ShaderInput> *pInputs, std::string *psError)
+bool ReadShaderHeader(const std::string &json, int32_t nLine, ShaderHeader *pHeader, std::string *psError)
 {
     if (json.size() > HEADER_BYTES_MAX) {
         AddFault(psError, nLine, "the header comment is larger than 64 kibibytes");
@@ -220,17 +360,19 @@ bool ReadShaderHeader(const std::string &json, int32_t nLine, std::vector<Shader
     const std::string text = NarrowText(WideText(json).c_str());
     Json root;
     try {
-        root = Json::parse(text, nullptr, true, true);
+        root = Json::parse(Tolerated(text), nullptr, true, true);
     } catch (const Json::exception &e) {
         const auto *pParse = dynamic_cast<const Json::parse_error *>(&e);
         AddFault(psError, LineAt(text, pParse ? pParse->byte : 0, nLine), "the header comment is no valid JSON here");
         return false;
     }
-    const Json *pArray = root.is_object() ? Member(root, "INPUTS") : nullptr;
-    if (pArray && pArray->is_array())
-        ReadInputs(*pArray, text, nLine, pInputs, psError);
-    const Json *pPasses = root.is_object() ? Member(root, "PASSES") : nullptr;
-    if (pPasses && pPasses->is_array() && pPasses->size() > 1)
-        AddFault(psError, nLine, "several PASSES are not supported: the file is drawn in one");
+    if (!root.is_object())
+        return true;
+    if (const Json *pInputs = Member(root, "INPUTS"); pInputs && pInputs->is_array())
+        ReadInputs(*pInputs, text, nLine, &pHeader->aInput, psError);
+    if (const Json *pImported = Member(root, "IMPORTED"); pImported && pImported->is_structured())
+        ReadImported(*pImported, text, nLine, &pHeader->aInput, psError);
+    if (const Json *pPasses = Member(root, "PASSES"); pPasses && pPasses->is_array())
+        ReadPasses(*pPasses, text, nLine, pHeader, psError);
     return psError->empty();
 }

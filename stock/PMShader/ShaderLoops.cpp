@@ -5,13 +5,39 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <set>
 
 namespace {
 
 #define PLAIN_LOOP_STEPS_MAX 4096
+#define PLAIN_NEST_STEPS_MAX 65536.0 // of loops inside of each other
+#define PLAIN_NEST_DEPTH_MAX 8
 
 using Tokens = std::vector<ShaderToken>;
-using Constants = std::map<std::string_view, double>;
+
+// What is known of the whole file before its loops are looked at.
+struct LoopFacts {
+    std::map<std::string_view, double> constants;
+    std::set<std::string_view> changedInMacros; // "NAME++" in a #define
+    bool bArgumentsChange;                      // a function or a macro gives an argument of it a new value
+};
+
+// A loop around the place that is looked at.
+struct OuterLoop {
+    size_t iEnd;
+    double dSteps; // of it and all around it
+};
+
+// The walk through the file.
+struct LoopSearch {
+    const Tokens &aToken;
+    const LoopFacts &facts;
+    std::vector<OuterLoop> aOuter;
+    std::vector<LoopCondition> aOpen, aPlain;
+    std::map<std::string_view, double> steps; // of a function: what plain loops may take in it, calls of it included
+    std::string_view function;                // at whose body the walk is
+    double dMost;                             // of all functions
+};
 
 // Three parts of a for, as places of tokens: the first one, and one behind the last.
 struct ForParts {
@@ -23,19 +49,56 @@ double NumberAt(const ShaderToken &token)
     return strtod(std::string(token.text).c_str(), nullptr);
 }
 
-// "#define NAME 64" and "const int NAME = 64;"
-Constants FindConstants(const Tokens &aToken)
+// "#define NAME 64" and "const int NAME = 64;". Where a name has several, the largest counts.
+void NoteConstant(const Tokens &aToken, size_t i, LoopFacts *pFacts)
 {
-    Constants constants;
+    const bool bDefine = aToken[i].text == "#" && aToken[i + 1].text == "define";
+    const bool bConst = aToken[i].text == "const" && aToken[i + 3].text == "=" && aToken[i + 5].text == ";";
+    const size_t iNumber = bDefine ? i + 3 : i + 4;
+    const bool bAlone = !bDefine || aToken[i + 4].nDirective != aToken[i].nDirective;
+    if (!(bDefine || bConst) || !bAlone || !IsNumber(aToken[iNumber]))
+        return;
+    double &dValue = pFacts->constants[aToken[i + 2].text];
+    dValue = std::max(dValue, NumberAt(aToken[iNumber]));
+}
+
+// Whether the word at i gets a new value there: "i++", "--i", "i *= 2", "i = 0".
+bool IsChanged(const Tokens &aToken, size_t i)
+{
+    const char chNext = i + 1 < aToken.size() ? aToken[i + 1].text[0] : ' ';
+    const char chAfter = i + 2 < aToken.size() ? aToken[i + 2].text[0] : ' ';
+    const bool bBefore =
+        i >= 2 && (aToken[i - 1].text == "+" || aToken[i - 1].text == "-") && aToken[i - 2].text == aToken[i - 1].text;
+    const bool bShifted =
+        strchr("<>", chNext) && chAfter == chNext && i + 3 < aToken.size() && aToken[i + 3].text == "=";
+    return bBefore || bShifted || (chNext == '=' && chAfter != '=') ||
+           (strchr("+-*/%&|^", chNext) && (chAfter == '=' || chAfter == chNext));
+}
+
+// "inout int i", of whatever type a counter may have.
+bool HandsNumberBack(const Tokens &aToken, size_t i)
+{
+    if (aToken[i].text != "inout" && aToken[i].text != "out")
+        return false;
+    const size_t iType = i + (aToken[i + 1].text.ends_with("p") ? 2u : 1u); // behind highp and its like
+    return iType < aToken.size() &&
+           (aToken[iType].text == "int" || aToken[iType].text == "uint" || aToken[iType].text == "float");
+}
+
+LoopFacts FindFacts(const Tokens &aToken)
+{
+    LoopFacts facts = {};
+    size_t iForEnd = 0; // a macro that is a whole loop steps its own counter
     for (size_t i = 0; i + 5 < aToken.size(); i++) {
-        const bool bDefine = aToken[i].text == "#" && aToken[i + 1].text == "define";
-        const bool bConst = aToken[i].text == "const" && aToken[i + 3].text == "=" && aToken[i + 5].text == ";";
-        const size_t iNumber = bDefine ? i + 3 : i + 4;
-        const bool bAlone = !bDefine || aToken[i + 4].nDirective != aToken[i].nDirective;
-        if ((bDefine || bConst) && bAlone && IsNumber(aToken[iNumber]))
-            constants[aToken[i + 2].text] = NumberAt(aToken[iNumber]);
+        NoteConstant(aToken, i, &facts);
+        facts.bArgumentsChange |= HandsNumberBack(aToken, i);
+        if (aToken[i].nDirective && aToken[i].text == "for" && aToken[i + 1].text == "(")
+            iForEnd = aToken[i + 1].iClosing;
+        if (aToken[i].nDirective && i >= iForEnd && IsWord(aToken[i]) && IsChanged(aToken, i))
+            facts.changedInMacros.insert(aToken[i].text);
     }
-    return constants;
+    facts.bArgumentsChange |= !facts.changedInMacros.empty();
+    return facts;
 }
 
 bool SplitFor(const Tokens &aToken, size_t iOpen, size_t iClose, ForParts *pParts)
@@ -56,44 +119,47 @@ bool SplitFor(const Tokens &aToken, size_t iOpen, size_t iClose, ForParts *pPart
     return iPart == 2;
 }
 
-// "i < 64", "i <= N": whether it has this shape, and a bound that is a reasonable number.
-bool CountsToNumber(const Tokens &aToken, size_t iStart, size_t iEnd, const Constants &constants)
+// "i < 64", "i <= N": the number, or 0 if the condition has another shape or a bound that is not reasonable.
+double BoundOf(const Tokens &aToken, size_t iStart, size_t iEnd, const LoopFacts &facts)
 {
     const bool bEqual = iEnd - iStart == 4 && aToken[iStart + 2].text == "=";
     if (iEnd - iStart != 3 && !bEqual)
-        return false;
+        return 0;
     const ShaderToken &bound = aToken[iEnd - 1];
-    const auto it = constants.find(bound.text);
-    if (aToken[iStart + 1].text != "<" || (!IsNumber(bound) && it == constants.end()))
-        return false;
-    return (IsNumber(bound) ? NumberAt(bound) : it->second) <= PLAIN_LOOP_STEPS_MAX;
+    const auto it = facts.constants.find(bound.text);
+    if (aToken[iStart + 1].text != "<" || (!IsNumber(bound) && it == facts.constants.end()))
+        return 0;
+    const double dBound = IsNumber(bound) ? NumberAt(bound) : it->second;
+    return dBound <= PLAIN_LOOP_STEPS_MAX ? std::max(dBound, 1.0) : 0;
 }
 
 // Whether anything from iStart to iEnd gives the counter a new value.
-bool ChangesCounter(const Tokens &aToken, size_t iStart, size_t iEnd, std::string_view counter)
+bool ChangesCounter(const Tokens &aToken, size_t iStart, size_t iEnd, std::string_view counter, const LoopFacts &facts)
 {
+    if (facts.changedInMacros.contains(counter))
+        return true;
     for (size_t i = iStart; i < iEnd; i++) {
         if (aToken[i].text != counter)
             continue;
-        const char chNext = i + 1 < aToken.size() ? aToken[i + 1].text[0] : ' ';
-        const char chAfter = i + 2 < aToken.size() ? aToken[i + 2].text[0] : ' ';
-        const bool bBefore = i >= 2 && (aToken[i - 1].text == "+" || aToken[i - 1].text == "-") &&
-                             aToken[i - 2].text == aToken[i - 1].text;
-        if (bBefore || (chNext == '=' && chAfter != '=') ||
-            (strchr("+-*/%&|^", chNext) && (chAfter == '=' || chAfter == chNext)))
+        const bool bAlone = strchr("(,", aToken[i - 1].text[0]) && i + 1 < iEnd && strchr(",)", aToken[i + 1].text[0]);
+        if (IsChanged(aToken, i) || (bAlone && facts.bArgumentsChange))
             return true;
     }
     return false;
 }
 
+// The end of the statement behind iClose, which may itself be an if, a for, a do.
 size_t EndOfBody(const Tokens &aToken, size_t iClose)
 {
-    size_t i = iClose + 1;
-    if (i < aToken.size() && aToken[i].text == "{")
-        return ClosingToken(aToken, i);
-    while (i < aToken.size() && aToken[i].text != ";")
-        i++;
-    return i;
+    for (size_t i = iClose + 1; i < aToken.size(); i++) {
+        const char ch = aToken[i].text[0];
+        if (ch == '(' || ch == '[' || ch == '{')
+            i = std::min(aToken[i].iClosing, aToken.size() - 1);
+        const std::string_view next = i + 1 < aToken.size() ? aToken[i + 1].text : ";";
+        if ((ch == ';' && next != "else") || (ch == '{' && next != "else" && next != "while"))
+            return i;
+    }
+    return aToken.size();
 }
 
 // "int i = 0", "float f = 1.0"
@@ -114,17 +180,17 @@ bool StepsUp(const Tokens &aToken, size_t iStart, size_t iEnd, std::string_view 
            NumberAt(aToken[iStart + 3]) >= 1;
 }
 
-// "for (int i = 0; i < 64; i++)" with a body that leaves i alone.
-bool CountsByItself(const Tokens &aToken, const ForParts &parts, size_t iClose, const Constants &constants)
+// "for (int i = 0; i < 64; i++)" with a body that leaves i alone: the number of steps at most; 0: another loop.
+double StepsOf(const Tokens &aToken, const ForParts &parts, size_t iClose, size_t iEnd, const LoopFacts &facts)
 {
     const size_t iCondition = parts.aiStart[1];
     if (parts.aiEnd[1] <= iCondition || !IsWord(aToken[iCondition]))
-        return false;
+        return 0;
     const std::string_view counter = aToken[iCondition].text;
-    return StartsAtNumber(aToken, parts.aiStart[0], parts.aiEnd[0], counter) &&
-           CountsToNumber(aToken, iCondition, parts.aiEnd[1], constants) &&
-           StepsUp(aToken, parts.aiStart[2], parts.aiEnd[2], counter) &&
-           !ChangesCounter(aToken, iClose + 1, EndOfBody(aToken, iClose), counter);
+    const bool bCounts = StartsAtNumber(aToken, parts.aiStart[0], parts.aiEnd[0], counter) &&
+                         StepsUp(aToken, parts.aiStart[2], parts.aiEnd[2], counter) &&
+                         !ChangesCounter(aToken, iClose + 1, iEnd, counter, facts);
+    return bCounts ? BoundOf(aToken, iCondition, parts.aiEnd[1], facts) : 0;
 }
 
 size_t TextEnd(const ShaderToken &token)
@@ -132,31 +198,92 @@ size_t TextEnd(const ShaderToken &token)
     return token.iAt + token.text.size();
 }
 
-void FindInLoop(const Tokens &aToken, size_t i, const Constants &constants, std::vector<LoopCondition> *pLoops)
+double StepsAround(LoopSearch *pSearch, size_t i)
 {
-    const size_t iOpen = i + 1, iClose = ClosingToken(aToken, iOpen);
-    if (iClose == aToken.size())
-        return;
-    if (aToken[i].text == "while") {
-        pLoops->push_back({TextEnd(aToken[iOpen]), aToken[iClose].iAt});
-        return;
-    }
+    std::vector<OuterLoop> &aOuter = pSearch->aOuter;
+    while (!aOuter.empty() && aOuter.back().iEnd < i)
+        aOuter.pop_back();
+    return aOuter.empty() ? 1 : aOuter.back().dSteps;
+}
+
+void CountSteps(LoopSearch *pSearch, double dSteps)
+{
+    double &dAll = pSearch->steps[pSearch->function];
+    dAll = std::min(dAll + dSteps, 1e18);
+    pSearch->dMost = std::max(pSearch->dMost, dAll);
+}
+
+void FindInFor(LoopSearch *pSearch, size_t iOpen)
+{
+    const Tokens &aToken = pSearch->aToken;
+    const size_t iClose = aToken[iOpen].iClosing;
+    const double dAround = StepsAround(pSearch, iOpen);
     ForParts parts;
-    if (!SplitFor(aToken, iOpen, iClose, &parts) || CountsByItself(aToken, parts, iClose, constants))
+    if (!SplitFor(aToken, iOpen, iClose, &parts))
         return;
+    double dSteps = 0;
+    if (pSearch->aOuter.size() < PLAIN_NEST_DEPTH_MAX) {
+        const size_t iEnd = EndOfBody(aToken, iClose);
+        dSteps = dAround * StepsOf(aToken, parts, iClose, iEnd, pSearch->facts);
+        dSteps = dSteps <= PLAIN_NEST_STEPS_MAX ? dSteps : 0;
+        pSearch->aOuter.push_back({iEnd, dSteps > 0 ? dSteps : dAround});
+        CountSteps(pSearch, dSteps);
+    }
     const size_t iText = TextEnd(aToken[parts.aiStart[1] - 1]);
     const bool bEmpty = parts.aiStart[1] == parts.aiEnd[1];
-    pLoops->push_back({iText, bEmpty ? iText : aToken[parts.aiEnd[1]].iAt});
+    (dSteps > 0 ? pSearch->aPlain : pSearch->aOpen).push_back({iText, bEmpty ? iText : aToken[parts.aiEnd[1]].iAt});
+}
+
+// "NAME(" at the file's own level begins a function, elsewhere it calls one.
+void NoteFunction(LoopSearch *pSearch, size_t i)
+{
+    const ShaderToken &name = pSearch->aToken[i];
+    if (name.nDirective || pSearch->aToken[i + 1].text != "(")
+        return;
+    if (name.nDepth == 0)
+        pSearch->function = name.text;
+    else if (const auto it = pSearch->steps.find(name.text); it != pSearch->steps.end())
+        CountSteps(pSearch, StepsAround(pSearch, i) * it->second);
+}
+
+bool BeginsLoop(const Tokens &aToken, size_t i)
+{
+    return aToken[i].text == "for" || aToken[i].text == "while";
+}
+
+// Whether the loop's parentheses stand where its word does: all in the text, or all in one macro.
+bool IsWholeLoop(const Tokens &aToken, size_t i)
+{
+    return i + 1 < aToken.size() && aToken[i + 1].text == "(" && aToken[i + 1].nDirective == aToken[i].nDirective &&
+           aToken[i + 1].iClosing < aToken.size();
 }
 
 } // namespace
 
-std::vector<LoopCondition> FindOpenLoops(const Tokens &aToken)
+std::vector<LoopCondition> FindOpenLoops(const Tokens &aToken, double dPlainMost)
 {
-    const Constants constants = FindConstants(aToken);
-    std::vector<LoopCondition> aLoop;
-    for (size_t i = 0; i + 1 < aToken.size(); i++)
-        if ((aToken[i].text == "for" || aToken[i].text == "while") && aToken[i + 1].text == "(")
-            FindInLoop(aToken, i, constants, &aLoop);
-    return aLoop;
+    const LoopFacts facts = FindFacts(aToken);
+    LoopSearch search = {aToken, facts, {}, {}, {}, {}, {}, 0};
+    for (size_t i = 0; i + 1 < aToken.size(); i++) {
+        if (!BeginsLoop(aToken, i))
+            NoteFunction(&search, i);
+        else if (IsWholeLoop(aToken, i) && aToken[i].text == "for")
+            FindInFor(&search, i + 1);
+        else if (IsWholeLoop(aToken, i))
+            search.aOpen.push_back({TextEnd(aToken[i + 1]), aToken[aToken[i + 1].iClosing].iAt});
+    }
+    if (search.dMost > dPlainMost)
+        search.aOpen.insert(search.aOpen.end(), search.aPlain.begin(), search.aPlain.end());
+    return search.aOpen;
+}
+
+size_t FindHiddenLoop(const Tokens &aToken)
+{
+    for (size_t i = 0; i < aToken.size(); i++) {
+        const bool bJoins = aToken[i].text == "#" && i > 0 && aToken[i - 1].text == "#" &&
+                            aToken[i].nDirective == aToken[i - 1].nDirective;
+        if (bJoins || (BeginsLoop(aToken, i) && !IsWholeLoop(aToken, i)))
+            return i;
+    }
+    return aToken.size();
 }

@@ -35,6 +35,8 @@ std::string NamePlace(const std::string &line, const ShaderText &text)
     const size_t iNumber = line.find_first_not_of("0123456789", iStart) + 1;
     char *pszEnd = nullptr;
     const unsigned long nPlace = iNumber > iStart + 1 ? strtoul(line.c_str() + iNumber, &pszEnd, 10) : 0;
+    if (line.starts_with("0:0(0): "))
+        return text.aPart[0].name + ": " + line.substr(8); // the file as a whole
     if (!nPlace || !strchr(":(", line[iNumber - 1]))
         return line;
     std::string words = pszEnd;
@@ -104,18 +106,48 @@ int32_t LanguageVersion()
     return pszVersion && sscanf(pszVersion, "%d.%d", &nMajor, &nMinor) == 2 ? nMajor * 100 + nMinor : 0;
 }
 
+// A shader that never ends keeps the processor longer than a card.
+ShaderDriver DescribeDriver()
+{
+    const auto *pszRenderer = (const char *)glGetString(GL_RENDERER);
+    const std::string_view renderer = pszRenderer ? pszRenderer : "";
+    const bool bSlow = renderer.empty() || renderer.find("llvmpipe") != renderer.npos ||
+                       renderer.find("softpipe") != renderer.npos || renderer.find("Software") != renderer.npos;
+    return {LanguageVersion(), bSlow ? SHADER_LOOP_STEPS_SLOW : SHADER_LOOP_STEPS};
+}
+
 HostValue PictureOf(const LiveUniform &uniform, const ShaderProgram &program)
 {
     if (uniform.iHost >= 0 && asHostUniform[uniform.iHost].eValue >= VALUES_PLAIN)
         return asHostUniform[uniform.iHost].eValue;
     if (uniform.iInput < 0)
+        return uniform.iHost >= 0 ? VALUE_PICTURE_SOUND : VALUE_PICTURE_NOISE; // a level by name: its history
+    switch (program.aInput[(size_t)uniform.iInput].eKind) {
+    case INPUT_SOUND:
+        return VALUE_PICTURE_SOUND;
+    case INPUT_NOISE:
         return VALUE_PICTURE_NOISE;
-    return program.aInput[(size_t)uniform.iInput].eKind == INPUT_SOUND ? VALUE_PICTURE_SOUND : VALUE_PICTURE_LAST;
+    default:
+        return VALUE_PICTURE_LAST;
+    }
+}
+
+// The unit of a target that the file draws for itself; 0 if it is none.
+GLint TargetUnit(const LiveUniform &uniform, const ShaderProgram &program)
+{
+    for (size_t i = 0; i < program.aTarget.size(); i++)
+        if (uniform.iInput >= 0 && program.aInput[(size_t)uniform.iInput].name == program.aTarget[i].name)
+            return UNIT_TARGETS + (GLint)i;
+    return 0;
 }
 
 // The unit of a picture never changes.
 void BindPicture(const LiveUniform &uniform, ShaderProgram *pProgram)
 {
+    if (const GLint nUnit = TargetUnit(uniform, *pProgram)) {
+        glUniform1i(uniform.nLocation, nUnit);
+        return;
+    }
     const HostValue ePicture = PictureOf(uniform, *pProgram);
     pProgram->bReadsSound |= ePicture == VALUE_PICTURE_SOUND;
     pProgram->bReadsNoise |= ePicture == VALUE_PICTURE_NOISE;
@@ -134,7 +166,7 @@ LiveUniform FindUniform(const ShaderProgram &program, uint32_t iUniform)
     uniform.nLocation = glGetUniformLocation(program.dwProgram, szName);
     const std::string name = std::string(szName).substr(0, std::string(szName).find('['));
     for (size_t i = 0; i < program.aInput.size(); i++)
-        if (program.aInput[i].name == name)
+        if (program.aInput[i].name == name || "vd_" + program.aInput[i].name == name)
             uniform.iInput = (int32_t)i;
     for (size_t i = 0; i < std::size(asHostUniform); i++)
         if (uniform.iInput < 0 && asHostUniform[i].name == name)
@@ -196,13 +228,13 @@ uint32_t LinkProgram(const char *pszVertex, const char *pszFragment)
     return Link(pszVertex, pszFragment, &log);
 }
 
-bool BuildProgram(const ShaderText &text, const std::vector<ShaderInput> &inputs, ShaderProgram *pProgram,
-                  std::string *psError)
+bool BuildProgram(const ShaderText &text, const ShaderHeader &header, ShaderProgram *pProgram, std::string *psError)
 {
     ShaderSources sources;
     std::string log;
-    if (!TranslateShader(text.text, inputs, LanguageVersion(), &sources, &log)) {
-        *psError = text.aPart[0].name + ": " + log + "\n";
+    if (!TranslateShader(text.text, header.aInput, DescribeDriver(), &sources, &log)) {
+        const std::string named = NamePlace(log, text);
+        *psError = (named == log ? text.aPart[0].name + ": " + log : named) + "\n";
         return false;
     }
     const GLuint uProgram = Link(sources.vertex, sources.fragment, &log);
@@ -212,7 +244,9 @@ bool BuildProgram(const ShaderText &text, const std::vector<ShaderInput> &inputs
     }
     FreeProgram(pProgram);
     pProgram->dwProgram = uProgram;
-    pProgram->aInput = inputs;
+    pProgram->aInput = header.aInput;
+    pProgram->aPass = header.aPass;
+    pProgram->aTarget = header.aTarget;
     FindUniforms(pProgram);
     return true;
 }

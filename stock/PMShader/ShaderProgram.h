@@ -22,6 +22,8 @@ struct LiveUniform {
 struct ShaderProgram {
     uint32_t dwProgram; // of OpenGL
     std::vector<ShaderInput> aInput;
+    std::vector<ShaderPass> aPass;
+    std::vector<ShaderTarget> aTarget;
     std::vector<LiveUniform> aUniform;
     bool bReadsSound, bReadsNoise, bReadsLast; // which pictures it wants
 };
@@ -33,12 +35,11 @@ struct UniformValues {
 };
 
 // Texture units.
-enum { UNIT_SOUND, UNIT_NOISE, UNIT_LAST };
+enum { UNIT_SOUND, UNIT_NOISE, UNIT_LAST, UNIT_TARGETS };
 
 // Compiles and links. On failure *pProgram stays as it was and *psError has a line for each fault, with the file's name
 // and the line's number before the driver's words. The context has to be current.
-bool BuildProgram(const ShaderText &text, const std::vector<ShaderInput> &inputs, ShaderProgram *pProgram,
-                  std::string *psError);
+bool BuildProgram(const ShaderText &text, const ShaderHeader &header, ShaderProgram *pProgram, std::string *psError);
 // Links two sources of our own; 0 on failure.
 uint32_t LinkProgram(const char *pszVertex, const char *pszFragment);
 void FreeProgram(ShaderProgram *pProgram);

@@ -121,14 +121,16 @@ void BindPictures(ShaderStage *pStage, const ShaderProgram &program, const float
     }
 }
 
-void DrawCover()
+// bClear: first, for shaders that leave pixels out.
+void DrawCover(bool bClear)
 {
+    if (bClear)
+        glClear(GL_COLOR_BUFFER_BIT);
     glDrawArrays(GL_TRIANGLES, 0, 3);
 }
 
 // Into a target of its own, then from there into the window's surface.
-void DrawThroughTarget(ShaderStage *pStage, const ShaderProgram &program, const UniformValues &values,
-                       const Canvas &canvas)
+void DrawThroughTarget(ShaderStage *pStage, const ShaderProgram &program, const Canvas &canvas, UniformValues *pValues)
 {
     NeedTargets(pStage, program.bReadsLast ? 2 : 1, canvas.nWidth, canvas.nHeight);
     glActiveTexture(GL_TEXTURE0 + UNIT_LAST);
@@ -136,14 +138,20 @@ void DrawThroughTarget(ShaderStage *pStage, const ShaderProgram &program, const 
         glBindTexture(GL_TEXTURE_2D, pStage->adwTarget[pStage->iTarget]);
         pStage->iTarget ^= 1;
     }
-    glBindFramebuffer(GL_FRAMEBUFFER, pStage->adwFrame[pStage->iTarget]);
-    UseProgram(program, values);
-    DrawCover();
+    if (program.aPass.empty()) {
+        glBindFramebuffer(GL_FRAMEBUFFER, pStage->adwFrame[pStage->iTarget]);
+        UseProgram(program, *pValues);
+        DrawCover(true);
+    } else {
+        DrawPasses(&pStage->passes, program, pStage->adwFrame[pStage->iTarget], canvas.nWidth, canvas.nHeight, pValues);
+        glViewport(0, 0, canvas.nWidth, canvas.nHeight);
+        glActiveTexture(GL_TEXTURE0 + UNIT_LAST);
+    }
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glBindTexture(GL_TEXTURE_2D, pStage->adwTarget[pStage->iTarget]);
     glUseProgram(pStage->dwResolve);
     glUniform1i(pStage->nColorsLocation, canvas.bIndexed ? canvas.nColors : 0);
-    DrawCover();
+    DrawCover(false);
 }
 
 void DrawDirectly(const ShaderProgram &program, const UniformValues &values)
@@ -151,7 +159,7 @@ void DrawDirectly(const ShaderProgram &program, const UniformValues &values)
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE); // the alpha byte of a pixel stays 0
     UseProgram(program, values);
-    DrawCover();
+    DrawCover(true);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
 }
 
@@ -209,17 +217,18 @@ void CloseStage(ShaderStage *pStage)
 void ForgetPictures(ShaderStage *pStage)
 {
     FreeTargets(pStage);
+    FreePassTargets(&pStage->passes);
 }
 
-void DrawOnStage(ShaderStage *pStage, const ShaderProgram &program, const UniformValues &values, const float *afSound,
-                 const Canvas &canvas)
+void DrawOnStage(ShaderStage *pStage, const ShaderProgram &program, const float *afSound, const Canvas &canvas,
+                 UniformValues *pValues)
 {
     glViewport(0, 0, canvas.nWidth, canvas.nHeight);
     BindPictures(pStage, program, afSound);
-    if (canvas.bIndexed || program.bReadsLast)
-        DrawThroughTarget(pStage, program, values, canvas);
+    if (canvas.bIndexed || program.bReadsLast || !program.aPass.empty())
+        DrawThroughTarget(pStage, program, canvas, pValues);
     else
-        DrawDirectly(program, values);
+        DrawDirectly(program, *pValues);
     glPixelStorei(GL_PACK_ROW_LENGTH, (GLint)(canvas.cbRow / 4));
     glReadPixels(0, 0, canvas.nWidth, canvas.nHeight, GL_BGRA, GL_UNSIGNED_BYTE, canvas.pbBits);
 }

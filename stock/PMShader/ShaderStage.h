@@ -2,7 +2,7 @@
 #ifndef VORTICADE_SHADER_STAGE_H
 #define VORTICADE_SHADER_STAGE_H
 
-#include "ShaderProgram.h"
+#include "ShaderPasses.h"
 #include "../common/StockDrawing.h"
 
 #define SOUND_HISTORY 512 // levels, one for every sixtieth of a second
@@ -16,6 +16,7 @@ struct ShaderStage {
     uint32_t adwTarget[2], adwFrame[2];
     int32_t nTargets, nTargetWidth, nTargetHeight;
     int32_t iTarget; // drawn last
+    PassTargets passes;
 };
 
 // Makes a context of OpenGL 3.3 on the window and makes it current. False if there is none.
@@ -27,8 +28,8 @@ void CloseStage(ShaderStage *pStage);
 // The last picture becomes black.
 void ForgetPictures(ShaderStage *pStage);
 // afSound: two rows of SOUND_HISTORY. Draws the shader's picture onto the canvas: colours, or the palette index that
-// belongs to their brightness.
-void DrawOnStage(ShaderStage *pStage, const ShaderProgram &program, const UniformValues &values, const float *afSound,
-                 const Canvas &canvas);
+// belongs to their brightness. What differs from pass to pass is put into *pValues.
+void DrawOnStage(ShaderStage *pStage, const ShaderProgram &program, const float *afSound, const Canvas &canvas,
+                 UniformValues *pValues);
 
 #endif

@@ -28,6 +28,33 @@ size_t EndOfToken(const std::string &text, size_t i)
     return i;
 }
 
+// Brackets inside of a directive are its own affair: a macro ends with its line. One walk, since hostile files nest.
+void MatchBrackets(std::vector<ShaderToken> *paToken)
+{
+    std::vector<size_t> aiOpen, aiDirective;
+    uint32_t nDirective = 0;
+    for (size_t i = 0; i < paToken->size(); i++) {
+        ShaderToken &token = (*paToken)[i];
+        token.iClosing = paToken->size();
+        if (token.nDirective && token.nDirective != nDirective)
+            aiDirective.clear();
+        nDirective = token.nDirective ? token.nDirective : nDirective;
+        std::vector<size_t> &aiHere = token.nDirective ? aiDirective : aiOpen;
+        const char ch = token.text[0];
+        if (ch == '(' || ch == '[' || ch == '{')
+            aiHere.push_back(i);
+        if (ch != ')' && ch != ']' && ch != '}')
+            continue;
+        const char chOpen = ch == ')' ? '(' : ch == ']' ? '[' : '{';
+        while (!aiHere.empty() && (*paToken)[aiHere.back()].text[0] != chOpen)
+            aiHere.pop_back();
+        if (!aiHere.empty()) {
+            (*paToken)[aiHere.back()].iClosing = i;
+            aiHere.pop_back();
+        }
+    }
+}
+
 } // namespace
 
 std::vector<ShaderToken> SplitShader(const std::string &text)
@@ -55,39 +82,27 @@ std::vector<ShaderToken> SplitShader(const std::string &text)
             const size_t iEnd = EndOfToken(text, i);
             if (!bDirective && (ch == ')' || ch == '}' || ch == ']'))
                 nDepth = std::max(nDepth - 1, 0);
-            aToken.push_back({{text.data() + i, iEnd - i}, i, nDepth, bDirective ? nDirectives : 0});
+            aToken.push_back({{text.data() + i, iEnd - i}, i, nDepth, bDirective ? nDirectives : 0, 0});
             if (!bDirective && (ch == '(' || ch == '{' || ch == '['))
                 nDepth++;
             i = iEnd;
         }
     }
+    MatchBrackets(&aToken);
     return aToken;
+}
+
+bool IsWord(std::string_view text)
+{
+    return IsWordCharacter(text[0]) && !isdigit((unsigned char)text[0]);
 }
 
 bool IsWord(const ShaderToken &token)
 {
-    return IsWordCharacter(token.text[0]) && !isdigit((unsigned char)token.text[0]);
+    return IsWord(token.text);
 }
 
 bool IsNumber(const ShaderToken &token)
 {
     return isdigit((unsigned char)token.text[0]) || (token.text[0] == '.' && token.text.size() > 1);
-}
-
-size_t ClosingToken(const std::vector<ShaderToken> &aToken, size_t i)
-{
-    const uint32_t nDirective = aToken[i].nDirective;
-    const char chOpen = aToken[i].text[0], chClose = chOpen == '(' ? ')' : chOpen == '{' ? '}' : ']';
-    int32_t nOpen = 0;
-    for (; i < aToken.size(); i++) {
-        if (aToken[i].nDirective != nDirective) {
-            if (nDirective)
-                break; // a macro ends with its line
-            continue;
-        }
-        nOpen += aToken[i].text[0] == chOpen ? 1 : aToken[i].text[0] == chClose ? -1 : 0;
-        if (nOpen == 0)
-            return i;
-    }
-    return aToken.size();
 }
