@@ -135,26 +135,33 @@ static EdgePaint PaintOf(const Edge *pEdge, const Canvas &canvas, float fUnfolde
     return paint;
 }
 
+struct PaintedIndices {
+    uint32_t dwKeep, dwRounding, dwTop, dwInk;
+    bool bOwnInk;
+};
+
 struct PaintedColors {
     uint16_t wKeep, wRounding;
     bool bOwnInk;
 };
 
-static inline uint32_t PaintedValue(const EdgePaint &paint, uint32_t dwOld, uint32_t dwInk, uint32_t dwCover,
-                                    uint32_t dwRounding)
+STOCK_WIDE static void MixIndexRow(const uint16_t *pwCover, int32_t nWidth, const PaintedIndices mix,
+                                   uint32_t *__restrict pdwRow)
 {
-    const uint32_t dwKept = dwOld * paint.wKeep * (256 - dwCover);
-    return (dwKept + (dwInk * dwCover << 8) + dwRounding) >> 16;
+    for (int32_t x = 0; x < nWidth; x++) {
+        const uint32_t dwOld = pdwRow[x] < mix.dwTop ? pdwRow[x] : mix.dwTop, dwInk = mix.bOwnInk ? dwOld : mix.dwInk;
+        const uint32_t dwKept = dwOld * mix.dwKeep * (256u - pwCover[x]);
+        const uint32_t dwRounding = (mix.dwRounding + (uint32_t)x * ROUNDING_X) & 65535;
+        pdwRow[x] = (dwKept + (dwInk * pwCover[x] << 8) + dwRounding) >> 16;
+    }
 }
 
 static void PaintIndexRow(const EdgePaint &paint, const uint8_t *pbCover, int32_t nWidth, uint32_t dwTop,
-                          uint32_t dwRounding, uint32_t *pdwRow)
+                          uint32_t dwRounding, uint16_t *pwLine, uint32_t *pdwRow)
 {
-    for (int32_t x = 0; x < nWidth; x++, dwRounding = (dwRounding + ROUNDING_X) & 65535) {
-        const uint32_t dwOld = pdwRow[x] < dwTop ? pdwRow[x] : dwTop;
-        pdwRow[x] =
-            PaintedValue(paint, dwOld, paint.bOwnInk ? dwOld : paint.dwInk, paint.awCover[pbCover[x]], dwRounding);
-    }
+    for (int32_t x = 0; x < nWidth; x++)
+        pwLine[x] = paint.awCover[pbCover[x]];
+    MixIndexRow(pwLine, nWidth, {paint.wKeep, dwRounding, dwTop, paint.dwInk, paint.bOwnInk}, pdwRow);
 }
 
 // pwCover: per element of the row.
@@ -192,13 +199,13 @@ static uint32_t Draw(Edge *pEdge, PlaneInfo *ppi, const Canvas &canvas)
         AddEdgeGlow(&pEdge->map, PercentOfHeight(canvas, pEdge->fRadius), pEdge->fGlow, pEdge->nFrame);
     const EdgePaint paint = PaintOf(pEdge, canvas, fUnfolded);
     const uint8_t *pbCover = pEdge->map.pbCover;
+    uint16_t *pwLine = pEdge->map.reduced.pwLine;
     for (int32_t y = 0; y < canvas.nHeight; y++, pbCover += canvas.nWidth)
         if (canvas.bIndexed)
             PaintIndexRow(paint, pbCover, canvas.nWidth, (uint32_t)canvas.nColors - 1, RoundingStart(y, pEdge->nFrame),
-                          CanvasRow(canvas, y));
+                          pwLine, CanvasRow(canvas, y));
         else
-            PaintColorRow(paint, pbCover, canvas.nWidth, RoundingByte(y, pEdge->nFrame), pEdge->map.pwLine,
-                          CanvasRow(canvas, y));
+            PaintColorRow(paint, pbCover, canvas.nWidth, RoundingByte(y, pEdge->nFrame), pwLine, CanvasRow(canvas, y));
     pEdge->nFrame++;
     return 0;
 }
