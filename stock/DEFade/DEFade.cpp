@@ -12,11 +12,10 @@ struct FadeStep {
     float fShare, fSteps;
 };
 
-// Per element of a row: an index, or a byte of an RGB pixel.
+// Per pixel of a row.
 struct FadeColumns {
     float *pfSpeed;
     uint16_t *pwRounding;
-    uint8_t *pbTarget; // RGB planes
     int32_t nWidth;
 };
 
@@ -103,25 +102,20 @@ static bool FitColumns(FadeColumns *pColumns, int32_t nWidth)
     if (pColumns->nWidth == nWidth)
         return true;
     FreeColumns(pColumns);
-    const size_t nElements = (size_t)nWidth * 4;
-    pColumns->pfSpeed = (float *)calloc(nElements, sizeof(float) + sizeof(uint16_t) + 1);
+    pColumns->pfSpeed = (float *)calloc((size_t)nWidth, sizeof(float) + sizeof(uint16_t));
     if (!pColumns->pfSpeed)
         return false;
-    pColumns->pwRounding = (uint16_t *)(void *)(pColumns->pfSpeed + nElements);
-    pColumns->pbTarget = (uint8_t *)(pColumns->pwRounding + nElements);
+    pColumns->pwRounding = (uint16_t *)(void *)(pColumns->pfSpeed + nWidth);
     pColumns->nWidth = nWidth;
     return true;
 }
 
-static void FillColumns(const FadeColumns &columns, float fEdges, uint32_t dwTarget, int32_t nElementsOfPixel)
+static void FillColumns(const FadeColumns &columns, float fEdges)
 {
-    for (int32_t x = 0; x < columns.nWidth; x++)
-        for (int32_t i = 0; i < nElementsOfPixel; i++) {
-            const int32_t iElement = x * nElementsOfPixel + i;
-            columns.pfSpeed[iElement] = SpeedPart(fEdges, x, columns.nWidth);
-            columns.pwRounding[iElement] = (uint16_t)((uint32_t)x * ROUNDING_X);
-            columns.pbTarget[iElement] = (uint8_t)(dwTarget >> 8 * i);
-        }
+    for (int32_t x = 0; x < columns.nWidth; x++) {
+        columns.pfSpeed[x] = SpeedPart(fEdges, x, columns.nWidth);
+        columns.pwRounding[x] = (uint16_t)((uint32_t)x * ROUNDING_X);
+    }
 }
 
 // ---- The loops
@@ -132,23 +126,34 @@ struct FadeRow {
     uint16_t wRounding;
 };
 
-// Steps below one are rounded up now here, now there: in the end they add up.
-static inline int32_t FadedValue(int32_t nValue, int32_t nTarget, float fColumnSpeed, uint16_t wColumnRounding,
-                                 const FadeRow &row)
+struct FadePixel {
+    float fSpeed, fRounding;
+};
+
+static inline FadePixel PixelOfRow(const FadeColumns &columns, const FadeRow &row, int32_t x)
 {
-    const int32_t nWay = std::abs(nValue - nTarget);
-    const float fRounding = (float)(uint16_t)(wColumnRounding + row.wRounding) * (1 / 65536.0f);
-    const float fStep = ((float)nWay * row.step.fShare + row.step.fSteps) * (fColumnSpeed + row.fSpeed);
-    const int32_t nStep = std::min((int32_t)(fStep + fRounding), nWay);
-    return nValue > nTarget ? nValue - nStep : nValue + nStep;
+    return {columns.pfSpeed[x] + row.fSpeed, (float)(uint16_t)(columns.pwRounding[x] + row.wRounding) * (1 / 65536.0f)};
 }
 
-STOCK_WIDE static void FadeColorRow(const FadeColumns columns, const FadeRow row, uint8_t *__restrict pbRow)
+// Steps below one are rounded up now here, now there: in the end they add up.
+static inline uint32_t FadedValue(int32_t nValue, int32_t nTarget, const FadeStep &step, const FadePixel &pixel)
 {
-    for (int32_t i = 0; i < columns.nWidth * 4; i++) {
-        const int32_t nFaded =
-            FadedValue(pbRow[i], columns.pbTarget[i], columns.pfSpeed[i], columns.pwRounding[i], row);
-        pbRow[i] = (i & 3) == 3 ? pbRow[i] : (uint8_t)nFaded;
+    const int32_t nWay = std::abs(nValue - nTarget);
+    const float fStep = ((float)nWay * step.fShare + step.fSteps) * pixel.fSpeed;
+    const int32_t nStep = std::min((int32_t)(fStep + pixel.fRounding), nWay);
+    return (uint32_t)(nValue > nTarget ? nValue - nStep : nValue + nStep);
+}
+
+STOCK_WIDE static void FadeColorRow(const FadeColumns columns, const FadeRow row, uint32_t dwTarget,
+                                    uint32_t *__restrict pdwRow)
+{
+    const int32_t nBlue = dwTarget & 255, nGreen = dwTarget >> 8 & 255, nRed = dwTarget >> 16 & 255;
+    for (int32_t x = 0; x < columns.nWidth; x++) {
+        const uint32_t dwOld = pdwRow[x];
+        const FadePixel pixel = PixelOfRow(columns, row, x);
+        pdwRow[x] = (dwOld & 0xFF000000u) | FadedValue(dwOld & 255, nBlue, row.step, pixel) |
+                    FadedValue(dwOld >> 8 & 255, nGreen, row.step, pixel) << 8 |
+                    FadedValue(dwOld >> 16 & 255, nRed, row.step, pixel) << 16;
     }
 }
 
@@ -157,7 +162,7 @@ STOCK_WIDE static void FadeIndexRow(const FadeColumns columns, const FadeRow row
 {
     for (int32_t x = 0; x < columns.nWidth; x++) {
         const int32_t nIndex = std::min((int32_t)(pdwRow[x] & (PALETTE_COLORS_MAX - 1)), nTop);
-        pdwRow[x] = (uint32_t)FadedValue(nIndex, nTarget, columns.pfSpeed[x], columns.pwRounding[x], row);
+        pdwRow[x] = FadedValue(nIndex, nTarget, row.step, PixelOfRow(columns, row, x));
     }
 }
 
@@ -170,7 +175,7 @@ static uint32_t Draw(Fade *pFade, PlaneInfo *ppi, const Canvas &canvas)
         return 0;
     const int32_t nTop = canvas.nColors - 1, nTarget = (int32_t)(pFade->fPlace * (float)nTop + 0.5f);
     const uint32_t dwColor = pFade->fPlace > 0 ? ColorAt(canvas, pFade->fPlace) : 0;
-    FillColumns(pFade->columns, pFade->fEdges, dwColor, canvas.bIndexed ? 1 : 4);
+    FillColumns(pFade->columns, pFade->fEdges);
     FadeRow row = {StepOfFade(fFades, ReadFloat(pFade->apControl[CONTROL_CURVE]),
                               canvas.bIndexed ? (float)std::max(nTop, 1) : 255),
                    0, 0};
@@ -180,7 +185,7 @@ static uint32_t Draw(Fade *pFade, PlaneInfo *ppi, const Canvas &canvas)
         if (canvas.bIndexed)
             FadeIndexRow(pFade->columns, row, nTop, nTarget, CanvasRow(canvas, y));
         else
-            FadeColorRow(pFade->columns, row, PixelBytes(CanvasRow(canvas, y)));
+            FadeColorRow(pFade->columns, row, dwColor, CanvasRow(canvas, y));
     }
     pFade->nFrame++;
     return 0;
