@@ -1,9 +1,7 @@
 // DEFade.cpp -- DEFade.dll, a drawing effect: lets the picture fade towards black or another place of the palette
 #include "../common/StockLight.h"
 #include "../common/StockModule.h"
-#include "../common/StockWide.h"
-
-#include <cstdlib>
+#include "../common/StockScratch.h"
 
 enum { CONTROL_TIME, CONTROL_KICK, CONTROL_CURVE, CONTROL_PLACE, CONTROL_EDGES, CONTROL_UNFOLDS, CONTROLS };
 
@@ -12,11 +10,11 @@ struct FadeStep {
     float fShare, fSteps;
 };
 
-// Per pixel of a row.
+// For each column of the picture.
 struct FadeColumns {
     float *pfSpeed;
     uint16_t *pwRounding;
-    int32_t nWidth;
+    int32_t nColumns;
 };
 
 struct Fade {
@@ -25,7 +23,7 @@ struct Fade {
     DrawClock clock;
     float fSpeed, fPlace, fEdges; // eased; speed in whole fades a second
     uint32_t nFrame;
-    FadeColumns columns;
+    ColumnTables tables;
 };
 
 MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
@@ -91,31 +89,15 @@ static float SpeedPart(float fEdges, int32_t i, int32_t nCount)
     return fEdges > 0 ? 0.5f - fPart * (1 - fOut * fOut) : 0.5f - fPart * fOut * fOut;
 }
 
-static void FreeColumns(FadeColumns *pColumns)
+static FadeColumns FillColumns(const ColumnTables &tables, float fEdges)
 {
-    free(pColumns->pfSpeed);
-    *pColumns = {};
-}
-
-static bool FitColumns(FadeColumns *pColumns, int32_t nWidth)
-{
-    if (pColumns->nWidth == nWidth)
-        return true;
-    FreeColumns(pColumns);
-    pColumns->pfSpeed = (float *)calloc((size_t)nWidth, sizeof(float) + sizeof(uint16_t));
-    if (!pColumns->pfSpeed)
-        return false;
-    pColumns->pwRounding = (uint16_t *)(void *)(pColumns->pfSpeed + nWidth);
-    pColumns->nWidth = nWidth;
-    return true;
-}
-
-static void FillColumns(const FadeColumns &columns, float fEdges)
-{
-    for (int32_t x = 0; x < columns.nWidth; x++) {
-        columns.pfSpeed[x] = SpeedPart(fEdges, x, columns.nWidth);
+    float *pfSpeed = (float *)tables.pv;
+    const FadeColumns columns = {pfSpeed, (uint16_t *)(void *)(pfSpeed + tables.nColumns), tables.nColumns};
+    for (int32_t x = 0; x < tables.nColumns; x++) {
+        columns.pfSpeed[x] = SpeedPart(fEdges, x, tables.nColumns);
         columns.pwRounding[x] = (uint16_t)((uint32_t)x * ROUNDING_X);
     }
+    return columns;
 }
 
 // ---- The loops
@@ -148,7 +130,7 @@ STOCK_WIDE static void FadeColorRow(const FadeColumns columns, const FadeRow row
                                     uint32_t *__restrict pdwRow)
 {
     const int32_t nBlue = dwTarget & 255, nGreen = dwTarget >> 8 & 255, nRed = dwTarget >> 16 & 255;
-    for (int32_t x = 0; x < columns.nWidth; x++) {
+    for (int32_t x = 0; x < columns.nColumns; x++) {
         const uint32_t dwOld = pdwRow[x];
         const FadePixel pixel = PixelOfRow(columns, row, x);
         pdwRow[x] = (dwOld & 0xFF000000u) | FadedValue(dwOld & 255, nBlue, row.step, pixel) |
@@ -160,7 +142,7 @@ STOCK_WIDE static void FadeColorRow(const FadeColumns columns, const FadeRow row
 STOCK_WIDE static void FadeIndexRow(const FadeColumns columns, const FadeRow row, int32_t nTop, int32_t nTarget,
                                     uint32_t *__restrict pdwRow)
 {
-    for (int32_t x = 0; x < columns.nWidth; x++) {
+    for (int32_t x = 0; x < columns.nColumns; x++) {
         const int32_t nIndex = std::min((int32_t)(pdwRow[x] & (PALETTE_COLORS_MAX - 1)), nTop);
         pdwRow[x] = FadedValue(nIndex, nTarget, row.step, PixelOfRow(columns, row, x));
     }
@@ -171,11 +153,11 @@ static uint32_t Draw(Fade *pFade, PlaneInfo *ppi, const Canvas &canvas)
     const float fSeconds = StepSeconds(&pFade->clock, ppi);
     EaseControls(pFade, fSeconds);
     const float fFades = pFade->fSpeed * UnfoldSeconds(ppi, ReadItem(pFade->apControl[CONTROL_UNFOLDS]), fSeconds);
-    if (fFades <= 0 || !FitColumns(&pFade->columns, canvas.nWidth))
+    if (fFades <= 0 || !FitColumns(&pFade->tables, canvas.nWidth, sizeof(float) + sizeof(uint16_t)))
         return 0;
     const int32_t nTop = canvas.nColors - 1, nTarget = (int32_t)(pFade->fPlace * (float)nTop + 0.5f);
     const uint32_t dwColor = pFade->fPlace > 0 ? ColorAt(canvas, pFade->fPlace) : 0;
-    FillColumns(pFade->columns, pFade->fEdges);
+    const FadeColumns columns = FillColumns(pFade->tables, pFade->fEdges);
     FadeRow row = {StepOfFade(fFades, ReadFloat(pFade->apControl[CONTROL_CURVE]),
                               canvas.bIndexed ? (float)std::max(nTop, 1) : 255),
                    0, 0};
@@ -183,9 +165,9 @@ static uint32_t Draw(Fade *pFade, PlaneInfo *ppi, const Canvas &canvas)
         row.fSpeed = SpeedPart(pFade->fEdges, y, canvas.nHeight);
         row.wRounding = (uint16_t)RoundingStart(y, pFade->nFrame);
         if (canvas.bIndexed)
-            FadeIndexRow(pFade->columns, row, nTop, nTarget, CanvasRow(canvas, y));
+            FadeIndexRow(columns, row, nTop, nTarget, CanvasRow(canvas, y));
         else
-            FadeColorRow(pFade->columns, row, dwColor, CanvasRow(canvas, y));
+            FadeColorRow(columns, row, dwColor, CanvasRow(canvas, y));
     }
     pFade->nFrame++;
     return 0;
@@ -193,7 +175,7 @@ static uint32_t Draw(Fade *pFade, PlaneInfo *ppi, const Canvas &canvas)
 
 static void Release(Fade *pFade)
 {
-    FreeColumns(&pFade->columns);
+    FreeColumns(&pFade->tables);
 }
 
 STOCK_DRAWING_MODULE(Fade)
