@@ -3,6 +3,8 @@
 // A module is hosted as in a show: a plane with the default colour modules, a painter that gives effects something to
 // work on, its own controls at their default sources, a simulated sound. Only its draw call is timed, each time next
 // to a copy of the plane. Modules and shaders that need OpenGL are left out.
+//
+// StockShow_bench PART... measures only what has one of the parts in the name of its module or preset.
 #include "app/GlobalSettings.h"
 #include "app/RenderSound.h"
 #include "app/Startup.h"
@@ -19,7 +21,9 @@
 #include "platform/Text.h"
 #include "platform/Threads.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <span>
 #include <string>
 
 namespace {
@@ -33,6 +37,16 @@ constexpr u32 PRESET_FRAMES = 120;
 constexpr double MODULE_GOAL_MS = 4;
 constexpr double EFFECT_GOAL_COPIES = 3;
 constexpr double PRESET_GOAL_MS = 1000.0 / 60;
+
+// The parts of names that were asked for; none: everything.
+std::span<char *> aszParts;
+
+bool IsAskedFor(const std::u16string &sName)
+{
+    return aszParts.empty() || std::any_of(aszParts.begin(), aszParts.end(), [&](const char *szPart) {
+               return ContainsNoCase(sName, FromUtf8(szPart));
+           });
+}
 
 // The draw calls of the module under test, in milliseconds.
 std::vector<double> afDrawMs;
@@ -150,7 +164,8 @@ void ReportModules()
     for (const Kind &kind : asKind)
         for (u32 iModule = 0; iModule < ModuleCount(); iModule++) {
             const ModuleRecord &mr = *GetModuleRecord(iModule);
-            if (mr.md.dwClass != kind.dwClass || !(mr.md.dwCapabilities & kind.dwBit) || mr.md.bNeedsOpenGL)
+            if (mr.md.dwClass != kind.dwClass || !(mr.md.dwCapabilities & kind.dwBit) || mr.md.bNeedsOpenGL ||
+                !IsAskedFor(mr.szDll))
                 continue;
             const bool bColor = kind.dwClass == MODULECLASS_COLOR;
             if (bColor || mr.md.dwCapabilities & MODULECAP_INDEXED)
@@ -181,14 +196,15 @@ void ReportPresets()
 {
     GlobalSettings.ThreadedPlanes = 1;
     for (const std::u16string &path : ListFiles(FromUtf8(SOURCE_FOLDER "/data/Presets/*.VD")))
-        if (!ContainsNoCase(path, u"/Shader - "))
+        if (!ContainsNoCase(path, u"/Shader - ") && IsAskedFor(path.substr(path.rfind(u'/') + 1)))
             ReportPreset(path);
 }
 
 } // namespace
 
-int main()
+int main(int nArguments, char **aszArgument)
 {
+    aszParts = {aszArgument + 1, (size_t)nArguments - 1};
     StartEngine();
     ReportModules();
     ReportPresets();

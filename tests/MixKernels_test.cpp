@@ -12,6 +12,10 @@
 #include <cmath>
 #include <cstdlib>
 
+#if HWY_ARCH_X86
+#include <cpuid.h>
+#endif
+
 namespace {
 
 struct Size {
@@ -44,6 +48,27 @@ u32 MixOne(i32 nMixOp, u32 p1, u32 p2, u32 m = 0, i32 nWeight = 128, u32 bOnePas
     return BitmapPixels(preset.state.hbmFinal)[0];
 }
 
+#if HWY_ARCH_X86
+bool ProcessorTellsWhatIsInUse()
+{
+    u32 a = 0, b, c, d;
+    return __get_cpuid_count(13, 1, &a, &b, &c, &d) && a & 4;
+}
+#endif
+
+// Whether the upper halves of the vector registers hold anything; false where the processor does not tell.
+bool UpperHalvesAreFull()
+{
+    u32 dwInUse = 0;
+#if HWY_ARCH_X86
+    if (__builtin_cpu_supports("avx2") && ProcessorTellsWhatIsInUse()) {
+        u32 dwHigh;
+        asm volatile("xgetbv" : "=a"(dwInUse), "=d"(dwHigh) : "c"(1));
+    }
+#endif
+    return dwInUse & 4;
+}
+
 class MixKernelsOfEverySet : public InstructionSet {};
 FOR_EVERY_INSTRUCTION_SET(MixKernelsOfEverySet);
 
@@ -68,6 +93,20 @@ TEST_P(MixKernelsOfEverySet, EveryOperatorMakesWhatTheOracleMakesAtOddSizes)
                 ASSERT_TRUE(SameAsOracle(preset, ps));
             }
     }
+}
+
+// With full ones, whatever the thread runs next is several times slower.
+TEST_P(MixKernelsOfEverySet, NoOperatorLeavesTheUpperHalvesOfVectorRegistersFull)
+{
+    std::mt19937 random(2);
+    OraclePreset ps = RandomOraclePreset(random, 3, {{0, 1, 2, 0, 0}}, 333, 217);
+    for (i32 nMixOp = 0; nMixOp < MIXOP_COUNT; nMixOp++)
+        for (u32 bOnePass : {0u, 1u}) {
+            ps.rules[0].MixOp = nMixOp;
+            MixerPreset preset(ps);
+            MixPlanes(&preset.state, bOnePass);
+            EXPECT_FALSE(UpperHalvesAreFull()) << "operator " << nMixOp << ", one pass " << bOnePass;
+        }
 }
 
 TEST_P(MixKernelsOfEverySet, BothBlendsDivideExactlyForAllInputs)

@@ -3,6 +3,7 @@
 
 #include "../common/StockLight.h"
 #include "../common/StockModule.h"
+#include "../common/StockScratch.h"
 
 #define GENERATIONS_MOST 6    // in one drawing
 #define ASLEEP_GENERATIONS 12 // so many with hardly a change, and new seeds fall
@@ -37,10 +38,8 @@ struct Automaton {
     float fGeneration, fSeedsDue, fFeedDue; // parts of the next one
     float fAmount;                          // eased
     uint32_t nAsleep, nFrame;
-    int32_t nWidth;      // what the blocks below are for
-    CellPlace *pColumns; // for each column of the picture
-    uint16_t *pwPlaces;  // of a row of the picture
-    uint16_t *pwShown;   // per cell, the place that the picture had there when it was left
+    ColumnTables columns; // of CellPlaces
+    uint16_t *pwShown;    // per cell, the place that the picture had there when it was left; and room for another row
 };
 
 MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
@@ -103,17 +102,6 @@ static void Start(Automaton *pAutomaton, PlaneInfo *ppi)
     FreeCells(&pAutomaton->grid); // the first drawing fills it anew
 }
 
-static void Release(Automaton *pAutomaton)
-{
-    FreeCells(&pAutomaton->grid);
-    free(pAutomaton->pColumns);
-    free(pAutomaton->pwShown);
-    pAutomaton->pColumns = nullptr;
-    pAutomaton->pwPlaces = nullptr;
-    pAutomaton->pwShown = nullptr;
-    pAutomaton->nWidth = 0;
-}
-
 // ---- The cells on the picture
 
 static void SowSeeds(Automaton *pAutomaton, int32_t nSeeds, uint8_t bStates)
@@ -124,17 +112,6 @@ static void SowSeeds(Automaton *pAutomaton, int32_t nSeeds, uint8_t bStates)
                 bStates);
 }
 
-static bool FitColumns(Automaton *pAutomaton, int32_t nWidth)
-{
-    if (pAutomaton->nWidth == nWidth)
-        return true;
-    free(pAutomaton->pColumns);
-    pAutomaton->pColumns = (CellPlace *)calloc((size_t)nWidth, sizeof(CellPlace) + sizeof(uint16_t));
-    pAutomaton->pwPlaces = (uint16_t *)(void *)(pAutomaton->pColumns + nWidth);
-    pAutomaton->nWidth = pAutomaton->pColumns ? nWidth : 0;
-    return pAutomaton->pColumns != nullptr;
-}
-
 // Makes the grid fit the picture; a new one is filled. False if there is no memory.
 static bool FitAutomaton(Automaton *pAutomaton, const Canvas &canvas, const CellRule &rule)
 {
@@ -142,12 +119,12 @@ static bool FitAutomaton(Automaton *pAutomaton, const Canvas &canvas, const Cell
     const float fCell = std::max(PercentOfHeight(canvas, ReadFloat(pAutomaton->apControl[CONTROL_SIZE])), 1.0f);
     const int32_t nRows = std::max((int32_t)((float)canvas.nHeight / fCell), 1);
     const int32_t nColumns = std::clamp((int32_t)((float)canvas.nWidth / fCell), 1, 4096);
-    if (!FitColumns(pAutomaton, canvas.nWidth))
+    if (!FitColumns(&pAutomaton->columns, canvas.nWidth, sizeof(CellPlace)))
         return false;
     if (grid.nColumns == nColumns && grid.nRows == nRows)
         return true;
     const bool bNew = !grid.pbCells;
-    uint16_t *pwShown = (uint16_t *)calloc((size_t)nColumns * (size_t)nRows, sizeof(uint16_t));
+    uint16_t *pwShown = (uint16_t *)calloc((size_t)nColumns * ((size_t)nRows + 1), sizeof(uint16_t));
     if (!pwShown || !ResizeCells(&grid, nColumns, nRows)) {
         free(pwShown);
         return false;
@@ -270,18 +247,16 @@ static void PlaceCells(const Automaton *pAutomaton, const StatePlaces &places, i
         pwShown[x] = places.awPlace[pbMoved[x]][pbCells[x]];
 }
 
-static void MixRow(const Automaton *pAutomaton, const CellPlace &row)
+// The cells between two rows, in 1/16. Returns them in the room for another row.
+static const uint16_t *MixRows(const Automaton *pAutomaton, const CellPlace &row)
 {
-    const size_t nColumns = (size_t)pAutomaton->grid.nColumns;
-    const uint16_t *pwLower = pAutomaton->pwShown + (size_t)row.iLower * nColumns;
-    const uint16_t *pwUpper = pAutomaton->pwShown + (size_t)row.iUpper * nColumns;
-    for (int32_t x = 0; x < pAutomaton->nWidth; x++) {
-        const CellPlace &column = pAutomaton->pColumns[x];
-        const int32_t nLeft = pwLower[column.iLower] * (256 - row.nPart) + pwUpper[column.iLower] * row.nPart;
-        const int32_t nRight = pwLower[column.iUpper] * (256 - row.nPart) + pwUpper[column.iUpper] * row.nPart;
-        pAutomaton->pwPlaces[x] =
-            (uint16_t)(((nLeft >> 4) * (256 - column.nPart) + (nRight >> 4) * column.nPart) >> 12);
-    }
+    const CellGrid &grid = pAutomaton->grid;
+    const auto Row = [&](int32_t y) { return pAutomaton->pwShown + (size_t)y * (size_t)grid.nColumns; };
+    const uint16_t *pwLower = Row(row.iLower), *pwUpper = Row(row.iUpper);
+    uint16_t *pwMixed = Row(grid.nRows);
+    for (int32_t i = 0; i < grid.nColumns; i++)
+        pwMixed[i] = (uint16_t)((pwLower[i] * (256 - row.nPart) + pwUpper[i] * row.nPart) >> 4);
+    return pwMixed;
 }
 
 struct CellPaint {
@@ -302,21 +277,24 @@ static inline uint32_t MixPixel(const Canvas &canvas, uint32_t dwOld, uint32_t d
 {
     if (canvas.bIndexed)
         return (std::min(dwOld, (uint32_t)canvas.nColors - 1) * (256 - dwAmount) + dwInk * dwAmount + dwRounding) >> 8;
-    uint32_t dwNew = dwOld & 0xFF000000u;
-    for (uint32_t n = 0; n < 24; n += 8)
-        dwNew |= ((dwOld >> n & 255) * (256 - dwAmount) + (dwInk >> n & 255) * dwAmount + dwRounding) >> 8 << n;
-    return dwNew;
+    const auto Mix = [&](uint32_t dwMask, uint32_t dwRound) {
+        return ((dwOld & dwMask) * (256 - dwAmount) + (dwInk & dwMask) * dwAmount + dwRound) >> 8 & dwMask;
+    };
+    return (dwOld & 0xFF000000u) | Mix(0xFF00FF, dwRounding * 0x00010001u) | Mix(0x00FF00, dwRounding << 8);
 }
 
-static void PaintRow(const CellPaint &paint, const Canvas &canvas, const uint16_t *pwPlaces, int32_t y, uint32_t nFrame)
+static void PaintRow(const CellPaint &paint, const Canvas &canvas, const CellPlace *pColumns, const uint16_t *pwCells,
+                     int32_t y, uint32_t nFrame)
 {
     uint32_t *pdwRow = CanvasRow(canvas, y), dwRounding = RoundingStart(y, nFrame);
-    if (paint.dwAmount == 256)
-        for (int32_t x = 0; x < canvas.nWidth; x++)
-            pdwRow[x] = (canvas.bIndexed ? 0 : pdwRow[x] & 0xFF000000u) | paint.adwInk[pwPlaces[x]];
-    else
-        for (int32_t x = 0; x < canvas.nWidth; x++, dwRounding += ROUNDING_X)
-            pdwRow[x] = MixPixel(canvas, pdwRow[x], paint.adwInk[pwPlaces[x]], paint.dwAmount, dwRounding >> 8 & 255);
+    const uint32_t dwKept = canvas.bIndexed ? 0 : 0xFF000000u;
+    for (int32_t x = 0; x < canvas.nWidth; x++, dwRounding += ROUNDING_X) {
+        const CellPlace &column = pColumns[x];
+        const int32_t nPlace = pwCells[column.iLower] * (256 - column.nPart) + pwCells[column.iUpper] * column.nPart;
+        const uint32_t dwInk = paint.adwInk[nPlace >> 12];
+        pdwRow[x] = paint.dwAmount == 256 ? (pdwRow[x] & dwKept) | dwInk
+                                          : MixPixel(canvas, pdwRow[x], dwInk, paint.dwAmount, dwRounding >> 8 & 255);
+    }
 }
 
 static void ShowCells(Automaton *pAutomaton, const Canvas &canvas, const CellRule &rule, bool bFold)
@@ -326,14 +304,14 @@ static void ShowCells(Automaton *pAutomaton, const Canvas &canvas, const CellRul
     const float fSoftness = ReadFloat(pAutomaton->apControl[CONTROL_SOFTNESS]);
     CellPaint paint;
     FillPaint(&paint, canvas, pAutomaton->fAmount);
+    CellPlace *pColumns = (CellPlace *)pAutomaton->columns.pv;
     for (int32_t x = 0; x < canvas.nWidth; x++)
-        pAutomaton->pColumns[x] = PlaceBetween(x, canvas.nWidth, grid.nColumns, fSoftness);
+        pColumns[x] = PlaceBetween(x, canvas.nWidth, grid.nColumns, fSoftness);
     for (int32_t y = 0; y < grid.nRows; y++)
         PlaceCells(pAutomaton, places, y);
-    for (int32_t y = 0; y < canvas.nHeight; y++) {
-        MixRow(pAutomaton, PlaceBetween(y, canvas.nHeight, grid.nRows, fSoftness));
-        PaintRow(paint, canvas, pAutomaton->pwPlaces, y, pAutomaton->nFrame);
-    }
+    for (int32_t y = 0; y < canvas.nHeight; y++)
+        PaintRow(paint, canvas, pColumns, MixRows(pAutomaton, PlaceBetween(y, canvas.nHeight, grid.nRows, fSoftness)),
+                 y, pAutomaton->nFrame);
 }
 
 static uint32_t Draw(Automaton *pAutomaton, PlaneInfo *ppi, const Canvas &canvas)
@@ -351,6 +329,14 @@ static uint32_t Draw(Automaton *pAutomaton, PlaneInfo *ppi, const Canvas &canvas
     ShowCells(pAutomaton, canvas, rule, bFold);
     pAutomaton->nFrame++;
     return 0;
+}
+
+static void Release(Automaton *pAutomaton)
+{
+    FreeCells(&pAutomaton->grid);
+    FreeColumns(&pAutomaton->columns);
+    free(pAutomaton->pwShown);
+    pAutomaton->pwShown = nullptr;
 }
 
 STOCK_DRAWING_MODULE(Automaton)

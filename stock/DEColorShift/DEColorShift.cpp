@@ -107,18 +107,24 @@ static RemapPlan PlanOf(const ColorShift *pShift, const Canvas &canvas, const Co
     return plan;
 }
 
+STOCK_WIDE static void TakeColor(const uint32_t *pdwMoved, int32_t nPixels, uint32_t dwMask,
+                                 uint32_t *__restrict pdwPixel)
+{
+    for (int32_t i = 0; i < nPixels; i++)
+        pdwPixel[i] = (pdwPixel[i] & ~dwMask) | (pdwMoved[i] & dwMask);
+}
+
 static void MoveColor(const Canvas &canvas, const RemapSource &source, const RemapLook &look, const RemapPlan &plan,
                       uint32_t dwMask)
 {
     for (int32_t y = 0; y < canvas.nHeight; y++)
         for (int32_t x = 0; x < canvas.nWidth; x += REMAP_SPAN) {
             const int32_t nPixels = std::min(canvas.nWidth - x, REMAP_SPAN);
-            uint32_t adwMoved[REMAP_SPAN], *pdwPixel = CanvasRow(canvas, y) + x;
+            uint32_t adwMoved[REMAP_SPAN];
             RemapPath path;
             LayLine(plan, x, y, 0, nPixels, &path);
             ReadPath(source, &path, look, x, y, nPixels, adwMoved);
-            for (int32_t i = 0; i < nPixels; i++)
-                pdwPixel[i] = (pdwPixel[i] & ~dwMask) | (adwMoved[i] & dwMask);
+            TakeColor(adwMoved, nPixels, dwMask, CanvasRow(canvas, y) + x);
         }
 }
 

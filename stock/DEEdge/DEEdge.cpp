@@ -135,48 +135,38 @@ static EdgePaint PaintOf(const Edge *pEdge, const Canvas &canvas, float fUnfolde
     return paint;
 }
 
-struct PaintedColors {
-    uint16_t wKeep, wRounding;
-    bool bOwnInk;
-};
-
-static inline uint32_t PaintedValue(const EdgePaint &paint, uint32_t dwOld, uint32_t dwInk, uint32_t dwCover,
-                                    uint32_t dwRounding)
+// pwCover: for each pixel, in 1/256.
+STOCK_WIDE static void PaintIndexRow(const EdgePaint &paint, const uint16_t *pwCover, int32_t nWidth, uint32_t dwTop,
+                                     uint32_t dwRounding, uint32_t *__restrict pdwRow)
 {
-    const uint32_t dwKept = dwOld * paint.wKeep * (256 - dwCover);
-    return (dwKept + (dwInk * dwCover << 8) + dwRounding) >> 16;
-}
-
-static void PaintIndexRow(const EdgePaint &paint, const uint8_t *pbCover, int32_t nWidth, uint32_t dwTop,
-                          uint32_t dwRounding, uint32_t *pdwRow)
-{
-    for (int32_t x = 0; x < nWidth; x++, dwRounding = (dwRounding + ROUNDING_X) & 65535) {
-        const uint32_t dwOld = pdwRow[x] < dwTop ? pdwRow[x] : dwTop;
-        pdwRow[x] =
-            PaintedValue(paint, dwOld, paint.bOwnInk ? dwOld : paint.dwInk, paint.awCover[pbCover[x]], dwRounding);
-    }
-}
-
-// pwCover: per element of the row.
-STOCK_WIDE static void MixColorRow(const uint16_t *pwCover, int32_t nElements, uint32_t dwInk, const PaintedColors mix,
-                                   uint8_t *__restrict pbRow)
-{
-    for (int32_t i = 0; i < nElements; i++) {
-        const uint16_t wOld = pbRow[i], wInk = mix.bOwnInk ? wOld : (uint16_t)(dwInk >> (i & 3) * 8 & 255);
-        const uint16_t wKept = (uint16_t)((uint16_t)(wOld * mix.wKeep + mix.wRounding) >> 8);
-        const uint16_t wSum = (uint16_t)(wKept * (256 - pwCover[i]) + wInk * pwCover[i] + mix.wRounding);
-        pbRow[i] = (i & 3) == 3 ? pbRow[i] : (uint8_t)(wSum >> 8);
-    }
-}
-
-static void PaintColorRow(const EdgePaint &paint, const uint8_t *pbCover, int32_t nWidth, uint16_t wRounding,
-                          uint16_t *pwLine, uint32_t *pdwRow)
-{
+    const uint32_t dwKeep = paint.wKeep, dwOtherInk = paint.dwInk;
+    const bool bOwnInk = paint.bOwnInk;
     for (int32_t x = 0; x < nWidth; x++) {
-        const uint64_t qwCover = ColorWords(paint.awCover[pbCover[x]]);
-        memcpy(pwLine + x * 4, &qwCover, sizeof qwCover);
+        const uint32_t dwOld = pdwRow[x] < dwTop ? pdwRow[x] : dwTop, dwInk = bOwnInk ? dwOld : dwOtherInk;
+        const uint32_t dwKept = dwOld * dwKeep * (256u - pwCover[x]);
+        pdwRow[x] = (dwKept + (dwInk * pwCover[x] << 8) + ((dwRounding + (uint32_t)x * ROUNDING_X) & 65535)) >> 16;
     }
-    MixColorRow(pwLine, nWidth * 4, paint.dwInk, {paint.wKeep, wRounding, paint.bOwnInk}, PixelBytes(pdwRow));
+}
+
+// A channel, or two with eight bits between them.
+static inline uint32_t PaintedChannels(uint32_t dwOld, uint32_t dwInk, uint32_t dwKeep, uint32_t dwCover,
+                                       uint32_t dwRounding, uint32_t dwMask)
+{
+    const uint32_t dwKept = (dwOld * dwKeep + dwRounding) >> 8 & dwMask;
+    return (dwKept * (256 - dwCover) + dwInk * dwCover + dwRounding) >> 8 & dwMask;
+}
+
+STOCK_WIDE static void PaintColorRow(const EdgePaint &paint, const uint16_t *pwCover, int32_t nWidth,
+                                     uint32_t dwRounding, uint32_t *__restrict pdwRow)
+{
+    const uint32_t dwKeep = paint.wKeep, dwOtherInk = paint.dwInk, dwTwo = dwRounding * 0x00010001u;
+    const bool bOwnInk = paint.bOwnInk;
+    for (int32_t x = 0; x < nWidth; x++) {
+        const uint32_t dwOld = pdwRow[x], dwInk = bOwnInk ? dwOld : dwOtherInk, dwCover = pwCover[x];
+        const uint32_t dwOuter = PaintedChannels(dwOld & 0xFF00FF, dwInk & 0xFF00FF, dwKeep, dwCover, dwTwo, 0xFF00FF);
+        const uint32_t dwGreen = PaintedChannels(dwOld >> 8 & 255, dwInk >> 8 & 255, dwKeep, dwCover, dwRounding, 255);
+        pdwRow[x] = (dwOld & 0xFF000000u) | dwOuter | dwGreen << 8;
+    }
 }
 
 static uint32_t Draw(Edge *pEdge, PlaneInfo *ppi, const Canvas &canvas)
@@ -192,13 +182,16 @@ static uint32_t Draw(Edge *pEdge, PlaneInfo *ppi, const Canvas &canvas)
         AddEdgeGlow(&pEdge->map, PercentOfHeight(canvas, pEdge->fRadius), pEdge->fGlow, pEdge->nFrame);
     const EdgePaint paint = PaintOf(pEdge, canvas, fUnfolded);
     const uint8_t *pbCover = pEdge->map.pbCover;
-    for (int32_t y = 0; y < canvas.nHeight; y++, pbCover += canvas.nWidth)
+    uint16_t *pwCover = pEdge->map.reduced.pwLine;
+    for (int32_t y = 0; y < canvas.nHeight; y++, pbCover += canvas.nWidth) {
+        for (int32_t x = 0; x < canvas.nWidth; x++)
+            pwCover[x] = paint.awCover[pbCover[x]];
         if (canvas.bIndexed)
-            PaintIndexRow(paint, pbCover, canvas.nWidth, (uint32_t)canvas.nColors - 1, RoundingStart(y, pEdge->nFrame),
+            PaintIndexRow(paint, pwCover, canvas.nWidth, (uint32_t)canvas.nColors - 1, RoundingStart(y, pEdge->nFrame),
                           CanvasRow(canvas, y));
         else
-            PaintColorRow(paint, pbCover, canvas.nWidth, RoundingByte(y, pEdge->nFrame), pEdge->map.pwLine,
-                          CanvasRow(canvas, y));
+            PaintColorRow(paint, pwCover, canvas.nWidth, RoundingByte(y, pEdge->nFrame), CanvasRow(canvas, y));
+    }
     pEdge->nFrame++;
     return 0;
 }

@@ -2,7 +2,7 @@
 #ifndef VORTICADE_EDGE_MAP_H
 #define VORTICADE_EDGE_MAP_H
 
-#include "../common/StockBlur.h"
+#include "../common/StockReduced.h"
 
 #define EDGE_REACH_MOST 64 /* pixels between an outline and the values that it is made from */
 
@@ -10,10 +10,8 @@
 struct EdgeMap {
     uint8_t *pbLevels; // bottom row first, each with EDGE_REACH_MOST pixels that repeat its ends at either side
     uint8_t *pbCover;  // 0 to 255 for each pixel of the picture
-    uint16_t *pwLine;  // room for the four elements of each pixel in a row
     int32_t nWidth, nHeight;
-    ScratchPicture reduced; // the cover at a quarter of width and height, for the glow
-    BlurRoom room;
+    ReducedPicture reduced; // the cover, for the glow
 };
 
 struct EdgeLook {

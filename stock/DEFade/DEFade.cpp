@@ -1,9 +1,7 @@
 // DEFade.cpp -- DEFade.dll, a drawing effect: lets the picture fade towards black or another place of the palette
 #include "../common/StockLight.h"
 #include "../common/StockModule.h"
-#include "../common/StockWide.h"
-
-#include <cstdlib>
+#include "../common/StockScratch.h"
 
 enum { CONTROL_TIME, CONTROL_KICK, CONTROL_CURVE, CONTROL_PLACE, CONTROL_EDGES, CONTROL_UNFOLDS, CONTROLS };
 
@@ -12,12 +10,11 @@ struct FadeStep {
     float fShare, fSteps;
 };
 
-// Per element of a row: an index, or a byte of an RGB pixel.
+// For each column of the picture.
 struct FadeColumns {
     float *pfSpeed;
     uint16_t *pwRounding;
-    uint8_t *pbTarget; // RGB planes
-    int32_t nWidth;
+    int32_t nColumns;
 };
 
 struct Fade {
@@ -26,7 +23,7 @@ struct Fade {
     DrawClock clock;
     float fSpeed, fPlace, fEdges; // eased; speed in whole fades a second
     uint32_t nFrame;
-    FadeColumns columns;
+    ColumnTables tables;
 };
 
 MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
@@ -92,36 +89,15 @@ static float SpeedPart(float fEdges, int32_t i, int32_t nCount)
     return fEdges > 0 ? 0.5f - fPart * (1 - fOut * fOut) : 0.5f - fPart * fOut * fOut;
 }
 
-static void FreeColumns(FadeColumns *pColumns)
+static FadeColumns FillColumns(const ColumnTables &tables, float fEdges)
 {
-    free(pColumns->pfSpeed);
-    *pColumns = {};
-}
-
-static bool FitColumns(FadeColumns *pColumns, int32_t nWidth)
-{
-    if (pColumns->nWidth == nWidth)
-        return true;
-    FreeColumns(pColumns);
-    const size_t nElements = (size_t)nWidth * 4;
-    pColumns->pfSpeed = (float *)calloc(nElements, sizeof(float) + sizeof(uint16_t) + 1);
-    if (!pColumns->pfSpeed)
-        return false;
-    pColumns->pwRounding = (uint16_t *)(void *)(pColumns->pfSpeed + nElements);
-    pColumns->pbTarget = (uint8_t *)(pColumns->pwRounding + nElements);
-    pColumns->nWidth = nWidth;
-    return true;
-}
-
-static void FillColumns(const FadeColumns &columns, float fEdges, uint32_t dwTarget, int32_t nElementsOfPixel)
-{
-    for (int32_t x = 0; x < columns.nWidth; x++)
-        for (int32_t i = 0; i < nElementsOfPixel; i++) {
-            const int32_t iElement = x * nElementsOfPixel + i;
-            columns.pfSpeed[iElement] = SpeedPart(fEdges, x, columns.nWidth);
-            columns.pwRounding[iElement] = (uint16_t)((uint32_t)x * ROUNDING_X);
-            columns.pbTarget[iElement] = (uint8_t)(dwTarget >> 8 * i);
-        }
+    float *pfSpeed = (float *)tables.pv;
+    const FadeColumns columns = {pfSpeed, (uint16_t *)(void *)(pfSpeed + tables.nColumns), tables.nColumns};
+    for (int32_t x = 0; x < tables.nColumns; x++) {
+        columns.pfSpeed[x] = SpeedPart(fEdges, x, tables.nColumns);
+        columns.pwRounding[x] = (uint16_t)((uint32_t)x * ROUNDING_X);
+    }
+    return columns;
 }
 
 // ---- The loops
@@ -132,32 +108,43 @@ struct FadeRow {
     uint16_t wRounding;
 };
 
-// Steps below one are rounded up now here, now there: in the end they add up.
-static inline int32_t FadedValue(int32_t nValue, int32_t nTarget, float fColumnSpeed, uint16_t wColumnRounding,
-                                 const FadeRow &row)
+struct FadePixel {
+    float fSpeed, fRounding;
+};
+
+static inline FadePixel PixelOfRow(const FadeColumns &columns, const FadeRow &row, int32_t x)
 {
-    const int32_t nWay = std::abs(nValue - nTarget);
-    const float fRounding = (float)(uint16_t)(wColumnRounding + row.wRounding) * (1 / 65536.0f);
-    const float fStep = ((float)nWay * row.step.fShare + row.step.fSteps) * (fColumnSpeed + row.fSpeed);
-    const int32_t nStep = std::min((int32_t)(fStep + fRounding), nWay);
-    return nValue > nTarget ? nValue - nStep : nValue + nStep;
+    return {columns.pfSpeed[x] + row.fSpeed, (float)(uint16_t)(columns.pwRounding[x] + row.wRounding) * (1 / 65536.0f)};
 }
 
-STOCK_WIDE static void FadeColorRow(const FadeColumns columns, const FadeRow row, uint8_t *__restrict pbRow)
+// Steps below one are rounded up now here, now there: in the end they add up.
+static inline uint32_t FadedValue(int32_t nValue, int32_t nTarget, const FadeStep &step, const FadePixel &pixel)
 {
-    for (int32_t i = 0; i < columns.nWidth * 4; i++) {
-        const int32_t nFaded =
-            FadedValue(pbRow[i], columns.pbTarget[i], columns.pfSpeed[i], columns.pwRounding[i], row);
-        pbRow[i] = (i & 3) == 3 ? pbRow[i] : (uint8_t)nFaded;
+    const int32_t nWay = std::abs(nValue - nTarget);
+    const float fStep = ((float)nWay * step.fShare + step.fSteps) * pixel.fSpeed;
+    const int32_t nStep = std::min((int32_t)(fStep + pixel.fRounding), nWay);
+    return (uint32_t)(nValue > nTarget ? nValue - nStep : nValue + nStep);
+}
+
+STOCK_WIDE static void FadeColorRow(const FadeColumns columns, const FadeRow row, uint32_t dwTarget,
+                                    uint32_t *__restrict pdwRow)
+{
+    const int32_t nBlue = dwTarget & 255, nGreen = dwTarget >> 8 & 255, nRed = dwTarget >> 16 & 255;
+    for (int32_t x = 0; x < columns.nColumns; x++) {
+        const uint32_t dwOld = pdwRow[x];
+        const FadePixel pixel = PixelOfRow(columns, row, x);
+        pdwRow[x] = (dwOld & 0xFF000000u) | FadedValue(dwOld & 255, nBlue, row.step, pixel) |
+                    FadedValue(dwOld >> 8 & 255, nGreen, row.step, pixel) << 8 |
+                    FadedValue(dwOld >> 16 & 255, nRed, row.step, pixel) << 16;
     }
 }
 
 STOCK_WIDE static void FadeIndexRow(const FadeColumns columns, const FadeRow row, int32_t nTop, int32_t nTarget,
                                     uint32_t *__restrict pdwRow)
 {
-    for (int32_t x = 0; x < columns.nWidth; x++) {
+    for (int32_t x = 0; x < columns.nColumns; x++) {
         const int32_t nIndex = std::min((int32_t)(pdwRow[x] & (PALETTE_COLORS_MAX - 1)), nTop);
-        pdwRow[x] = (uint32_t)FadedValue(nIndex, nTarget, columns.pfSpeed[x], columns.pwRounding[x], row);
+        pdwRow[x] = FadedValue(nIndex, nTarget, row.step, PixelOfRow(columns, row, x));
     }
 }
 
@@ -166,11 +153,11 @@ static uint32_t Draw(Fade *pFade, PlaneInfo *ppi, const Canvas &canvas)
     const float fSeconds = StepSeconds(&pFade->clock, ppi);
     EaseControls(pFade, fSeconds);
     const float fFades = pFade->fSpeed * UnfoldSeconds(ppi, ReadItem(pFade->apControl[CONTROL_UNFOLDS]), fSeconds);
-    if (fFades <= 0 || !FitColumns(&pFade->columns, canvas.nWidth))
+    if (fFades <= 0 || !FitColumns(&pFade->tables, canvas.nWidth, sizeof(float) + sizeof(uint16_t)))
         return 0;
     const int32_t nTop = canvas.nColors - 1, nTarget = (int32_t)(pFade->fPlace * (float)nTop + 0.5f);
     const uint32_t dwColor = pFade->fPlace > 0 ? ColorAt(canvas, pFade->fPlace) : 0;
-    FillColumns(pFade->columns, pFade->fEdges, dwColor, canvas.bIndexed ? 1 : 4);
+    const FadeColumns columns = FillColumns(pFade->tables, pFade->fEdges);
     FadeRow row = {StepOfFade(fFades, ReadFloat(pFade->apControl[CONTROL_CURVE]),
                               canvas.bIndexed ? (float)std::max(nTop, 1) : 255),
                    0, 0};
@@ -178,9 +165,9 @@ static uint32_t Draw(Fade *pFade, PlaneInfo *ppi, const Canvas &canvas)
         row.fSpeed = SpeedPart(pFade->fEdges, y, canvas.nHeight);
         row.wRounding = (uint16_t)RoundingStart(y, pFade->nFrame);
         if (canvas.bIndexed)
-            FadeIndexRow(pFade->columns, row, nTop, nTarget, CanvasRow(canvas, y));
+            FadeIndexRow(columns, row, nTop, nTarget, CanvasRow(canvas, y));
         else
-            FadeColorRow(pFade->columns, row, PixelBytes(CanvasRow(canvas, y)));
+            FadeColorRow(columns, row, dwColor, CanvasRow(canvas, y));
     }
     pFade->nFrame++;
     return 0;
@@ -188,7 +175,7 @@ static uint32_t Draw(Fade *pFade, PlaneInfo *ppi, const Canvas &canvas)
 
 static void Release(Fade *pFade)
 {
-    FreeColumns(&pFade->columns);
+    FreeColumns(&pFade->tables);
 }
 
 STOCK_DRAWING_MODULE(Fade)

@@ -1,6 +1,8 @@
 // Carry.cpp -- the inner loops of the carry: load four neighbours, interpolate, fade, store
 #include "Carry.h"
 
+#include "../common/StockWide.h"
+
 // ---- What both kinds of plane share
 
 // Fills the margin of a row of which the middle stands.
@@ -88,18 +90,22 @@ static inline uint32_t PatternAt(int32_t x, int32_t y, int32_t nBits)
 }
 
 // Takes over what the modules before have drawn. A pixel that shows what the last carry left keeps its fraction.
+STOCK_WIDE static void TakeIndexRow(const uint32_t *pdwPlane, int32_t nWidth, int32_t y, uint32_t dwTop, int32_t nBits,
+                                    uint16_t *__restrict pOld)
+{
+    for (int32_t x = 0; x < nWidth; x++) {
+        const uint32_t dwNew = pdwPlane[x] < dwTop ? pdwPlane[x] : dwTop;
+        const uint32_t dwShown = (pOld[x] + PatternAt(x, y, nBits)) >> nBits;
+        pOld[x] = (uint16_t)(dwShown == dwNew ? pOld[x] : dwNew << nBits);
+    }
+}
+
 static void TakeIndices(const Canvas &canvas, const CarryBuffers &buffers, int32_t nBits, uint32_t dwEdges)
 {
-    const uint32_t dwTop = (uint32_t)canvas.nColors - 1;
     for (int32_t y = 0; y < canvas.nHeight; y++) {
-        const uint32_t *pdwPlane = CanvasRow(canvas, y);
         uint16_t *pRow = buffers.pIndices[0] + (size_t)(y + buffers.nMargin) * buffers.nStride;
-        uint16_t *pOld = pRow + buffers.nMargin;
-        for (int32_t x = 0; x < canvas.nWidth; x++) {
-            const uint32_t dwNew = pdwPlane[x] < dwTop ? pdwPlane[x] : dwTop;
-            const uint32_t dwShown = (pOld[x] + PatternAt(x, y, nBits)) >> nBits;
-            pOld[x] = (uint16_t)(dwShown == dwNew ? pOld[x] : dwNew << nBits);
-        }
+        TakeIndexRow(CanvasRow(canvas, y), canvas.nWidth, y, (uint32_t)canvas.nColors - 1, nBits,
+                     pRow + buffers.nMargin);
         FillRowEnds(pRow, canvas.nWidth, buffers.nMargin, dwEdges);
     }
     FillMarginRows(buffers.pIndices[0], buffers, dwEdges);
@@ -111,16 +117,18 @@ struct IndexCell {
     int32_t anX[WIND_CELL], anY[WIND_CELL];
 };
 
-static inline void LoadIndices(const uint16_t *pFrom, size_t nStride, CellPath path, IndexCell *pCell)
+static inline void LoadIndices(const uint16_t *pFrom, int32_t nStride, const CellPath &path, IndexCell *pCell)
 {
+    int32_t anFrom[WIND_CELL];
     for (int32_t i = 0; i < WIND_CELL; i++) {
-        const uint16_t *p = pFrom + (size_t)(path.y >> 16) * nStride + (size_t)(path.x >> 16);
-        memcpy(&pCell->adwLower[i], p, sizeof(uint32_t));
-        memcpy(&pCell->adwUpper[i], p + nStride, sizeof(uint32_t));
-        pCell->anX[i] = path.x & 0xFFFF;
-        pCell->anY[i] = path.y & 0xFFFF;
-        path.x += path.xStep;
-        path.y += path.yStep;
+        const int32_t x = path.x + i * path.xStep, y = path.y + i * path.yStep;
+        anFrom[i] = (y >> 16) * nStride + (x >> 16);
+        pCell->anX[i] = x & 0xFFFF;
+        pCell->anY[i] = y & 0xFFFF;
+    }
+    for (int32_t i = 0; i < WIND_CELL; i++) {
+        memcpy(&pCell->adwLower[i], pFrom + anFrom[i], sizeof(uint32_t));
+        memcpy(&pCell->adwUpper[i], pFrom + anFrom[i] + nStride, sizeof(uint32_t));
     }
 }
 
@@ -150,9 +158,32 @@ static inline void SplitIndices(const uint32_t *pdwMixed, int32_t x, int32_t y, 
     }
 }
 
+struct IndexFade {
+    float fKeep, fLess; // of indices with their fraction
+    int32_t nBits;
+};
+
+STOCK_WIDE static void CarryIndexRow(const CarryBuffers &buffers, const CarryRow &row, int32_t y, int32_t nWidth,
+                                     const IndexFade fade, uint32_t *pdwPlane)
+{
+    const int32_t nMargin = buffers.nMargin;
+    uint16_t *pKept = buffers.pIndices[1] + (size_t)(y + nMargin) * buffers.nStride + nMargin;
+    for (int32_t x = 0; x < nWidth; x += WIND_CELL) {
+        IndexCell cell;
+        uint32_t adwMixed[WIND_CELL], adwShown[WIND_CELL];
+        uint16_t awKept[WIND_CELL];
+        LoadIndices(buffers.pIndices[0], (int32_t)buffers.nStride, PathOfCell(row, x >> WIND_CELL_BITS, y, nMargin),
+                    &cell);
+        MixIndices(cell, fade.fKeep, fade.fLess, adwMixed);
+        SplitIndices(adwMixed, x, y, fade.nBits, awKept, adwShown);
+        StoreCell(pKept + x, awKept, nWidth - x);
+        StoreCell(pdwPlane + x, adwShown, nWidth - x);
+    }
+}
+
 void CarryIndices(const Canvas &canvas, CarryBuffers *pBuffers, const TrailFade &fade, uint32_t dwEdges)
 {
-    const int32_t nBits = FractionBits(canvas), nMargin = pBuffers->nMargin;
+    const int32_t nBits = FractionBits(canvas);
     TakeIndices(canvas, *pBuffers, nBits, dwEdges);
     // Rounding up to a half could hold a faint trail for ever: fading takes more than that, if only just.
     const float fFull = (float)(canvas.nColors << nBits);
@@ -160,47 +191,12 @@ void CarryIndices(const Canvas &canvas, CarryBuffers *pBuffers, const TrailFade 
     CarryRow row;
     for (int32_t y = 0; y < canvas.nHeight; y++) {
         InterpolateRow(pBuffers->grid, y, &row);
-        uint32_t *pdwPlane = CanvasRow(canvas, y);
-        uint16_t *pKept = pBuffers->pIndices[1] + (size_t)(y + nMargin) * pBuffers->nStride + nMargin;
-        for (int32_t x = 0; x < canvas.nWidth; x += WIND_CELL) {
-            IndexCell cell;
-            uint32_t adwMixed[WIND_CELL], adwShown[WIND_CELL];
-            uint16_t awKept[WIND_CELL];
-            LoadIndices(pBuffers->pIndices[0], pBuffers->nStride, PathOfCell(row, x >> WIND_CELL_BITS, y, nMargin),
-                        &cell);
-            MixIndices(cell, fade.fKeep, fLess, adwMixed);
-            SplitIndices(adwMixed, x, y, nBits, awKept, adwShown);
-            StoreCell(pKept + x, awKept, canvas.nWidth - x);
-            StoreCell(pdwPlane + x, adwShown, canvas.nWidth - x);
-        }
+        CarryIndexRow(*pBuffers, row, y, canvas.nWidth, {fade.fKeep, fLess, nBits}, CanvasRow(canvas, y));
     }
     std::swap(pBuffers->pIndices[0], pBuffers->pIndices[1]);
 }
 
 // ---- RGB planes
-
-// Per pixel where its lower left neighbour lies, and the weights of the lower and of the upper pair.
-struct ColorCell {
-    const uint32_t *apFrom[WIND_CELL];
-    uint32_t adwLower[WIND_CELL], adwUpper[WIND_CELL];
-};
-
-static inline void WeighColors(const uint32_t *pFrom, size_t nStride, const CellPath &path, ColorCell *pCell)
-{
-    for (int32_t i = 0; i < WIND_CELL; i++) {
-        const int32_t nX = (path.x + i * path.xStep) >> 8 & 255, nY = (path.y + i * path.yStep) >> 8 & 255;
-        WeighNeighbors(nX, nY, &pCell->adwLower[i], &pCell->adwUpper[i]);
-    }
-    for (int32_t i = 0; i < WIND_CELL; i++)
-        pCell->apFrom[i] =
-            pFrom + (size_t)((path.y + i * path.yStep) >> 16) * nStride + (size_t)((path.x + i * path.xStep) >> 16);
-}
-
-static inline void MixColors(const ColorCell &cell, size_t nStride, uint16_t *pwMixed)
-{
-    for (int32_t i = 0; i < WIND_CELL; i++)
-        MixNeighbors(cell.apFrom[i], nStride, cell.adwLower[i], cell.adwUpper[i], pwMixed + i * 4);
-}
 
 static void TakeColors(const Canvas &canvas, const CarryBuffers &buffers, uint32_t dwEdges)
 {
@@ -212,28 +208,36 @@ static void TakeColors(const Canvas &canvas, const CarryBuffers &buffers, uint32
     FillMarginRows(buffers.pColors, buffers, dwEdges);
 }
 
+STOCK_WIDE static void CarryColorRow(const CarryBuffers &buffers, const CarryRow &row, int32_t y, int32_t nWidth,
+                                     const ColorFade fade, uint32_t nPattern, uint32_t *pdwPlane)
+{
+    alignas(32) uint8_t abPattern[WIND_CELL * 2];
+    for (uint32_t i = 0; i < WIND_CELL * 2; i++)
+        abPattern[i] = (uint8_t)(i / 2 * PATTERN_X);
+    for (int32_t x = 0; x < nWidth; x += WIND_CELL) {
+        int32_t anFrom[WIND_CELL], anX[WIND_CELL], anY[WIND_CELL];
+        alignas(32) uint32_t adwOut[WIND_CELL];
+        const CellPath path = PathOfCell(row, x >> WIND_CELL_BITS, y, buffers.nMargin);
+        for (int32_t i = 0; i < WIND_CELL; i++) {
+            const int32_t xFrom = path.x + i * path.xStep, yFrom = path.y + i * path.yStep;
+            anFrom[i] = (yFrom >> 16) * (int32_t)buffers.nStride + (xFrom >> 16);
+            anX[i] = xFrom >> 8;
+            anY[i] = yFrom >> 8;
+        }
+        MixedColors mixed;
+        MixNeighbors(buffers.pColors, buffers.nStride, anFrom, anX, anY, WIND_CELL, &mixed);
+        FadeColors(mixed, WIND_CELL, fade, abPattern, (uint8_t)(nPattern + (uint32_t)x * PATTERN_X), adwOut);
+        StoreCell(pdwPlane + x, adwOut, nWidth - x);
+    }
+}
+
 void CarryColors(const Canvas &canvas, CarryBuffers *pBuffers, const TrailFade &fade, uint32_t dwEdges, uint32_t nFrame)
 {
     TakeColors(canvas, *pBuffers, dwEdges);
-    const ColorFade colorFade = FadeOfColors(fade);
-    uint8_t abPattern[WIND_CELL * 4];
-    for (uint32_t i = 0; i < WIND_CELL * 4; i++)
-        abPattern[i] = (uint8_t)(i / 4 * PATTERN_X);
     CarryRow row;
     for (int32_t y = 0; y < canvas.nHeight; y++) {
         InterpolateRow(pBuffers->grid, y, &row);
-        uint32_t *pdwPlane = CanvasRow(canvas, y);
-        const uint32_t nStart = (uint32_t)y * PATTERN_Y + nFrame * PATTERN_FRAME;
-        for (int32_t x = 0; x < canvas.nWidth; x += WIND_CELL) {
-            uint16_t awMixed[WIND_CELL * 4];
-            alignas(16) uint8_t abOut[WIND_CELL * 4];
-            ColorCell cell;
-            WeighColors(pBuffers->pColors, pBuffers->nStride,
-                        PathOfCell(row, x >> WIND_CELL_BITS, y, pBuffers->nMargin), &cell);
-            MixColors(cell, pBuffers->nStride, awMixed);
-            FadeColors(awMixed, WIND_CELL * 4, colorFade, abPattern, (uint8_t)(nStart + (uint32_t)x * PATTERN_X),
-                       abOut);
-            StoreCell(pdwPlane + x, (const uint32_t *)(const void *)abOut, canvas.nWidth - x);
-        }
+        CarryColorRow(*pBuffers, row, y, canvas.nWidth, FadeOfColors(fade),
+                      (uint32_t)y * PATTERN_Y + nFrame * PATTERN_FRAME, CanvasRow(canvas, y));
     }
 }

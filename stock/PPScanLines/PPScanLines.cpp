@@ -2,10 +2,10 @@
 // band
 #include "../common/StockLight.h"
 #include "../common/StockModule.h"
-
-#include <cstdlib>
+#include "../common/StockScratch.h"
 
 #define GAIN_ONE 128 /* gains of colors; up to twice that */
+#define MARGIN_LEAST 2
 
 enum {
     CONTROL_LINES,
@@ -31,9 +31,10 @@ struct ScanLines {
     TubeLook look; // eased
     float fRollPhase, fBandPhase, afWobblePhase[2];
     uint32_t nFrame;
-    uint16_t *pwMask; // per element of a row, GAIN_ONE for all of it
-    uint8_t *pbRow;   // a row with a margin that repeats its ends
-    int32_t nColumns, nMargin;
+    ColumnTables tables;
+    uint16_t *pwMask; // in the tables, per element of a row, GAIN_ONE for all of it
+    uint8_t *pbRow;   // in the tables, a row with a margin that repeats its ends
+    int32_t nMargin;  // pixels
 };
 
 MODULE_EXPORT void ModuleGetDescription(ModuleDescription *pmd)
@@ -92,41 +93,29 @@ static void Start(ScanLines *pLines, PlaneInfo *ppi)
     pLines->look = ReadLook(pLines);
 }
 
-static void Release(ScanLines *pLines)
+static bool FitTables(ScanLines *pLines, int32_t nColumns)
 {
-    free(pLines->pwMask);
-    pLines->pwMask = nullptr;
-    pLines->pbRow = nullptr;
-    pLines->nColumns = 0;
-}
-
-static bool FitColumns(ScanLines *pLines, int32_t nColumns)
-{
-    if (pLines->nColumns == nColumns)
-        return true;
-    Release(pLines);
-    const int32_t nMargin = nColumns / 10 + 2; // the most that a line shakes, and a pixel to interpolate with
-    pLines->pwMask = (uint16_t *)calloc((size_t)nColumns * 3 + (size_t)nMargin * 2, 4);
-    if (!pLines->pwMask)
+    // For each column the words of the mask and two pixels: the margins take less than the row itself.
+    if (!FitColumns(&pLines->tables, nColumns + MARGIN_LEAST, 4 * sizeof(uint16_t) + 2 * sizeof(uint32_t)))
         return false;
+    pLines->pwMask = (uint16_t *)pLines->tables.pv;
     pLines->pbRow = (uint8_t *)(pLines->pwMask + (size_t)nColumns * 4);
-    pLines->nColumns = nColumns;
-    pLines->nMargin = nMargin;
+    pLines->nMargin = nColumns / 10 + MARGIN_LEAST; // the most that a line shakes, and a pixel to interpolate with
     return true;
 }
 
 // Each column keeps one of the three colors and dims the others; two pixels wide on large pictures.
-static void FillMask(const ScanLines *pLines, float fMask, int32_t nWide)
+static void FillMask(const ScanLines *pLines, int32_t nColumns, float fMask, int32_t nWide)
 {
     const uint16_t wDim = (uint16_t)(GAIN_ONE * (1 - fMask) + 0.5f);
-    for (int32_t x = 0; x < pLines->nColumns; x++)
+    for (int32_t x = 0; x < nColumns; x++)
         for (int32_t i = 0; i < 4; i++)
             pLines->pwMask[x * 4 + i] = i == 3 || 2 - i == x / nWide % 3 ? GAIN_ONE : wDim;
 }
 
-static void TakeRow(const ScanLines *pLines, const uint32_t *pdwRow)
+static void TakeRow(const ScanLines *pLines, const uint32_t *pdwRow, size_t nColumns)
 {
-    const size_t nMargin = (size_t)pLines->nMargin, nColumns = (size_t)pLines->nColumns;
+    const size_t nMargin = (size_t)pLines->nMargin;
     memcpy(pLines->pbRow + nMargin * 4, pdwRow, nColumns * 4);
     for (size_t i = 0; i < nMargin; i++) {
         memcpy(pLines->pbRow + i * 4, pdwRow, 4);
@@ -184,7 +173,7 @@ static void DrawTube(const ScanLines *pLines, const Canvas &canvas, float fUnfol
     const int32_t nLines = std::max(ReadInteger(pLines->apControl[CONTROL_LINES]), 1);
     const int32_t nPitch = std::max((int32_t)((float)canvas.nHeight / (float)nLines + 0.5f), 3);
     const float fMostWobble = (float)(pLines->nMargin - 2);
-    FillMask(pLines, UnfoldShare(look.fMask, fUnfolded), canvas.nHeight > 1200 ? 2 : 1);
+    FillMask(pLines, canvas.nWidth, UnfoldShare(look.fMask, fUnfolded), canvas.nHeight > 1200 ? 2 : 1);
     for (int32_t y = 0; y < canvas.nHeight; y++) {
         const float fUp = (float)y / (float)canvas.nHeight;
         const float fLine = FoldUnit(((float)y + 0.5f) / (float)nPitch + pLines->fRollPhase);
@@ -195,7 +184,7 @@ static void DrawTube(const ScanLines *pLines, const Canvas &canvas, float fUnfol
         const TubeRow row = {(uint16_t)(std::min(std::pow(fGain, fUnfolded), 2.0f) * GAIN_ONE + 0.5f),
                              (uint16_t)((xFrom - (float)nFrom) * 256),
                              (uint16_t)(RoundingByte(y, pLines->nFrame) >> 1)};
-        TakeRow(pLines, CanvasRow(canvas, y));
+        TakeRow(pLines, CanvasRow(canvas, y), (size_t)canvas.nWidth);
         ShowRow(pLines->pbRow + (size_t)nFrom * 4, pLines->pwMask, canvas.nWidth, row,
                 PixelBytes(CanvasRow(canvas, y)));
     }
@@ -206,11 +195,16 @@ static uint32_t Draw(ScanLines *pLines, PlaneInfo *ppi, const Canvas &canvas)
     const float fSeconds = StepSeconds(&pLines->clock, ppi);
     MoveTube(pLines, fSeconds);
     const float fUnfolded = UnfoldSeconds(ppi, ReadItem(pLines->apControl[CONTROL_UNFOLDS]), fSeconds);
-    if (canvas.bIndexed || fUnfolded <= 0 || !FitColumns(pLines, canvas.nWidth))
+    if (canvas.bIndexed || fUnfolded <= 0 || !FitTables(pLines, canvas.nWidth))
         return 0;
     DrawTube(pLines, canvas, fUnfolded);
     pLines->nFrame++;
     return 0;
+}
+
+static void Release(ScanLines *pLines)
+{
+    FreeColumns(&pLines->tables);
 }
 
 STOCK_DRAWING_MODULE(ScanLines)

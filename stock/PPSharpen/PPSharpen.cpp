@@ -54,10 +54,10 @@ STOCK_WIDE static void LiftRow(const uint8_t *pbBlurred, int32_t nPixels, const 
 {
     for (int32_t i = 0; i < nPixels * 4; i++) {
         const int16_t nAway = (int16_t)(pbRow[i] - pbBlurred[i]), nSize = (int16_t)(nAway < 0 ? -nAway : nAway);
-        const int16_t nLift = (int16_t)std::max(nSize - row.nThreshold, 0);
+        const int16_t nLift = std::max((int16_t)(nSize - row.nThreshold), (int16_t)0);
         // 7 bits of amount and 8 of lift stay in 16: what is lifted further is beyond the limit of a byte anyway.
-        const int16_t nMore = std::min(
-            (int16_t)((int16_t)(std::min(nLift, (int16_t)125) * row.nAmount + row.nRounding) >> 6), row.nLimit);
+        const int16_t nLifted = (int16_t)(std::min(nLift, (int16_t)125) * row.nAmount + row.nRounding);
+        const int16_t nMore = std::min((int16_t)(nLifted >> 6), row.nLimit);
         const int16_t nNew = (int16_t)(nAway < 0 ? pbRow[i] - nMore : pbRow[i] + nMore);
         const uint8_t bNew = (uint8_t)std::clamp(nNew, (int16_t)0, (int16_t)255);
         pbRow[i] = (i & 3) == 3 ? pbRow[i] : bNew;

@@ -1,8 +1,7 @@
 // PPVignette.cpp -- PPVignette.dll, an effect for colors: a frame of dark or of a color that breathes with the sound
 #include "../common/StockLight.h"
 #include "../common/StockModule.h"
-
-#include <cstdlib>
+#include "../common/StockScratch.h"
 
 enum {
     CONTROL_AMOUNT,
@@ -26,11 +25,7 @@ struct Vignette {
     DrawClock clock;
     VignetteLook look;   // eased
     float afDrift[2];    // phases of the middle's way
-    float *pfAcross;     // per column, its part of the distance from the middle
-    uint16_t *pwShares;  // per column, what the frame covers of a row, in 1/256
-    uint16_t *pwWeights; // the same per element
-    uint8_t *pbTint;     // per element
-    int32_t nColumns;
+    ColumnTables across; // of floats: a column's part of the distance from the middle
     uint32_t nFrame;
 };
 
@@ -88,29 +83,6 @@ static void Start(Vignette *pVignette, PlaneInfo *ppi)
     pVignette->look = ReadLook(pVignette);
 }
 
-static void Release(Vignette *pVignette)
-{
-    free(pVignette->pfAcross);
-    pVignette->pfAcross = nullptr;
-    pVignette->pwWeights = nullptr;
-    pVignette->nColumns = 0;
-}
-
-static bool FitColumns(Vignette *pVignette, int32_t nColumns)
-{
-    if (pVignette->nColumns == nColumns)
-        return true;
-    Release(pVignette);
-    pVignette->pfAcross = (float *)calloc((size_t)nColumns, sizeof(float) + 5 * sizeof(uint16_t) + 4);
-    if (!pVignette->pfAcross)
-        return false;
-    pVignette->pwWeights = (uint16_t *)(void *)(pVignette->pfAcross + nColumns);
-    pVignette->pwShares = pVignette->pwWeights + (size_t)nColumns * 4;
-    pVignette->pbTint = (uint8_t *)(pVignette->pwShares + nColumns);
-    pVignette->nColumns = nColumns;
-    return true;
-}
-
 // The part that a column or a row has in the distance from the middle, to the power of the shape.
 static float PartOf(int32_t i, int32_t nCount, float fMiddle, float fShape)
 {
@@ -132,32 +104,23 @@ static Slope SlopeOf(const VignetteLook &look, float fAmount, bool bInvert)
     return {fBegin, 1 / std::max(fEnd - fBegin, 1e-6f), bInvert ? fCovered : 0, bInvert ? -fCovered : fCovered};
 }
 
-STOCK_WIDE static void WeighRow(const float *pfAcross, float fUp, int32_t nColumns, const Slope slope,
-                                uint16_t *__restrict pwShares)
+// What the frame covers of a pixel, in 1/256.
+static inline uint32_t CoveredShare(const Slope &slope, float fAway)
 {
-    for (int32_t x = 0; x < nColumns; x++) {
-        const float fWay = (pfAcross[x] + fUp - slope.fBegin) * slope.fPerWay;
-        const float fBegun = fWay > 0 ? fWay : 0, f = fBegun < 1 ? fBegun : 1;
-        const float fShare = slope.fMiddle + slope.fOutwards * (f * f * (3 - 2 * f));
-        pwShares[x] = (uint16_t)(int32_t)fShare;
-    }
+    const float fWay = (fAway - slope.fBegin) * slope.fPerWay;
+    const float fBegun = fWay > 0 ? fWay : 0, f = fBegun < 1 ? fBegun : 1;
+    return (uint32_t)(int32_t)(slope.fMiddle + slope.fOutwards * (f * f * (3 - 2 * f)));
 }
 
-static void SpreadShares(const uint16_t *pwShares, int32_t nColumns, uint16_t *__restrict pwWeights)
+// dwRounding: for the first and the third channel, which are mixed together.
+STOCK_WIDE static void TintRow(const float *pfAcross, float fUp, int32_t nColumns, const Slope slope, uint32_t dwTint,
+                               uint32_t dwRounding, uint32_t *__restrict pdwRow)
 {
     for (int32_t x = 0; x < nColumns; x++) {
-        const uint64_t qwWeights = ColorWords(pwShares[x]);
-        memcpy(pwWeights + x * 4, &qwWeights, sizeof qwWeights);
-    }
-}
-
-STOCK_WIDE static void TintRow(const uint16_t *pwWeights, const uint8_t *pbTint, int32_t nElements, uint16_t wRounding,
-                               uint8_t *__restrict pbRow)
-{
-    for (int32_t i = 0; i < nElements; i++) {
-        const uint16_t wKept = (uint16_t)(pbRow[i] * (256 - pwWeights[i]));
-        const uint16_t wTint = (uint16_t)(pbTint[i] * pwWeights[i]);
-        pbRow[i] = (uint8_t)((uint16_t)(wKept + wTint + wRounding) >> 8);
+        const uint32_t dwOld = pdwRow[x], dwShare = CoveredShare(slope, pfAcross[x] + fUp), dwKept = 256 - dwShare;
+        const uint32_t dwOuter = (dwOld & 0xFF00FF) * dwKept + (dwTint & 0xFF00FF) * dwShare + dwRounding;
+        const uint32_t dwGreen = (dwOld & 0x00FF00) * dwKept + (dwTint & 0x00FF00) * dwShare + (dwRounding << 8);
+        pdwRow[x] = (dwOld & 0xFF000000u) | (dwOuter >> 8 & 0xFF00FF) | (dwGreen >> 8 & 0x00FF00);
     }
 }
 
@@ -170,25 +133,25 @@ static uint32_t Draw(Vignette *pVignette, PlaneInfo *ppi, const Canvas &canvas)
     AdvancePhase(&pVignette->afDrift[1], 0.059f, fSeconds);
     const float fUnfolded = UnfoldSeconds(ppi, ReadItem(pVignette->apControl[CONTROL_UNFOLDS]), fSeconds);
     const float fAmount = UnfoldShare(look.fAmount, fUnfolded);
-    if (canvas.bIndexed || fAmount <= 0 || !FitColumns(pVignette, canvas.nWidth))
+    if (canvas.bIndexed || fAmount <= 0 || !FitColumns(&pVignette->across, canvas.nWidth, sizeof(float)))
         return 0;
     const float xMiddle = look.fDrift * SineTurn(pVignette->afDrift[0]);
     const float yMiddle = look.fDrift * SineTurn(pVignette->afDrift[1]);
     const uint32_t dwTint = look.fPlace > 0.001f ? ColorAt(canvas, look.fPlace) : 0;
-    for (int32_t x = 0; x < canvas.nWidth; x++) {
-        pVignette->pfAcross[x] = PartOf(x, canvas.nWidth, xMiddle, look.fShape);
-        memcpy(pVignette->pbTint + x * 4, &dwTint, sizeof dwTint);
-    }
+    float *pfAcross = (float *)pVignette->across.pv;
+    for (int32_t x = 0; x < canvas.nWidth; x++)
+        pfAcross[x] = PartOf(x, canvas.nWidth, xMiddle, look.fShape);
     const Slope slope = SlopeOf(look, fAmount, ReadBoolean(pVignette->apControl[CONTROL_INVERT]));
-    for (int32_t y = 0; y < canvas.nHeight; y++) {
-        const float fUp = PartOf(y, canvas.nHeight, yMiddle, look.fShape);
-        WeighRow(pVignette->pfAcross, fUp, canvas.nWidth, slope, pVignette->pwShares);
-        SpreadShares(pVignette->pwShares, canvas.nWidth, pVignette->pwWeights);
-        TintRow(pVignette->pwWeights, pVignette->pbTint, canvas.nWidth * 4, RoundingByte(y, pVignette->nFrame),
-                PixelBytes(CanvasRow(canvas, y)));
-    }
+    for (int32_t y = 0; y < canvas.nHeight; y++)
+        TintRow(pfAcross, PartOf(y, canvas.nHeight, yMiddle, look.fShape), canvas.nWidth, slope, dwTint,
+                RoundingByte(y, pVignette->nFrame) * 0x00010001u, CanvasRow(canvas, y));
     pVignette->nFrame++;
     return 0;
+}
+
+static void Release(Vignette *pVignette)
+{
+    FreeColumns(&pVignette->across);
 }
 
 STOCK_DRAWING_MODULE(Vignette)

@@ -7,13 +7,13 @@
 #define VORTICADE_STOCK_DRAWING_H
 
 #include "StockControls.h"
+#include "StockPaint.h"
 
 #include <algorithm>
 #include <cmath>
 
 #define DRAWING_PIXELS_MAX 16384 /* a bitmap side beyond this is no bitmap of the host */
 #define DRAWING_STEP_MOST_MS 100 /* after a pause the picture goes on from where it stood */
-#define DRAWING_SPAN 128         /* pixels that a shape hands to the paint at a time */
 
 // ---- The canvas
 
@@ -102,8 +102,6 @@ inline float FoldUnit(float fTurns)
 
 // ---- Paint
 
-enum { PAINT_OVER, PAINT_LIGHTEN, PAINT_ADD, PAINT_MODES };
-
 struct Paint {
     uint32_t dwMode;
     float fLayers; // weights are meant for 60 layers a second; this drawing stands for so many of them
@@ -139,51 +137,21 @@ inline uint32_t ColorAt(const Canvas &canvas, float fPlace)
     return canvas.pColors[(int32_t)(fPlace * (float)(canvas.nColors - 1) + 0.5f)];
 }
 
-// What a shape says about the pixels of a span.
-struct InkSpan {
-    float afCoverage[DRAWING_SPAN]; // 0 to 1
-    float afPlace[DRAWING_SPAN];    // 0 to 1 over the palette
-};
+#define SPARE_COLORS 256
 
-inline void PaintIndices(const Canvas &canvas, const Paint &paint, uint32_t *pPixel, int32_t nPixels,
-                         const InkSpan &ink)
+// The color wheel as a palette.
+inline const uint32_t *SpareColors()
 {
-    const float fTop = (float)(canvas.nColors - 1);
-    for (int32_t i = 0; i < nPixels; i++) {
-        const float fOld = std::min((float)(int32_t)(pPixel[i] & (PALETTE_COLORS_MAX - 1)), fTop);
-        const float fInk = ink.afPlace[i] * fTop;
-        const float fCoverage = ink.afCoverage[i];
-        const float fOver = fOld + (fInk - fOld) * fCoverage;
-        const float fAdded = std::min(fOld + fInk * fCoverage, fTop);
-        const float fLight = std::max(fOld, fInk * fCoverage);
-        const float fNew = paint.dwMode == PAINT_OVER ? fOver : paint.dwMode == PAINT_ADD ? fAdded : fLight;
-        pPixel[i] = (uint32_t)(int32_t)(fNew + 0.5f);
-    }
-}
-
-inline uint32_t MixChannel(uint32_t dwOld, uint32_t dwInk, float fCoverage, uint32_t dwMode)
-{
-    const float fOld = (float)(dwOld & 255), fInk = (float)(dwInk & 255);
-    float fNew = fOld + (fInk - fOld) * fCoverage;
-    if (dwMode == PAINT_LIGHTEN)
-        fNew = std::max(fOld, fInk * fCoverage);
-    else if (dwMode == PAINT_ADD)
-        fNew = std::min(fOld + fInk * fCoverage, 255.0f);
-    return (uint32_t)(fNew + 0.5f);
-}
-
-inline void PaintColors(const Canvas &canvas, const Paint &paint, uint32_t *pPixel, int32_t nPixels, const InkSpan &ink)
-{
-    for (int32_t i = 0; i < nPixels; i++) {
-        const float fCoverage = ink.afCoverage[i];
-        if (fCoverage <= 0)
-            continue;
-        const uint32_t dwInk = ColorAt(canvas, ink.afPlace[i]);
-        uint32_t dwNew = pPixel[i] & 0xFF000000u;
-        for (uint32_t nShift = 0; nShift < 24; nShift += 8)
-            dwNew |= MixChannel(pPixel[i] >> nShift, dwInk >> nShift, fCoverage, paint.dwMode) << nShift;
-        pPixel[i] = dwNew;
-    }
+    struct Wheel {
+        uint32_t adwColor[SPARE_COLORS];
+    };
+    static const Wheel wheel = [] {
+        Wheel w;
+        for (int32_t i = 0; i < SPARE_COLORS; i++)
+            w.adwColor[i] = SpareColor((float)i * (1.0f / (SPARE_COLORS - 1)));
+        return w;
+    }();
+    return wheel.adwColor;
 }
 
 inline void PaintSpan(const Canvas &canvas, const Paint &paint, int32_t x, int32_t y, int32_t nPixels,
@@ -191,9 +159,11 @@ inline void PaintSpan(const Canvas &canvas, const Paint &paint, int32_t x, int32
 {
     uint32_t *pPixel = CanvasRow(canvas, y) + x;
     if (canvas.bIndexed)
-        PaintIndices(canvas, paint, pPixel, nPixels, ink);
+        PaintIndices(pPixel, nPixels, paint.dwMode, canvas.nColors - 1, ink);
+    else if (canvas.pColors)
+        PaintColors(pPixel, nPixels, paint.dwMode, canvas.pColors, canvas.nColors - 1, ink);
     else
-        PaintColors(canvas, paint, pPixel, nPixels, ink);
+        PaintColors(pPixel, nPixels, paint.dwMode, SpareColors(), SPARE_COLORS - 1, ink);
 }
 
 // ---- Strokes: curves as chains of soft segments
@@ -215,7 +185,8 @@ struct StrokeSegment {
 };
 
 // Coverage at a pixel: a bell over the squared distance, cut off at 1 (no root, smooth to the last pixel).
-inline void ShadeSegment(const StrokeSegment &seg, float x, float y, int32_t nPixels, InkSpan *pInk)
+STOCK_WIDE static void ShadeSegment(const StrokeSegment seg, float x, float y, int32_t nPixels,
+                                    InkSpan *__restrict pInk)
 {
     const float dx = seg.b.x - seg.a.x, dy = seg.b.y - seg.a.y;
     const float fPerLength2 = 1 / std::max(dx * dx + dy * dy, 1e-6f);

@@ -76,12 +76,6 @@ inline uint32_t BrightnessOf(uint32_t dwPixel)
     return ((dwPixel & 255) * 29 + (dwPixel >> 8 & 255) * 150 + (dwPixel >> 16 & 255) * 77) >> 8;
 }
 
-// Weights for the three colors of a pixel, none for its top byte: stored as the four words of the elements.
-inline uint64_t ColorWords(uint32_t dwWeight)
-{
-    return dwWeight * 0x0000000100010001u;
-}
-
 // A length in percent of the picture's height, in pixels.
 inline float PercentOfHeight(const Canvas &canvas, float fPercent)
 {

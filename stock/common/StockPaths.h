@@ -36,7 +36,8 @@ inline RemapPlan TurnPlan(float x, float y, float fTurns, float fScale)
     return {fCosine, fSine, x - fCosine * x - fSine * y, -fSine, fCosine, y + fSine * x - fCosine * y};
 }
 
-inline void LayLine(const RemapPlan &plan, int32_t x, int32_t y, int32_t iFirst, int32_t iEnd, RemapPath *pPath)
+STOCK_WIDE static void LayLine(const RemapPlan plan, int32_t x, int32_t y, int32_t iFirst, int32_t iEnd,
+                               RemapPath *__restrict pPath)
 {
     const float xRow = plan.xy * (float)y + plan.x0, yRow = plan.yy * (float)y + plan.y0;
     for (int32_t i = iFirst; i < iEnd; i++) {
@@ -146,23 +147,33 @@ inline void ReadGridRow(const RemapGrid &grid, int32_t y)
     }
 }
 
+// pfShift: at the vertices from the first one of the stretch on. fStart: where its first pixel stands; fStep: 1 along
+// the row, 0 for places across it.
+STOCK_WIDE static void LayShifts(const float *pfShift, int32_t nCellBits, int32_t nPixels, float fStart, float fStep,
+                                 float *__restrict pfPlace)
+{
+    const int32_t nCell = 1 << nCellBits;
+    const float fPart = 1.0f / (float)nCell;
+    for (int32_t i = 0; i < nPixels; i += nCell) { // a span is a multiple of every cell
+        const float fFirst = pfShift[i >> nCellBits], fMore = (pfShift[(i >> nCellBits) + 1] - fFirst) * fPart;
+        for (int32_t j = 0; j < nCell; j++)
+            pfPlace[i + j] = fStart + fStep * (float)(i + j) + fFirst + (float)j * fMore;
+    }
+}
+
 // A stretch that begins at a multiple of REMAP_SPAN. False if nothing moves there.
 inline bool LayGrid(const RemapGrid &grid, int32_t x, int32_t y, int32_t nPixels, RemapPath *pPath)
 {
-    const int32_t nCell = 1 << grid.nCellBits;
-    const float fPart = 1.0f / (float)nCell;
     const size_t iFirst = (size_t)grid.nRows * (size_t)grid.nColumns + (size_t)(x >> grid.nCellBits);
     const float *pfX = grid.pfX + iFirst, *pfY = grid.pfY + iFirst;
     bool bMoves = false;
-    for (int32_t i = 0; i < nPixels; i += nCell, pfX++, pfY++) {
-        const float xStep = (pfX[1] - pfX[0]) * fPart, yStep = (pfY[1] - pfY[0]) * fPart;
-        bMoves |= pfX[0] != 0 || pfX[1] != 0 || pfY[0] != 0 || pfY[1] != 0;
-        for (int32_t j = 0; j < nCell; j++) { // a span is a multiple of every cell
-            pPath->afX[i + j] = (float)(x + i + j) + pfX[0] + (float)j * xStep;
-            pPath->afY[i + j] = (float)y + pfY[0] + (float)j * yStep;
-        }
-    }
-    return bMoves;
+    for (int32_t i = 0; i <= (nPixels - 1) >> grid.nCellBits; i++)
+        bMoves |= pfX[i] != 0 || pfX[i + 1] != 0 || pfY[i] != 0 || pfY[i + 1] != 0;
+    if (!bMoves)
+        return false;
+    LayShifts(pfX, grid.nCellBits, nPixels, (float)x, 1, pPath->afX);
+    LayShifts(pfY, grid.nCellBits, nPixels, (float)y, 0, pPath->afY);
+    return true;
 }
 
 // Reads the canvas with every pixel shifted.

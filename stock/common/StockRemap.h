@@ -152,12 +152,11 @@ inline void TakeColors(const RemapSource &source, const Canvas &canvas, float fC
     }
 }
 
-inline void TakeIndexRow(const RemapSource &source, const Canvas &canvas, int32_t y)
+STOCK_WIDE static void TakeIndexRow(const uint32_t *pdwPlane, int32_t nWidth, uint32_t dwTop, int32_t nBits,
+                                    uint16_t *__restrict pwRow)
 {
-    const uint32_t *pdwPlane = CanvasRow(canvas, y), dwTop = (uint32_t)canvas.nColors - 1;
-    uint16_t *pwRow = source.pIndices + (size_t)(y + 1) * source.nStride + 1;
-    for (int32_t x = 0; x < canvas.nWidth; x++)
-        pwRow[x] = (uint16_t)((pdwPlane[x] < dwTop ? pdwPlane[x] : dwTop) << source.nBits);
+    for (int32_t x = 0; x < nWidth; x++)
+        pwRow[x] = (uint16_t)((pdwPlane[x] < dwTop ? pdwPlane[x] : dwTop) << nBits);
 }
 
 // A row is sharpened as soon as the one above it stands; the plain rows below it wait in a buffer of two.
@@ -167,7 +166,7 @@ inline void TakeIndices(const RemapSource &source, const Canvas &canvas, float f
     const auto Row = [&](int32_t y) { return source.pIndices + (size_t)(y + 1) * source.nStride + 1; };
     uint16_t *pwPlain = fClarity > 0 && canvas.nWidth > 2 ? (uint16_t *)malloc(2 * nBytes) : nullptr;
     for (int32_t y = 0; y < canvas.nHeight; y++) {
-        TakeIndexRow(source, canvas, y);
+        TakeIndexRow(CanvasRow(canvas, y), canvas.nWidth, (uint32_t)canvas.nColors - 1, source.nBits, Row(y));
         if (!pwPlain)
             continue;
         uint16_t *pwBelow = pwPlain + (y & 1) * canvas.nWidth, *pwHere = pwPlain + (~y & 1) * canvas.nWidth;
@@ -196,7 +195,7 @@ inline bool TakeSource(RemapSource *pSource, const Canvas &canvas, uint32_t dwEd
 
 // ---- Where pixels come from
 
-#define REMAP_SPAN 128 // pixels of a stretch at most
+#define REMAP_SPAN TRAIL_SPAN // pixels of a stretch at most
 
 struct RemapPath {
     float afX[REMAP_SPAN], afY[REMAP_SPAN];
@@ -271,37 +270,36 @@ inline RemapLook TrailLook(uint32_t dwEdges, uint32_t nFrame, const TrailFade &f
     return {dwEdges, true, nFrame, fade};
 }
 
+// Where the lower left neighbours lie in the source.
+inline void LayPlaces(const RemapSource &source, const RemapPlaces &places, int32_t nPixels, int32_t *pnFrom)
+{
+    for (int32_t i = 0; i < nPixels; i++)
+        pnFrom[i] = (places.anY[i] >> 8) * (int32_t)source.nStride + (places.anX[i] >> 8);
+}
+
 STOCK_WIDE static void ReadColors(const RemapSource &source, const RemapPlaces &places, const RemapLook &look,
                                   int32_t x, int32_t y, int32_t nPixels, uint32_t *pdwOut)
 {
-    uint32_t adwLower[REMAP_SPAN], adwUpper[REMAP_SPAN];
-    for (int32_t i = 0; i < nPixels; i++)
-        WeighNeighbors(places.anX[i] & 255, places.anY[i] & 255, &adwLower[i], &adwUpper[i]);
-    alignas(16) uint16_t awMixed[REMAP_SPAN * 4];
-    for (int32_t i = 0; i < nPixels; i++) {
-        const uint32_t *pFrom =
-            source.pColors + (size_t)(places.anY[i] >> 8) * source.nStride + (size_t)(places.anX[i] >> 8);
-        MixNeighbors(pFrom, source.nStride, adwLower[i], adwUpper[i], awMixed + i * 4);
-    }
-    alignas(16) uint8_t abPattern[REMAP_SPAN * 4];
+    int32_t anFrom[REMAP_SPAN];
+    alignas(32) uint8_t abPattern[2 * REMAP_SPAN];
     const uint32_t nStart = (uint32_t)x * PATTERN_X + (uint32_t)y * PATTERN_Y + look.nFrame * PATTERN_FRAME;
-    for (int32_t i = 0; i < nPixels * 4; i++)
-        abPattern[i] = (uint8_t)(look.bTrails ? (i >> 2) * PATTERN_X : 0);
-    FadeColors(awMixed, nPixels * 4, FadeOfColors(look.fade), abPattern, (uint8_t)(look.bTrails ? nStart : 128),
-               (uint8_t *)pdwOut);
+    LayPlaces(source, places, nPixels, anFrom);
+    for (int32_t i = 0; i < 2 * nPixels; i++)
+        abPattern[i] = (uint8_t)(look.bTrails ? (i >> 1) * PATTERN_X : 0);
+    MixedColors mixed;
+    MixNeighbors(source.pColors, source.nStride, anFrom, places.anX, places.anY, nPixels, &mixed);
+    FadeColors(mixed, nPixels, FadeOfColors(look.fade), abPattern, (uint8_t)(look.bTrails ? nStart : 128), pdwOut);
 }
 
 struct IndexNeighbors {
     uint32_t adwLower[REMAP_SPAN], adwUpper[REMAP_SPAN]; // pairs, the left one in the low word
 };
 
-inline void LoadNeighbors(const RemapSource &source, const RemapPlaces &places, int32_t nPixels, IndexNeighbors *pPairs)
+inline void LoadNeighbors(const RemapSource &source, const int32_t *pnFrom, int32_t nPixels, IndexNeighbors *pPairs)
 {
     for (int32_t i = 0; i < nPixels; i++) {
-        const uint16_t *p =
-            source.pIndices + (size_t)(places.anY[i] >> 8) * source.nStride + (size_t)(places.anX[i] >> 8);
-        memcpy(&pPairs->adwLower[i], p, sizeof(uint32_t));
-        memcpy(&pPairs->adwUpper[i], p + source.nStride, sizeof(uint32_t));
+        memcpy(&pPairs->adwLower[i], source.pIndices + pnFrom[i], sizeof(uint32_t));
+        memcpy(&pPairs->adwUpper[i], source.pIndices + pnFrom[i] + source.nStride, sizeof(uint32_t));
     }
 }
 
@@ -312,41 +310,62 @@ inline float ShortWay(int32_t nFrom, int32_t nTo, int32_t nLoop, int32_t nFar)
     return (float)(nWay - (nLoop & -(int32_t)(nWay > nFar)) + (nLoop & -(int32_t)(nWay < -nFar)));
 }
 
+inline float PartOf256(int32_t n)
+{
+    return (float)(n & 255) * (1 / 256.0f);
+}
+
 // Writes indices with their fractions.
 inline void MixIndices(const RemapSource &source, const RemapPlaces &places, const IndexNeighbors &pairs,
-                       const RemapLook &look, int32_t nPixels, int32_t *pnMixed)
+                       int32_t nPixels, float *pfMixed)
 {
-    const int32_t nLoop = source.nColors << source.nBits;
-    // Where trails fade, the first color is the dark: no way leads from it over the end to the last ones.
-    const int32_t nFar = IsFading(look.fade) ? nLoop : nLoop - nLoop / 4 - 1;
-    // Rounding up to a half could hold a faint trail for ever: fading takes more than that, if only just.
-    const float fLess = IsFading(look.fade) ? std::max(look.fade.fBurn * (float)nLoop, 0.55f) - 0.5f : -0.5f;
-    const float fKeep = look.fade.fKeep;
+    const int32_t nLoop = source.nColors << source.nBits, nFar = nLoop - nLoop / 4 - 1;
     for (int32_t i = 0; i < nPixels; i++) {
         const int32_t nFirst = (int32_t)(pairs.adwLower[i] & 0xFFFF);
         const float fRight = ShortWay(nFirst, (int32_t)(pairs.adwLower[i] >> 16), nLoop, nFar);
         const float fAbove = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] & 0xFFFF), nLoop, nFar);
         const float fBoth = ShortWay(nFirst, (int32_t)(pairs.adwUpper[i] >> 16), nLoop, nFar);
-        const float fX = (float)(places.anX[i] & 255) * (1 / 256.0f), fY = (float)(places.anY[i] & 255) * (1 / 256.0f);
-        float f = (float)nFirst + fX * (fRight + fY * (fBoth - fRight - fAbove)) + fY * fAbove;
+        const float fX = PartOf256(places.anX[i]), fY = PartOf256(places.anY[i]);
+        const float f = (float)nFirst + fX * (fRight + fY * (fBoth - fRight - fAbove)) + fY * fAbove;
         const int32_t n = (int32_t)f;
-        f += (float)((nLoop & -(int32_t)(n < 0)) - (nLoop & -(int32_t)(n >= nLoop)));
-        pnMixed[i] = (int32_t)std::max(f * fKeep - fLess, 0.0f);
+        pfMixed[i] = f + (float)((nLoop & -(int32_t)(n < 0)) - (nLoop & -(int32_t)(n >= nLoop)));
+    }
+}
+
+// Where trails fade, the first color is the dark: no way leads from it over the end to the last ones.
+inline void MixFadingIndices(const RemapPlaces &places, const IndexNeighbors &pairs, int32_t nPixels, float *pfMixed)
+{
+    for (int32_t i = 0; i < nPixels; i++) {
+        const int32_t nFirst = (int32_t)(pairs.adwLower[i] & 0xFFFF);
+        const float fRight = (float)((int32_t)(pairs.adwLower[i] >> 16) - nFirst);
+        const float fAbove = (float)((int32_t)(pairs.adwUpper[i] & 0xFFFF) - nFirst);
+        const float fBoth = (float)((int32_t)(pairs.adwUpper[i] >> 16) - nFirst);
+        const float fX = PartOf256(places.anX[i]), fY = PartOf256(places.anY[i]);
+        pfMixed[i] = (float)nFirst + fX * (fRight + fY * (fBoth - fRight - fAbove)) + fY * fAbove;
     }
 }
 
 STOCK_WIDE static void ReadIndices(const RemapSource &source, const RemapPlaces &places, const RemapLook &look,
                                    int32_t x, int32_t y, int32_t nPixels, uint32_t *pdwOut)
 {
+    int32_t anFrom[REMAP_SPAN];
     IndexNeighbors pairs;
-    int32_t anMixed[REMAP_SPAN];
-    LoadNeighbors(source, places, nPixels, &pairs);
-    MixIndices(source, places, pairs, look, nPixels, anMixed);
+    float afMixed[REMAP_SPAN];
+    LayPlaces(source, places, nPixels, anFrom);
+    LoadNeighbors(source, anFrom, nPixels, &pairs);
+    if (IsFading(look.fade))
+        MixFadingIndices(places, pairs, nPixels, afMixed);
+    else
+        MixIndices(source, places, pairs, nPixels, afMixed);
+    // Rounding up to a half could hold a faint trail for ever: fading takes more than that, if only just.
+    const float fBurn = look.fade.fBurn * (float)(source.nColors << source.nBits), fKeep = look.fade.fKeep;
+    const float fLess = IsFading(look.fade) ? std::max(fBurn, 0.55f) - 0.5f : -0.5f;
     const uint32_t nStart = (uint32_t)x * PATTERN_X + (uint32_t)y * PATTERN_Y + look.nFrame * PATTERN_FRAME;
-    const int32_t nBits = source.nBits, nColors = source.nColors;
+    const int32_t nBits = source.nBits, nColors = source.nColors, bTrails = look.bTrails;
     for (int32_t i = 0; i < nPixels; i++) {
-        const int32_t nPattern = look.bTrails ? (int32_t)((nStart + (uint32_t)i * PATTERN_X) & 255) : 128;
-        const int32_t nIndex = (anMixed[i] + (nPattern >> (8 - nBits))) >> nBits;
+        const int32_t nMixed = (int32_t)std::max(afMixed[i] * fKeep - fLess, 0.0f);
+        const int32_t nPattern = bTrails ? (int32_t)((nStart + (uint32_t)i * PATTERN_X) & 255) : 128;
+        const int32_t nIndex = (nMixed + (nPattern >> (8 - nBits))) >> nBits;
         pdwOut[i] = (uint32_t)(nIndex < nColors ? nIndex : 0); // just past the last color comes the first
     }
 }

@@ -1,4 +1,5 @@
-// StockScratch.h -- a copy of the picture for effects that read what they are about to overwrite
+// StockScratch.h -- memory that fits the picture: a copy for effects that read what they are about to overwrite, and
+// tables of its columns
 #ifndef VORTICADE_STOCK_SCRATCH_H
 #define VORTICADE_STOCK_SCRATCH_H
 
@@ -46,6 +47,32 @@ inline bool CopyCanvas(ScratchPicture *pScratch, const Canvas &canvas)
     for (int32_t y = 0; y < canvas.nHeight; y++)
         memcpy(ScratchRow(*pScratch, y), CanvasRow(canvas, y), (size_t)canvas.nWidth * sizeof(uint32_t));
     return true;
+}
+
+// ---- Tables of columns, in one block
+
+// Zero it before its first use.
+struct ColumnTables {
+    void *pv;
+    int32_t nColumns; // 0: nothing allocated
+};
+
+inline void FreeColumns(ColumnTables *pTables)
+{
+    free(pTables->pv);
+    *pTables = {};
+}
+
+// Makes room for cbColumn bytes for each column, zeroed; what it holds stays if it fits. False if there is no memory:
+// then nothing is held.
+inline bool FitColumns(ColumnTables *pTables, int32_t nColumns, size_t cbColumn)
+{
+    if (pTables->nColumns == nColumns)
+        return true;
+    free(pTables->pv);
+    pTables->pv = calloc((size_t)nColumns, cbColumn);
+    pTables->nColumns = pTables->pv ? nColumns : 0;
+    return pTables->pv != nullptr;
 }
 
 #endif

@@ -40,53 +40,69 @@ inline ColorFade FadeOfColors(const TrailFade &fade)
     return {(uint16_t)std::min((1 - fade.fKeep) * 65536, 65535.0f), (uint16_t)fBurn};
 }
 
-// Rounds by a fine pattern, not to the nearest: slow fades go on below one step of a byte, without bands.
-inline void FadeColors(const uint16_t *pwMixed, int32_t nBytes, const ColorFade &fade, const uint8_t *pbPattern,
-                       uint8_t bPatternStart, uint8_t *pbOut)
+// ---- Mixing the four neighbours of places between the pixels
+
+#define TRAIL_SPAN 128 // places at most
+
+// For a place nX and nY of 256 away from its lower left neighbour: what each neighbour counts. The weights add up to
+// exactly 256, so an even area stays even.
+struct PlaceWeights {
+    uint32_t nLeft, nRight, nUpperLeft, nUpperRight;
+};
+
+inline PlaceWeights WeighNeighbors(uint32_t nX, uint32_t nY)
 {
-    for (int32_t i = 0; i < nBytes; i++) {
-        const uint16_t wKept = (uint16_t)(pwMixed[i] - (uint16_t)((uint32_t)pwMixed[i] * fade.nLoss >> 16));
-        const uint16_t wLeft = (uint16_t)(wKept > fade.nBurn ? wKept - fade.nBurn : 0);
-        const uint8_t bPattern = (uint8_t)(pbPattern[i] + bPatternStart);
-        pbOut[i] = (uint8_t)((uint16_t)(wLeft + bPattern) >> 8);
+    const uint32_t nBoth = nX * nY >> 8;
+    return {256 - nX - nY + nBoth, nX - nBoth, nY - nBoth, nBoth};
+}
+
+// Pixels by channel, in 8.8 bits: the first and third channels of each pixel, then the second and fourth ones.
+struct MixedColors {
+    alignas(32) uint32_t adwEven[TRAIL_SPAN], adwOdd[TRAIL_SPAN];
+};
+
+// pnFrom: where the lower left neighbours lie; pnX, pnY: places between the pixels, of which 8 bits count.
+inline void MixNeighbors(const uint32_t *pPicture, size_t nStride, const int32_t *pnFrom, const int32_t *pnX,
+                         const int32_t *pnY, int32_t nPixels, MixedColors *__restrict pMixed)
+{
+    alignas(32) uint32_t adwLower[2 * TRAIL_SPAN], adwUpper[2 * TRAIL_SPAN]; // pairs of neighbours
+    for (int32_t i = 0; i < nPixels; i++) {
+        memcpy(&adwLower[2 * i], pPicture + pnFrom[i], 8);
+        memcpy(&adwUpper[2 * i], pPicture + pnFrom[i] + nStride, 8);
+    }
+    const uint32_t dwMask = 0x00FF00FFu; // two channels at a time: no sum goes beyond 16 bits
+    for (int32_t i = 0; i < nPixels; i++) {
+        const PlaceWeights w = WeighNeighbors((uint32_t)pnX[i] & 255, (uint32_t)pnY[i] & 255);
+        const uint32_t a = adwLower[2 * i], b = adwLower[2 * i + 1], c = adwUpper[2 * i], d = adwUpper[2 * i + 1];
+        pMixed->adwEven[i] = (a & dwMask) * w.nLeft + (b & dwMask) * w.nRight + (c & dwMask) * w.nUpperLeft +
+                             (d & dwMask) * w.nUpperRight;
+        pMixed->adwOdd[i] = (a >> 8 & dwMask) * w.nLeft + (b >> 8 & dwMask) * w.nRight +
+                            (c >> 8 & dwMask) * w.nUpperLeft + (d >> 8 & dwMask) * w.nUpperRight;
     }
 }
 
-// ---- Weights of the four neighbours of a place between the pixels
+typedef uint16_t PixelWord __attribute__((may_alias)); // half of a pixel
 
-typedef uint8_t Bytes16 __attribute__((vector_size(16)));
-typedef uint16_t Words8 __attribute__((vector_size(16)));
-typedef uint32_t Doubles4 __attribute__((vector_size(16)));
-typedef uint64_t Quads2 __attribute__((vector_size(16)));
-
-// For a place nX and nY of 256 away from the lower left neighbour: the weights of the lower and of the upper pair,
-// the left one in the low word. The four add up to exactly 256, so an even area stays even.
-inline void WeighNeighbors(int32_t nX, int32_t nY, uint32_t *pdwLower, uint32_t *pdwUpper)
+// What is left of a value in 8.8 bits.
+inline uint16_t FadedValue(uint16_t wMixed, const ColorFade &fade)
 {
-    const int32_t nBoth = nX * nY >> 8;
-    *pdwLower = (uint32_t)((256 - nX - nY + nBoth) | (nX - nBoth) << 16);
-    *pdwUpper = (uint32_t)((nY - nBoth) | nBoth << 16);
+    const uint16_t wKept = (uint16_t)(wMixed - (uint16_t)((uint32_t)wMixed * fade.nLoss >> 16));
+    return (uint16_t)(wKept > fade.nBurn ? wKept - fade.nBurn : 0);
 }
 
-// The bytes of a pixel and of its right neighbour, each times its weight.
-inline Words8 WeighPair(const uint32_t *p, uint32_t dwWeights)
+// Rounds by a fine pattern, not to the nearest: slow fades go on below one step of a byte, without bands.
+// pbPattern: two bytes for each pixel; bStart moves it.
+inline void FadeColors(const MixedColors &mixed, int32_t nPixels, const ColorFade fade, const uint8_t *pbPattern,
+                       uint8_t bStart, uint32_t *pdwOut)
 {
-    uint64_t qwPair;
-    memcpy(&qwPair, p, sizeof qwPair);
-    const Bytes16 pair = (Bytes16)Quads2{qwPair}, zero = {};
-    const Words8 words =
-        (Words8)__builtin_shufflevector(pair, zero, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
-    const Words8 weights = (Words8)Doubles4{dwWeights};
-    const Doubles4 twice = (Doubles4)__builtin_shufflevector(weights, weights, 0, 8, 1, 9, 2, 10, 3, 11);
-    return words * (Words8)__builtin_shufflevector(twice, twice, 0, 0, 1, 1);
-}
-
-// Writes the four channels of a place in 8.8 bits. p: its lower left neighbour; nStride: pixels from row to row.
-inline void MixNeighbors(const uint32_t *p, size_t nStride, uint32_t dwLower, uint32_t dwUpper, uint16_t *pwMixed)
-{
-    const Words8 sums = WeighPair(p, dwLower) + WeighPair(p + nStride, dwUpper);
-    const Quads2 mixed = (Quads2)(sums + (Words8)__builtin_shufflevector((Quads2)sums, (Quads2)sums, 1, 0));
-    memcpy(pwMixed, &mixed, 8);
+    const PixelWord *pwEven = (const PixelWord *)mixed.adwEven, *pwOdd = (const PixelWord *)mixed.adwOdd;
+    PixelWord *__restrict pwOut = (PixelWord *)pdwOut;
+    for (int32_t i = 0; i < 2 * nPixels; i++) {
+        const uint16_t wPattern = (uint8_t)(pbPattern[i] + bStart);
+        const uint16_t wEven = (uint16_t)(FadedValue(pwEven[i], fade) + wPattern);
+        const uint16_t wOdd = (uint16_t)(FadedValue(pwOdd[i], fade) + wPattern);
+        pwOut[i] = (uint16_t)(wEven >> 8 | (wOdd & 0xFF00));
+    }
 }
 
 #endif
