@@ -57,6 +57,15 @@ template <typename Fn> double TimeCalls(unsigned nCalls, Fn &&fn)
     return dTaken.count() / nCalls;
 }
 
+// Microseconds of processor time of one call, measured over nCalls of them: turns that others take do not count.
+template <typename Fn> double CpuOfCalls(unsigned nCalls, Fn &&fn)
+{
+    const double fStart = ThreadSeconds();
+    for (unsigned i = 0; i < nCalls; i++)
+        fn();
+    return (ThreadSeconds() - fStart) * 1e6 / nCalls;
+}
+
 // Times all functions in turn, round after round, after one round of warm-up, and calls fnBefore untimed before each.
 // Microseconds per call: one list per function, one entry per round.
 template <typename Before, typename... Fns>

@@ -12,7 +12,6 @@
 
 #include <ctime>
 #include <sched.h>
-#include <sys/resource.h>
 
 namespace {
 
@@ -30,21 +29,13 @@ struct Pacing {
     double fWallNs = 0;
 };
 
-double ThreadCpuNs()
-{
-    rusage usage;
-    getrusage(RUSAGE_THREAD, &usage);
-    return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e9 +
-           static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1e3;
-}
-
 template <typename Fn> void Measure(Pacing *pp, Fn run)
 {
-    const double fCpu = ThreadCpuNs();
+    const double fCpu = ThreadSeconds();
     const i64 nStart = RealNanoseconds();
     run();
     pp->fWallNs += static_cast<double>(RealNanoseconds() - nStart);
-    pp->fCpuNs += ThreadCpuNs() - fCpu;
+    pp->fCpuNs += (ThreadSeconds() - fCpu) * 1e9;
 }
 
 void AddLateness(Pacing *pp, i64 nLateNs)

@@ -14,7 +14,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <string>
@@ -99,26 +98,13 @@ void Require(bool b)
         std::abort();
 }
 
-// Processor time of one call: a difference of two times on a busy machine would tell of its other users.
-template <typename Fn> double CpuMicros(Fn &&fn)
-{
-    const auto now = [] {
-        timespec ts;
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-        return static_cast<double>(ts.tv_sec) * 1e6 + static_cast<double>(ts.tv_nsec) / 1e3;
-    };
-    const double fStart = now();
-    fn();
-    return now() - fStart;
-}
-
 void BenchParsing(const std::string &sText)
 {
     SetSize(16, 16);
     std::vector<double> afLoad, afBuild, afParse;
     for (u32 i = 0; i < 5 * ROUNDS; i++) {
-        afLoad.push_back(CpuMicros([&] { Require(DestroyPresetState(LoadPresetText(sText))); }));
-        afBuild.push_back(CpuMicros([] { DestroyPresetState(BuildFullPreset()); }));
+        afLoad.push_back(CpuOfCalls(1, [&] { Require(DestroyPresetState(LoadPresetText(sText))); }));
+        afBuild.push_back(CpuOfCalls(1, [] { DestroyPresetState(BuildFullPreset()); }));
         afParse.push_back(afLoad.back() - afBuild.back());
     }
     ReportFigure("PresetFile/parsing 32 modules, bring-up apart", Median(afParse), PARSE_GOAL_US, "us",

@@ -1,21 +1,17 @@
 // Recording_bench.cpp -- what saving frames costs: the encoders, the queue before them, and the renderer as a whole
+#include "bench/BenchEngine.h"
 #include "bench/BenchReport.h"
 
-#include "app/GlobalSettings.h"
-#include "app/Startup.h"
 #include "engine/FrameStep.h"
 #include "engine/PresetManager.h"
 #include "output/PictureFiles.h"
 #include "output/PictureQueue.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
-#include "platform/Random.h"
 #include "platform/Text.h"
-#include "platform/Threads.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <filesystem>
 #include <png.h>
 #include <string>
@@ -48,12 +44,7 @@ std::u16string PathOf(const std::string &sName)
 
 void StartEngine()
 {
-    UseFixedClock(0);
-    SeedAllRandom(1);
-    StartHeadless({FromUtf8(SOURCE_FOLDER "/data"), FromUtf8(STOCK_MODULE_FOLDER), {}});
-    GlobalSettings.dwPlaneWaitMs = WAIT_FOREVER;
-    GlobalSettings.nBufferWidth = WIDTH;
-    GlobalSettings.nBufferHeight = HEIGHT;
+    StartBenchEngine(WIDTH, HEIGHT);
     SwitchPreset(MakeDefaultPreset, nullptr);
 }
 

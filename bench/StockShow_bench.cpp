@@ -5,9 +5,8 @@
 // to a copy of the plane. Modules and shaders that need OpenGL are left out.
 //
 // StockShow_bench PART... measures only what has one of the parts in the name of its module or preset.
-#include "app/GlobalSettings.h"
 #include "app/RenderSound.h"
-#include "app/Startup.h"
+#include "bench/BenchEngine.h"
 #include "bench/BenchReport.h"
 #include "engine/FrameStep.h"
 #include "engine/ModuleSlots.h"
@@ -17,9 +16,7 @@
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
-#include "platform/Random.h"
 #include "platform/Text.h"
-#include "platform/Threads.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -43,9 +40,8 @@ std::span<char *> aszParts;
 
 bool IsAskedFor(const std::u16string &sName)
 {
-    return aszParts.empty() || std::any_of(aszParts.begin(), aszParts.end(), [&](const char *szPart) {
-               return ContainsNoCase(sName, FromUtf8(szPart));
-           });
+    return aszParts.empty() || std::any_of(aszParts.begin(), aszParts.end(),
+                                           [&](const char *szPart) { return ContainsNoCase(sName, FromUtf8(szPart)); });
 }
 
 // The draw calls of the module under test, in milliseconds.
@@ -62,12 +58,7 @@ u32 DrawTimed(void *pvContext, PlaneInfo *ppi)
 
 void StartEngine()
 {
-    UseFixedClock(0);
-    SeedAllRandom(1);
-    StartHeadless({FromUtf8(SOURCE_FOLDER "/data"), FromUtf8(STOCK_MODULE_FOLDER), {}});
-    GlobalSettings.dwPlaneWaitMs = WAIT_FOREVER;
-    GlobalSettings.nBufferWidth = WIDTH;
-    GlobalSettings.nBufferHeight = HEIGHT;
+    StartBenchEngine(WIDTH, HEIGHT);
     BindRenderSound(&GlobalSettings.Monitor, 1);
 }
 

@@ -19,7 +19,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <vector>
 
 namespace {
@@ -42,20 +41,6 @@ void Settle()
 {
     for (u32 i = 0; i < 3; i++)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
-
-// Processor time of one call in microseconds: turns that other programs take do not count.
-template <typename Fn> double CpuOfCalls(unsigned nCalls, Fn fn)
-{
-    const auto now = [] {
-        timespec ts;
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-        return static_cast<double>(ts.tv_sec) * 1e6 + static_cast<double>(ts.tv_nsec) / 1e3;
-    };
-    const double fStart = now();
-    for (unsigned i = 0; i < nCalls; i++)
-        fn();
-    return (now() - fStart) / nCalls;
 }
 
 // The same window with all overlays and without any, frame by frame in turn, against a plain copy of the picture.
