@@ -2,9 +2,10 @@
     "DESCRIPTION": "Curtains of northern light over a dark horizon",
     "CREDIT": "Vorticade",
     "INPUTS": [
-        {"NAME": "drift", "LABEL": "Drift", "TYPE": "float", "MIN": 0, "MAX": 2, "DEFAULT": 0.4, "SUM": true},
+        {"NAME": "drift", "LABEL": "Drift", "TYPE": "float", "MIN": 0, "MAX": 2, "DEFAULT": 0.4, "SUM": true, "SOURCE": "sound",
+         "SMOOTH": 24, "RANGE": [0.35, 1.5], "EASE": 1},
         {"NAME": "power", "LABEL": "Power", "TYPE": "float", "MIN": 0, "MAX": 3, "DEFAULT": 1, "SOURCE": "sound",
-         "SMOOTH": 16, "RANGE": [0.7, 2.2], "EASE": 0.3},
+         "SMOOTH": 16, "RANGE": [0.75, 2.0], "EASE": 0.3},
         {"NAME": "low", "LABEL": "Lower Color", "TYPE": "color", "DEFAULT": [0.1, 1.0, 0.5, 1]},
         {"NAME": "high", "LABEL": "Upper Color", "TYPE": "color", "DEFAULT": [0.65, 0.15, 0.95, 1]},
         {"NAME": "stars", "LABEL": "Stars", "TYPE": "bool", "DEFAULT": true}
@@ -20,10 +21,12 @@ vec3 curtain(vec2 p, float layer)
     float foot = 0.08 + 0.16 * layer + 0.5 * (way - 0.5);
     float h = p.y - foot;
     float fringe = noise(vec2(x * 9.0 + 6.0 * way, drift * 0.7 + layer * 9.0));
-    float tall = 0.2 + 0.35 * noise(vec2(x * 2.3 - drift * 0.2, layer * 5.0));
-    float rays = 0.35 + 0.65 * fringe * fringe;
+    // What was heard runs along the curtain from the middle.
+    float heard = texture(iSoundHistory, vec2(abs(p.x - 0.5 * iResolution.x / iResolution.y) * (0.25 + 0.08 * layer), 0.25)).r;
+    float tall = 0.16 + 0.22 * heard + 0.35 * noise(vec2(x * 2.3 - drift * 0.2, layer * 5.0));
+    float rays = (0.35 + 0.65 * fringe * fringe) * (0.7 + 0.9 * heard);
     float light = smoothstep(-0.02, 0.03, h) * exp(-max(h, 0.0) / tall * 2.2) * rays;
-    return light * mix(low.rgb, high.rgb, smoothstep(0.0, 0.45, h));
+    return light * mix(low.rgb, high.rgb, smoothstep(0.0, 0.3 + 0.3 * way, h));
 }
 
 void mainImage(out vec4 color, in vec2 place)

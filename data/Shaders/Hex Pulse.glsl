@@ -32,11 +32,11 @@ void main()
     vec3 hex = hexagon(p);
     float chance = hash1(hex.yz * vec2(2.0, 1.1547005) + 0.5); // whole numbers, rounded
     float wave = 0.5 + 0.5 * sin(6.2831853 * (chance + speed) - 0.7 * length(hex.yz));
-    float open = 0.08 + 0.42 * wave * (0.35 + 0.65 * beat);
+    float open = 0.16 + 0.34 * wave * (0.4 + 0.6 * beat);
     float inside = smoothstep(0.0, 0.03, hex.x - 0.5 + open);
     float rim = exp(-60.0 * abs(hex.x - 0.5 + open));
     float dome = sqrt(clamp((hex.x - 0.5 + open) / open, 0.0, 1.0));
     vec3 tone = rainbow(hue + 0.25 * chance + 0.05 * length(hex.yz));
     float body = look == 1 ? 0.08 * inside : look == 2 ? inside * dome : inside * (0.35 + 0.65 * wave);
-    gl_FragColor = vec4(expose(tone * (1.6 * body + rim * (0.6 + beat))), 1.0);
+    gl_FragColor = vec4(expose(tone * (0.05 + 1.6 * body + rim * (0.6 + beat))), 1.0);
 }

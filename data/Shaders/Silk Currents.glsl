@@ -15,10 +15,10 @@
 
 float height(vec2 p, out vec2 warp)
 {
-    warp = vec2(noise(p + 0.23 * flow), noise(p + vec2(5.2, 1.3) - 0.19 * flow));
-    warp += 0.5 * vec2(noise(2.1 * p + 3.0 * warp), noise(2.1 * p - 3.0 * warp + 8.0));
+    warp = vec2(noise(p + 0.23 * flow), noise(rotate(1.1) * p + vec2(5.2, 1.3) - 0.19 * flow));
+    warp += 0.5 * vec2(noise(rotate(0.6) * (2.1 * p + 3.0 * warp)), noise(rotate(1.9) * (2.1 * p - 3.0 * warp) + 8.0));
     vec2 q = p + fold * warp;
-    return 0.6 * noise(q + 0.1 * flow) + 0.28 * noise(rotate(0.8) * q * 2.3) + 0.12 * noise(q.yx * 5.0 - flow * 0.2);
+    return 0.6 * noise(rotate(0.45) * q + 0.1 * flow) + 0.28 * noise(rotate(0.8) * q * 2.3) + 0.12 * noise(q.yx * 5.0 - flow * 0.2);
 }
 
 void mainImage(out vec4 color, in vec2 place)

@@ -24,7 +24,9 @@ void main()
     float before = texture(iSoundHistory, vec2(age + 0.006, 0.25)).r;
     float edge = abs(level - before) * 9.0;
     float grain = 0.75 + 0.25 * cos(150.0 * r - 6.0 * iSoundTime);
-    vec3 light = glow(level * grain, hue + 0.5 * age + 0.06 * sin(angle * 2.0)) * 1.4;
+    // Silence is not black: faint rings still go by.
+    float rest = 0.16 + 0.12 * cos(26.0 * r - 1.6 * TIME) + 0.05 * cos(7.0 * r + 0.7 * TIME);
+    vec3 light = glow(max(level, rest) * grain, hue + 0.5 * age + 0.06 * sin(angle * 2.0)) * 1.4;
     light += edge * rainbow(hue + 0.5 + age) * exp(-1.5 * r);
     light += rainbow(hue + 0.1) * iSound * 0.02 / (0.01 + r * r);
     gl_FragColor = vec4(expose(light), 1.0);

@@ -17,7 +17,7 @@
 void mainImage(out vec4 color, in vec2 place)
 {
     vec2 p = rotate(0.05 * iTime) * (place - 0.5 * iResolution.xy) / iResolution.y;
-    float golden = 2.39996323 + 0.002 * detune, r = length(p), size = 0.62 / sqrt(seeds), best = 9.0, which = 0.0;
+    float golden = 2.39996323 + 0.002 * detune, r = length(p), size = 0.92 / sqrt(seeds), best = 9.0, which = 0.0;
     // Only the seeds of a ring around this place can reach it.
     float middle = r * r / (size * size), ring = 3.2 * sqrt(max(middle, 1.0)) + 6.0;
     for (float k = max(floor(middle - ring), 0.0); k < middle + ring; k++) {
@@ -32,6 +32,6 @@ void mainImage(out vec4 color, in vec2 place)
     float seed = size * (0.62 + 0.5 * heard) * swell;
     float dome = sqrt(clamp(1.0 - best * best / (seed * seed), 0.0, 1.0));
     vec3 tone = rainbow(hue + 0.35 * share + 0.1 * sin(which * 0.05 + iTime));
-    vec3 light = tone * (dome * (0.55 + 0.9 * heard) + 0.35 * pow(dome, 8.0)) + 0.2 * tone * exp(-3.0 * best / size);
+    vec3 light = tone * (dome * (0.75 + 0.9 * heard) + 0.35 * pow(dome, 8.0)) + 0.2 * tone * exp(-3.0 * best / size);
     color = vec4(expose(1.6 * light * smoothstep(1.15, 0.75, share)), 1.0);
 }
