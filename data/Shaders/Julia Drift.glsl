@@ -3,7 +3,7 @@
     "CREDIT": "Vorticade",
     "INPUTS": [
         {"NAME": "walk", "LABEL": "Walk", "TYPE": "float", "MIN": 0, "MAX": 1, "DEFAULT": 0.15, "SUM": true, "EASE": 2,
-         "SOURCE": "sound", "SMOOTH": 30, "RANGE": [0.08, 0.3]},
+         "SOURCE": "sound", "SMOOTH": 30, "RANGE": [0.05, 0.2]},
         {"NAME": "zoom", "LABEL": "Zoom", "TYPE": "float", "MIN": 0.4, "MAX": 6, "DEFAULT": 1, "SOURCE": "wave", "PERIOD": 61,
          "RANGE": [0.8, 1.9]},
         {"NAME": "hue", "LABEL": "Hue", "TYPE": "float", "DEFAULT": 0.6, "SOURCE": "wave", "PERIOD": 83, "WAVE": "ramp"},

@@ -22,7 +22,7 @@ void mainImage(out vec4 color, in vec2 place)
         float a = fract(0.5 + 0.7549 * float(i)), b = fract(0.5 + 0.5698 * float(i)), c = fract(0.3820 * float(i) + 0.1);
         vec2 at = vec2((a - 0.5) * 1.7 + 0.12 * sin(heat * (0.5 + b) + 9.0 * c),
                        0.5 * sin(heat * (0.35 + 0.6 * b) + 6.28 * c + 0.3 * sin(heat * 0.7 + a * 5.0)));
-        float r = size * (0.055 + 0.075 * c);
+        float r = size * (0.07 + 0.085 * c);
         vec2 d = p - at;
         float f = r * r / (dot(d, d) + 1e-4);
         field += f;

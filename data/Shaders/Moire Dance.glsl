@@ -28,7 +28,9 @@ void main(void)
     vec2 p = (gl_FragCoord.xy - 0.5 * resolution) / resolution.y;
     vec2 d = apart * vec2(cos(0.37 * time), sin(0.53 * time));
     float a = rings(p - d, 2.0 * time), b = rings(p + d, 2.3 * time), c = rings(p + d.yx * vec2(-1.0, 1.0), 1.7 * time);
-    vec3 light = first.rgb * a + second.rgb * b;
-    light = mix(light, (first.rgb + second.rgb) * a * b * 1.4, 0.5) + vec3(1.0, 0.9, 0.7) * pow(a * b * c, 3.0) * 0.9;
+    // Both colors change slowly, each at a pace of its own.
+    vec3 one = mix(first.rgb, first.gbr, 0.5 - 0.5 * cos(0.13 * time)), two = mix(second.rgb, second.gbr, 0.5 - 0.5 * cos(0.09 * time));
+    vec3 light = one * a + two * b;
+    light = mix(light, (one + two) * a * b * 1.4, 0.5) + vec3(1.0, 0.9, 0.7) * pow(a * b * c, 3.0) * 0.9;
     gl_FragColor = vec4(light * (1.05 - 0.6 * dot(p, p)), 1.0);
 }
