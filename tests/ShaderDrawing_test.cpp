@@ -250,9 +250,13 @@ TEST_F(ShaderDrawing, ComesToAnEndOfEveryLoop)
 // Files that crash a compiler, or keep it for minutes, do not get there.
 TEST_F(ShaderDrawing, KeepsFromTheDriverWhatItWouldChokeOn)
 {
-    std::string doubling = "#define A0 + 1.0\n", sum = "0.0", table = "float a[] = float[](-1.0";
-    for (int i = 0; i < 30; i++)
+    std::string doubling = "#define A0 + 1.0\n", sum = "0.0", table = "float a[] = float[](-1.0", late, calls;
+    for (int i = 0; i < 30; i++) {
+        late = "#define A" + std::to_string(i + 1) + " A" + std::to_string(i) + " A" + std::to_string(i) + "\n" + late;
+        calls += "C(D,";
         doubling += "#define A" + std::to_string(i + 1) + " A" + std::to_string(i) + " A" + std::to_string(i) + "\n";
+    }
+    calls += "1.0" + std::string(30, ')') + ";\n";
     for (int i = 0; i < 100000; i++)
         sum += "+1.0";
     for (int i = 0; i < 3000; i++)
@@ -260,16 +264,23 @@ TEST_F(ShaderDrawing, KeepsFromTheDriverWhatItWouldChokeOn)
     const std::string red = RedIf("true");
     const struct {
         std::string text, place;
-    } as[] = {{"#define W while\n" + red, "Test.glsl:1: a macro may hold a whole loop"},
-              {red + "#define F(a) for (a;;\n", "Test.glsl:2: a macro may hold a whole loop"},
-              {"#define J(a, b) a##b\n" + red, "Test.glsl:1: a macro may"},
-              {doubling + "float f = 0.0 A30;\n" + red, "Test.glsl:32: the shader has more words"},
-              {"float f = " + sum + ";\n" + red, "Test.glsl:1: a statement has more operators"},
-              {"float f[100000000];\n" + red, "Test.glsl:1: an array has at most"},
-              {std::string(500000, ';') + red, "Test.glsl:1: the shader has more words"},
-              {"\xFF\xFE/\0/\0", "in UTF-16"},
-              {std::string(100000, '(') + std::string(100000, '{') + red, "Test.glsl:1: "},
-              {table + ");\n" + red, ""}};
+    } as[] = {
+        {"#define W while\n" + red, "Test.glsl:1: a macro may hold a whole loop"},
+        {red + "#define F(a) for (a;;\n", "Test.glsl:2: a macro may hold a whole loop"},
+        {"#define J(a, b) a##b\n" + red, "Test.glsl:1: a macro may"},
+        {doubling + "float f = 0.0 A30;\n" + red, "Test.glsl:32: the shader has more words"},
+        {late + "#define A0 + 1.0\nfloat f = 0.0 A30;\n" + red, "Test.glsl:32: the shader has more words"},
+        {"#define D +\n#define C(f, x) x f x\nfloat f = " + calls + red, "Test.glsl:3: a statement has"},
+        {"#define D(x) x + x\n#define C(f, x) f(x)\nfloat f = " + calls + red, "Test.glsl:3: the shader has"},
+        {"#define X B G\n#define B X\n#define G + 1.0\nfloat f = 0.0 B;\n" + red, "Test.glsl:4: the shader"},
+        {"#define sin(a) sin(a)\n#define S(a, b) mix(a + a, b, a)\nfloat S = S(1.0, S(2.0, sin(S(3.0, 4.0))));\n" + red,
+         ""},
+        {"float f = " + sum + ";\n" + red, "Test.glsl:1: a statement has more operators"},
+        {"float f[100000000];\n" + red, "Test.glsl:1: an array has at most"},
+        {std::string(500000, ';') + red, "Test.glsl:1: the shader has more words"},
+        {"\xFF\xFE/\0/\0", "in UTF-16"},
+        {std::string(100000, '(') + std::string(100000, '{') + red, "Test.glsl:1: "},
+        {table + ");\n" + red, ""}};
     for (const auto &[text, place] : as) {
         SCOPED_TRACE(text.substr(0, 200));
         ShaderMessages.clear();
