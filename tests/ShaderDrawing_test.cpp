@@ -247,6 +247,40 @@ TEST_F(ShaderDrawing, ComesToAnEndOfEveryLoop)
     EXPECT_EQ(RED, p->Middle()) << "honest loops run as they are written; " << LastMessage();
 }
 
+// The steps of a pixel are counted over all such loops: where the first one used them up, the second takes none.
+TEST_F(ShaderDrawing, SeesThroughOtherNamesForACounter)
+{
+    const struct {
+        std::string before, loop;
+    } as[] = {
+        {"", "for (int i = 0; i < 10; i++) { (i)--; n += 1.0; }"},
+        {"", "for (int i = 0; i < 10; i++) { --((i)); n += 1.0; }"},
+        {"#define A i\n", "for (int i = 0; i < 10; i++) { A = 0; n += 1.0; }"},
+        {"#define A i\n#define B A = 0\n", "for (int i = 0; i < 10; i++) { B; n += 1.0; }"},
+        {"#define A i\nvoid Zero(inout int k) { k = 0; }\n", "for (int i = 0; i < 10; i++) { Zero(A); n += 1.0; }"},
+        {"#define A(x) x\n", "for (int i = 0; i < 10; i++) { A(i) = 0; n += 1.0; }"},
+        {"#define A =\n", "for (int i = 0; i < 10; i++) { i A 0; n += 1.0; }"},
+        {"#define A =\n#define B(x) x A 0\n", "for (int i = 0; i < 10; i++) { B(i); n += 1.0; }"},
+        {"#define A(x) --\n", "for (int i = 0; i < 10; i++) { A(0) i; n += 1.0; }"},
+        {"#define i k\nint k;\n", "for (int i = 0; i < 10; i++) { k = 0; n += 1.0; }"},
+        {"#define A for (i = 0; i < 5; i++)\n", "for (int i = 0; i < 10; i++) { A n += 1.0; }"},
+        {"const int N = 10;\n", "int N = 2000000000; for (int i = 0; i < N; i++) n += 1.0;"},
+        {"#define N 10\n#undef N\n#define N 2000000000 + 0\n", "for (int i = 0; i < N; i++) n += 1.0;"}};
+    for (const auto &[before, loop] : as) {
+        SCOPED_TRACE(before + loop);
+        const auto p = Open(before + "void mainImage(out vec4 c, in vec2 p) { float n = 0.0; { " + loop +
+                            " } float m = n; { " + loop + " } c = n > 0.0 && n == m ? vec4(0, 1, 0, 1) : vec4(0); }");
+        p->Draw();
+        EXPECT_EQ(GREEN, p->Middle()) << LastMessage();
+    }
+    const std::string loop = "for (int i = 0; i < N; i++) { float f = S(T) + float(i); if (f < 0.0) continue; F n++; }";
+    const auto p = Open("#define N 3000\n#ifdef N\n#define T iTime\n#define S(x) sin(x)\n#endif\n#define F for (int j "
+                        "= 0; j < 1; j++)\nvoid mainImage(out vec4 c, in vec2 p) { int n = 0; " +
+                        loop + loop + loop + " c = n >= 8192 ? vec4(0, 1, 0, 1) : vec4(0, 0, n, 1); }");
+    p->Draw();
+    EXPECT_EQ(GREEN, p->Middle()) << "macros as such make no loop suspicious; " << LastMessage();
+}
+
 // Files that crash a compiler, or keep it for minutes, do not get there.
 TEST_F(ShaderDrawing, KeepsFromTheDriverWhatItWouldChokeOn)
 {

@@ -18,8 +18,11 @@ using Tokens = std::vector<ShaderToken>;
 // What is known of the whole file before its loops are looked at.
 struct LoopFacts {
     std::map<std::string_view, double> constants;
-    std::set<std::string_view> changedInMacros; // "NAME++" in a #define
-    bool bArgumentsChange;                      // a function or a macro gives an argument of it a new value
+    std::set<std::string_view> others; // declared or given a value elsewhere: no constants, whatever else they are
+    std::set<std::string_view> macros, inMacros; // their names; the words that they are made of
+    std::set<std::string_view> changedInMacros;  // "NAME++" in a #define
+    bool bArgumentsChange;                       // a function or a macro gives an argument of it a new value
+    bool bMacrosHide;                            // who knows what: they change each other, or end with an operator
 };
 
 // A loop around the place that is looked at.
@@ -49,30 +52,49 @@ double NumberAt(const ShaderToken &token)
     return strtod(std::string(token.text).c_str(), nullptr);
 }
 
-// "#define NAME 64" and "const int NAME = 64;". Where a name has several, the largest counts.
-void NoteConstant(const Tokens &aToken, size_t i, LoopFacts *pFacts)
+// "#define NAME 64" and "const int NAME = 64;", i being the name. Where it has several, the largest counts.
+bool NoteConstant(const Tokens &aToken, size_t i, LoopFacts *pFacts)
 {
-    const bool bDefine = aToken[i].text == "#" && aToken[i + 1].text == "define";
-    const bool bConst = aToken[i].text == "const" && aToken[i + 3].text == "=" && aToken[i + 5].text == ";";
-    const size_t iNumber = bDefine ? i + 3 : i + 4;
-    const bool bAlone = !bDefine || aToken[i + 4].nDirective != aToken[i].nDirective;
+    const bool bDefine = aToken[i - 2].text == "#" && aToken[i - 1].text == "define";
+    const bool bConst = aToken[i - 2].text == "const" && aToken[i + 1].text == "=" && aToken[i + 3].text == ";";
+    const size_t iNumber = bDefine ? i + 1 : i + 2;
+    const bool bAlone = !bDefine || (aToken[i + 1].nDirective == aToken[i].nDirective &&
+                                     aToken[i + 2].nDirective != aToken[i].nDirective);
     if (!(bDefine || bConst) || !bAlone || !IsNumber(aToken[iNumber]))
-        return;
-    double &dValue = pFacts->constants[aToken[i + 2].text];
+        return false;
+    double &dValue = pFacts->constants[aToken[i].text];
     dValue = std::max(dValue, NumberAt(aToken[iNumber]));
+    return true;
 }
 
-// Whether the word at i gets a new value there: "i++", "--i", "i *= 2", "i = 0".
-bool IsChanged(const Tokens &aToken, size_t i)
+// Whether what stands from iFirst to iLast gets a new value there: "i++", "--i", "i *= 2", "i = 0", "(i).x = 0".
+bool IsChanged(const Tokens &aToken, size_t iFirst, size_t iLast)
 {
-    const char chNext = i + 1 < aToken.size() ? aToken[i + 1].text[0] : ' ';
-    const char chAfter = i + 2 < aToken.size() ? aToken[i + 2].text[0] : ' ';
-    const bool bBefore =
-        i >= 2 && (aToken[i - 1].text == "+" || aToken[i - 1].text == "-") && aToken[i - 2].text == aToken[i - 1].text;
-    const bool bShifted =
-        strchr("<>", chNext) && chAfter == chNext && i + 3 < aToken.size() && aToken[i + 3].text == "=";
+    const auto TextAt = [&](size_t i) { return i < aToken.size() ? aToken[i].text : " "; };
+    for (;;) {
+        if (iFirst > 0 && aToken[iFirst - 1].text == "(" && TextAt(iLast + 1) == ")") {
+            iFirst--;
+            iLast++;
+        } else if (TextAt(iLast + 1) == "." && iLast + 2 < aToken.size()) {
+            iLast += 2;
+        } else {
+            break;
+        }
+    }
+    const char chNext = TextAt(iLast + 1)[0], chAfter = TextAt(iLast + 2)[0];
+    const bool bBefore = iFirst >= 2 && (aToken[iFirst - 1].text == "+" || aToken[iFirst - 1].text == "-") &&
+                         aToken[iFirst - 2].text == aToken[iFirst - 1].text;
+    const bool bShifted = strchr("<>", chNext) && chAfter == chNext && TextAt(iLast + 3) == "=";
     return bBefore || bShifted || (chNext == '=' && chAfter != '=') ||
            (strchr("+-*/%&|^", chNext) && (chAfter == '=' || chAfter == chNext));
+}
+
+// A macro beside the word may be an operator.
+bool HasMacroBeside(const Tokens &aToken, size_t i, const LoopFacts &facts)
+{
+    const bool bBefore = i >= 2 && facts.macros.contains(aToken[i - 1].text) && aToken[i - 2].text != "define";
+    return bBefore || (i + 1 < aToken.size() && aToken[i + 1].nDirective == aToken[i].nDirective &&
+                       facts.macros.contains(aToken[i + 1].text));
 }
 
 // "inout int i", of whatever type a counter may have.
@@ -85,19 +107,53 @@ bool HandsNumberBack(const Tokens &aToken, size_t i)
            (aToken[iType].text == "int" || aToken[iType].text == "uint" || aToken[iType].text == "float");
 }
 
+bool IsDefined(const Tokens &aToken, size_t i)
+{
+    return i > 0 && aToken[i].nDirective && aToken[i - 1].text == "define";
+}
+
+// "int NAME", "in float NAME", "#undef NAME", but no mention of it.
+bool IsDeclared(const Tokens &aToken, size_t i)
+{
+    static const std::set<std::string_view> mentions = {"return", "else", "case", "ifdef",
+                                                        "ifndef", "if",   "elif", "defined"};
+    return IsWord(aToken[i - 1]) && !mentions.contains(aToken[i - 1].text);
+}
+
+void NoteMacroWord(const Tokens &aToken, size_t i, bool bOwnCounter, LoopFacts *pFacts)
+{
+    pFacts->inMacros.insert(aToken[i].text);
+    if (!bOwnCounter && (IsChanged(aToken, i, i) || HasMacroBeside(aToken, i, *pFacts)))
+        pFacts->changedInMacros.insert(aToken[i].text);
+}
+
 LoopFacts FindFacts(const Tokens &aToken)
 {
     LoopFacts facts = {};
-    size_t iForEnd = 0; // a macro that is a whole loop steps its own counter
-    for (size_t i = 0; i + 5 < aToken.size(); i++) {
-        NoteConstant(aToken, i, &facts);
+    size_t iForEnd = 0; // a macro that is a whole loop steps the counter that it declares
+    std::string_view counter;
+    for (size_t i = 0; i < aToken.size(); i++)
+        if (IsDefined(aToken, i))
+            facts.macros.insert(aToken[i].text);
+    for (size_t i = 2; i + 3 < aToken.size(); i++) {
         facts.bArgumentsChange |= HandsNumberBack(aToken, i);
-        if (aToken[i].nDirective && aToken[i].text == "for" && aToken[i + 1].text == "(")
+        const bool bLineEnds = aToken[i].nDirective && aToken[i + 1].nDirective != aToken[i].nDirective;
+        facts.bMacrosHide |= bLineEnds && strchr("+-*/%&|^<>=", aToken[i].text[0]);
+        if (!IsWord(aToken[i]))
+            continue;
+        if (!NoteConstant(aToken, i, &facts) && (IsDeclared(aToken, i) || IsChanged(aToken, i, i)))
+            facts.others.insert(aToken[i].text);
+        if (aToken[i].nDirective && aToken[i].text == "for" && aToken[i + 1].text == "(") {
             iForEnd = aToken[i + 1].iClosing;
-        if (aToken[i].nDirective && i >= iForEnd && IsWord(aToken[i]) && IsChanged(aToken, i))
-            facts.changedInMacros.insert(aToken[i].text);
+            const bool bDeclares = aToken[i + 2].text == "int" || aToken[i + 2].text == "float";
+            counter = bDeclares ? aToken[i + 3].text : "";
+        }
+        if (aToken[i].nDirective && !IsDefined(aToken, i) && aToken[i - 1].text != "#")
+            NoteMacroWord(aToken, i, i < iForEnd && aToken[i].text == counter, &facts);
     }
     facts.bArgumentsChange |= !facts.changedInMacros.empty();
+    for (const std::string_view name : facts.changedInMacros)
+        facts.bMacrosHide |= facts.macros.contains(name);
     return facts;
 }
 
@@ -126,23 +182,32 @@ double BoundOf(const Tokens &aToken, size_t iStart, size_t iEnd, const LoopFacts
     if (iEnd - iStart != 3 && !bEqual)
         return 0;
     const ShaderToken &bound = aToken[iEnd - 1];
-    const auto it = facts.constants.find(bound.text);
+    const auto it = facts.others.contains(bound.text) ? facts.constants.end() : facts.constants.find(bound.text);
     if (aToken[iStart + 1].text != "<" || (!IsNumber(bound) && it == facts.constants.end()))
         return 0;
     const double dBound = IsNumber(bound) ? NumberAt(bound) : it->second;
     return dBound <= PLAIN_LOOP_STEPS_MAX ? std::max(dBound, 1.0) : 0;
 }
 
-// Whether anything from iStart to iEnd gives the counter a new value.
+// "NAME(x) = 0": what the macro makes of its argument.
+bool ChangesCall(const Tokens &aToken, size_t i)
+{
+    return i + 1 < aToken.size() && aToken[i + 1].text == "(" && aToken[i + 1].iClosing < aToken.size() &&
+           IsChanged(aToken, i, aToken[i + 1].iClosing);
+}
+
+// Whether anything from iStart to iEnd gives the counter a new value, be it by another name.
 bool ChangesCounter(const Tokens &aToken, size_t iStart, size_t iEnd, std::string_view counter, const LoopFacts &facts)
 {
-    if (facts.changedInMacros.contains(counter))
+    if (facts.changedInMacros.contains(counter) || facts.macros.contains(counter) || facts.bMacrosHide)
         return true;
+    const bool bOtherNames = facts.inMacros.contains(counter);
     for (size_t i = iStart; i < iEnd; i++) {
-        if (aToken[i].text != counter)
-            continue;
+        const bool bCounter = aToken[i].text == counter, bMacro = facts.macros.contains(aToken[i].text);
         const bool bAlone = strchr("(,", aToken[i - 1].text[0]) && i + 1 < iEnd && strchr(",)", aToken[i + 1].text[0]);
-        if (IsChanged(aToken, i) || (bAlone && facts.bArgumentsChange))
+        if ((bCounter && HasMacroBeside(aToken, i, facts)) || (bMacro && ChangesCall(aToken, i)))
+            return true;
+        if ((bCounter || (bMacro && bOtherNames)) && (IsChanged(aToken, i, i) || (bAlone && facts.bArgumentsChange)))
             return true;
     }
     return false;
