@@ -64,6 +64,8 @@ TEST_F(ShaderDrawing, TakesTheWaysInWhichAuthorsWrite)
         "{\"NAME\":\"iSeed\",\"TYPE\":\"float\",\"DEFAULT\":0},{\"NAME\":\"i\",\"TYPE\":\"image\"}]}*/\n"
         "void main() { gl_FragColor = vec4(filter, iMouse.xy + iMouse.zw + iSeed, 1) * step(1.0, _i_imgSize.x) * "
         "_i_imgRect.z; }",
+        "/*{\"INPUTS\":[{\"NAME\":\"filter\",\"TYPE\":\"image\"}]}*/\n"
+        "void main() { gl_FragColor = vec4(step(1.0, _filter_imgSize.x), IMG_THIS_PIXEL(filter).gb, 1); }",
         "vec3 iSoundOf(float iSound) { return vec3(iSound, 0, 0); }\nvoid mainImage(out vec4 c, in vec2 p) { c.rgb = "
         "iSoundOf(1.0); }",
     };

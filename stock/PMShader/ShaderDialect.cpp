@@ -279,7 +279,7 @@ std::string MacroLines(const Facts &facts, const std::vector<ShaderInput> &input
         if (std::string_view(InputType(input.eKind)) != "sampler2D")
             continue;
         Add("_" + input.name + "_imgRect", " vec4(0.0, 0.0, 1.0, 1.0)");
-        Add("_" + input.name + "_imgSize", " vec2(textureSize(" + input.name + ", 0))");
+        Add("_" + input.name + "_imgSize", " vec2(textureSize(" + Renamed(input.name) + ", 0))");
         Add("_" + input.name + "_flip", " false");
     }
     return text;
