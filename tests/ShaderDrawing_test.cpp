@@ -366,6 +366,15 @@ TEST_F(ShaderDrawing, DrawsItsPassesOneAfterTheOther)
             p->pModule->Reset(p->plane, 3); // all buffers black
         }
     }
+    const auto changing = Open("/*{\"PASSES\":[{\"TARGET\":\"a\"},{}]}*/\n" + RedIf("PASSINDEX == 1"));
+    changing->Draw();
+    EXPECT_EQ(RED, changing->Middle());
+    Write("Test.glsl", RedIf("PASSINDEX == 0"));
+    changing->Draw(3, 300);
+    EXPECT_EQ(RED, changing->Middle()) << "a version without passes has the first one";
+    std::string many;
+    for (int i = 0; i < 16; i++)
+        many += ",{}";
     const struct {
         std::string passes, fault;
     } as[] = {{"{\"TARGET\":\"a\",\"WIDTH\":\"$WIDTH /\"}", "the WIDTH of a pass"},
@@ -373,6 +382,7 @@ TEST_F(ShaderDrawing, DrawsItsPassesOneAfterTheOther)
               {"{\"TARGET\":\"a\",\"WIDTH\":\"" + std::string(9999, '(') + "\"}", "the WIDTH of a pass"},
               {"{\"TARGET\":\"part\"}", "there is an input and a pass part"},
               {"{\"TARGET\":\"2x\"}", "the TARGET of a pass"},
+              {"{\"TARGET\":\"a\"}" + many + ",{\"TARGET\":\"b\"}", "there are more than 16 passes"},
               {"{\"TARGET\":\"a\",\"WIDTH\":-1e30,\"HEIGHT\":\"1/0\"},5,[],{\"TARGET\":7}", ""}};
     for (const auto &[list, fault] : as) {
         SCOPED_TRACE(list);

@@ -190,6 +190,7 @@ void PutPlace(Shader *pShader, const Canvas &canvas)
     const float fWidth = (float)canvas.nWidth, fHeight = (float)canvas.nHeight;
     UniformValues *pValues = &pShader->values;
     PutValue(pValues, VALUE_RESOLUTION, {fWidth, fHeight, 1});
+    PutValue(pValues, VALUE_PASS, {0});
     PutValue(pValues, VALUE_SIZES, {SOUND_HISTORY, 2, 1, 256, 256, 1, fWidth, fHeight, 1, 256, 256, 1});
     PutValue(
         pValues, VALUE_MOUSE,

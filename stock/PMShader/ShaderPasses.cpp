@@ -89,7 +89,8 @@ void FindExtents(const ShaderProgram &program, const UniformValues &values, Exte
 
 void NeedTargets(PassTargets *pTargets, const ShaderProgram &program, const UniformValues &values, Extent picture)
 {
-    Extent asExtent[SHADER_TARGETS_MAX] = {};
+    Extent asExtent[SHADER_TARGETS_MAX];
+    std::fill_n(asExtent, SHADER_TARGETS_MAX, Extent{1, 1}); // of one that no pass draws
     FindExtents(program, values, picture, asExtent);
     for (size_t i = 0; i < SHADER_TARGETS_MAX; i++) {
         glActiveTexture(GL_TEXTURE0 + UNIT_TARGETS + (GLenum)i);

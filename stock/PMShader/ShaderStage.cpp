@@ -229,6 +229,8 @@ void DrawOnStage(ShaderStage *pStage, const ShaderProgram &program, const float 
         DrawThroughTarget(pStage, program, canvas, pValues);
     else
         DrawDirectly(program, *pValues);
+    if (program.aPass.empty())
+        FreePassTargets(&pStage->passes); // of a version of the file that had some
     glPixelStorei(GL_PACK_ROW_LENGTH, (GLint)(canvas.cbRow / 4));
     glReadPixels(0, 0, canvas.nWidth, canvas.nHeight, GL_BGRA, GL_UNSIGNED_BYTE, canvas.pbBits);
 }
