@@ -2,6 +2,7 @@
 #include "tests/ShaderHost.h"
 
 #include <cmath>
+#include <thread>
 
 namespace {
 
@@ -392,6 +393,25 @@ TEST_F(ShaderDrawing, DrawsItsPassesOneAfterTheOther)
         EXPECT_EQ(RED, p->Middle()) << LastMessage();
         EXPECT_NE(std::string::npos, LastMessage().find("Test.glsl:1: " + fault)) << LastMessage();
     }
+}
+
+TEST_F(ShaderDrawing, DrawsTwoPlanesAtOnceAsOneAfterTheOther)
+{
+    const std::string file =
+        Write("Both.glsl", "/*{\"PASSES\":[{\"TARGET\":\"sum\",\"FLOAT\":true},{}]}*/\nvoid main() { gl_FragColor = "
+                           "IMG_THIS_PIXEL(sum) * 0.9 + texture2D(iNoise, isf_FragNormCoord + TIME) * 0.1; }");
+    std::vector<uint32_t> aPicture[2][2];
+    for (const bool bAtOnce : {false, true}) {
+        ShaderInstance p(file, 64, 32, false, 256), q(file, 32, 64, true, 97);
+        std::thread other([&] { aPicture[bAtOnce][0] = p.Draw(10); });
+        if (!bAtOnce)
+            other.join();
+        aPicture[bAtOnce][1] = q.Draw(10);
+        if (bAtOnce)
+            other.join();
+    }
+    EXPECT_EQ(aPicture[0][0], aPicture[1][0]);
+    EXPECT_EQ(aPicture[0][1], aPicture[1][1]);
 }
 
 TEST_F(ShaderDrawing, HearsTheSoundOfNowAndBefore)
