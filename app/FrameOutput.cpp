@@ -1,7 +1,7 @@
 // FrameOutput.cpp -- where the frames of a headless run go: numbered picture files, or raw bytes to standard output
 #include "app/FrameOutput.h"
 
-#include "output/PixelRows.h"
+#include "output/pictures/PixelRows.h"
 #include "platform/Text.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 
 #include "app/RenderOptions.h"
 #include "app/RenderStats.h"
-#include "output/PictureQueue.h"
+#include "output/pictures/PictureQueue.h"
 
 // Starts the workers that write the frames; StopPictureQueue ends them. The times of writing go to the statistics,
 // which may be read once the queue is finished or stopped. Both arguments must outlive the queue. [main-thread]

@@ -1,12 +1,12 @@
 // GlobalsFile.cpp -- the settings file
 #include "app/GlobalsFile.h"
 
-#include "app/Folders.h"
 #include "app/SettingsTable.h"
 #include "engine/XmlText.h"
 #include "platform/Files.h"
 #include "platform/Notices.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 
 namespace {
 

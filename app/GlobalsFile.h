@@ -1,7 +1,7 @@
 // GlobalsFile.h -- the settings file
 #pragma once
 
-#include "app/GlobalSettings.h"
+#include "state/GlobalSettings.h"
 
 #include <string>
 #include <string_view>

@@ -1,12 +1,12 @@
 // MainLoop.cpp -- one turn of the frame loop, and the frame timer that stands in for it
 #include "app/MainLoop.h"
 
-#include "app/GlobalSettings.h"
 #include "app/Startup.h"
 #include "engine/FrameStep.h"
 #include "engine/PresetManager.h"
 #include "output/FrameRecorder.h"
 #include "output/Presenters.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <vector>

@@ -2,10 +2,10 @@
 #include "app/RenderOptions.h"
 
 #include "app/CommandLine.h"
-#include "engine/PresetState.h"
-#include "output/PictureFiles.h"
+#include "output/pictures/PictureFiles.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "state/PresetState.h"
 
 #include <algorithm>
 #include <cmath>

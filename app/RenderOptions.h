@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/Startup.h"
-#include "output/NumberPattern.h"
+#include "output/pictures/NumberPattern.h"
 #include "platform/BaseTypes.h"
 
 #include <string>

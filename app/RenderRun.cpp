@@ -2,15 +2,14 @@
 #include "app/RenderRun.h"
 
 #include "app/FrameOutput.h"
-#include "app/GlobalSettings.h"
 #include "app/PresetList.h"
 #include "app/RenderSound.h"
 #include "app/RenderStats.h"
 #include "engine/FrameStep.h"
 #include "engine/PresetFile.h"
 #include "engine/PresetManager.h"
-#include "output/PlaneMixer.h"
 #include "output/Presenters.h"
+#include "output/mixer/PlaneMixer.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
@@ -18,6 +17,7 @@
 #include "platform/Signals.h"
 #include "platform/Text.h"
 #include "platform/Threads.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <cmath>

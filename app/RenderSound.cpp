@@ -2,7 +2,7 @@
 #include "app/RenderSound.h"
 
 #include "platform/Clock.h"
-#include "stock/SoundLevelDLL/LevelReading.h"
+#include "stock/shared/LevelReading.h"
 
 namespace {
 

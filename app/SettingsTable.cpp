@@ -1,10 +1,10 @@
 // SettingsTable.cpp -- one row per stored setting: its tag, default, limits, and what reads and writes it
 #include "app/SettingsTable.h"
 
-#include "app/Folders.h"
 #include "app/KeptLayout.h"
+#include "output/RecorderCombos.h"
 #include "platform/Text.h"
-#include "toolkit/RecorderCombos.h"
+#include "state/Folders.h"
 #include "toolkit/UIColors.h"
 
 #include <algorithm>

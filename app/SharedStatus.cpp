@@ -1,8 +1,8 @@
 // SharedStatus.cpp -- the named block and event through which other programs know of this one
 #include "app/SharedStatus.h"
 
-#include "app/GlobalSettings.h"
 #include "platform/SharedMemory.h"
+#include "state/GlobalSettings.h"
 
 #include <cstring>
 

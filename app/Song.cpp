@@ -2,7 +2,7 @@
 #include "app/Song.h"
 
 #include "app/SongLength.h"
-#include "stock/SoundLevelDLL/LevelMeter.h"
+#include "stock/shared/LevelMeter.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/BaseTypes.h"
-#include "stock/SoundLevelDLL/LevelReading.h"
+#include "stock/shared/LevelReading.h"
 
 #include <string>
 #include <vector>

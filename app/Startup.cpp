@@ -1,9 +1,8 @@
 // Startup.cpp -- the life of the process: what comes up, in which order, and what goes down
 #include "app/Startup.h"
 
-#include "app/Folders.h"
-#include "app/GlobalSettings.h"
 #include "app/GlobalsFile.h"
+#include "app/SettingsTable.h"
 #include "app/SharedStatus.h"
 #include "app/Steps.h"
 #include "engine/BufferSize.h"
@@ -17,10 +16,10 @@
 #include "modules/OpenGLTest.h"
 #include "modules/ShaderList.h"
 #include "modules/SoundMonitor.h"
-#include "output/MixAccelerator.h"
 #include "output/ModuleMessages.h"
-#include "output/PlaneMixer.h"
 #include "output/VisualsCommands.h"
+#include "output/mixer/MixAccelerator.h"
+#include "output/mixer/PlaneMixer.h"
 #include "platform/AtomicFile.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
@@ -28,6 +27,8 @@
 #include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
+#include "state/GlobalSettings.h"
 #include "toolkit/Meters.h"
 
 #include <atomic>

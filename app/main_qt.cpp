@@ -1,6 +1,5 @@
 // main_qt.cpp -- vorticade: the desktop program
 #include "app/DesktopOptions.h"
-#include "app/ErrorBoxes_qt.h"
 #include "app/MainLoop.h"
 #include "app/MainLoop_qt.h"
 #include "app/Startup.h"
@@ -10,6 +9,7 @@
 #include "output/Presenters.h"
 #include "output/VisualsWindow_qt.h"
 #include "platform/Signals.h"
+#include "toolkit/ErrorBoxes_qt.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,12 +1,12 @@
 // BenchEngine.h -- the engine as the windowless renderer starts it, for benchmarks that draw whole frames
 #pragma once
 
-#include "app/GlobalSettings.h"
 #include "app/Startup.h"
 #include "platform/Clock.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
 #include "platform/Threads.h"
+#include "state/GlobalSettings.h"
 
 // With the stock data and modules, a fixed clock at 0 and a fixed seed; waits for slow planes as long as they take.
 inline void StartBenchEngine(i32 nWidth, i32 nHeight)

@@ -1,10 +1,10 @@
 // FluidSources_bench.cpp -- the evaluation of a full slot of controls against the bare sines in it
 #include "bench/BenchReport.h"
 
-#include "app/GlobalSettings.h"
 #include "controls/ControlManager.h"
 #include "controls/FluidSources.h"
 #include "platform/Clock.h"
+#include "state/GlobalSettings.h"
 
 namespace {
 

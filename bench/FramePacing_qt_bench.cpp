@@ -1,12 +1,12 @@
 // FramePacing_qt_bench.cpp -- how late the main loop's frames begin, and what waiting for them costs
 #include "bench/BenchReport.h"
 
-#include "app/GlobalSettings.h"
 #include "app/MainLoop.h"
 #include "app/MainLoop_qt.h"
 #include "engine/FrameStep.h"
 #include "engine/PresetManager.h"
 #include "platform/Clock.h"
+#include "state/GlobalSettings.h"
 
 #include <QCoreApplication>
 

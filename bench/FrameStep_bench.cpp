@@ -1,8 +1,7 @@
 // FrameStep_bench.cpp -- what a frame costs beside the modules and the mixer
 #include "bench/BenchReport.h"
 
-#include "app/Folders.h"
-#include "app/GlobalSettings.h"
+#include "app/SettingsTable.h"
 #include "engine/FrameStep.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PresetManager.h"
@@ -10,6 +9,8 @@
 #include "platform/Clock.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
+#include "state/GlobalSettings.h"
 
 #include <cstdlib>
 

@@ -2,9 +2,9 @@
 #include "bench/BenchReport.h"
 #include "bench/MemoryTraffic.h"
 
-#include "output/MixAccelerator.h"
-#include "output/PlaneMixer.h"
-#include "output/remap.h"
+#include "output/mixer/MixAccelerator.h"
+#include "output/mixer/PlaneMixer.h"
+#include "output/mixer/remap.h"
 #include "platform/Bitmap.h"
 
 #include <pixman.h>

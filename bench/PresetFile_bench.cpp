@@ -1,16 +1,17 @@
 // PresetFile_bench.cpp -- loading, switching and saving a full preset of four planes and 32 modules
 #include "bench/BenchReport.h"
 
-#include "app/Folders.h"
-#include "app/GlobalSettings.h"
+#include "app/SettingsTable.h"
 #include "engine/DrawPipeline.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PresetFile.h"
 #include "engine/PresetManager.h"
 #include "modules/ModuleRegistry.h"
-#include "output/PlaneMixer.h"
+#include "output/mixer/PlaneMixer.h"
 #include "platform/Clock.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
+#include "state/GlobalSettings.h"
 
 #include <cstdio>
 #include <cstdlib>

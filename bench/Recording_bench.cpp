@@ -4,8 +4,8 @@
 
 #include "engine/FrameStep.h"
 #include "engine/PresetManager.h"
-#include "output/PictureFiles.h"
-#include "output/PictureQueue.h"
+#include "output/pictures/PictureFiles.h"
+#include "output/pictures/PictureQueue.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
 #include "platform/Text.h"

@@ -3,7 +3,7 @@
 
 #include "include/sound.h"
 #include "platform/BaseTypes.h"
-#include "stock/SoundLevelDLL/LevelMeter.h"
+#include "stock/shared/LevelMeter.h"
 
 #include <dlfcn.h>
 

@@ -1,7 +1,7 @@
 // Stretch_qt_bench.cpp -- the stretched copy for the window, against the toolkit's painter and a plain copy
 #include "bench/BenchReport.h"
 
-#include "output/Stretch.h"
+#include "output/mixer/Stretch.h"
 #include "platform/Bitmap.h"
 
 #include <tbb/info.h>

@@ -1,10 +1,9 @@
 // VisualsWindow_qt_bench.cpp -- what showing a frame costs, with overlays and without, and whether a show misses frames
 #include "bench/BenchReport.h"
 
-#include "app/Folders.h"
-#include "app/GlobalSettings.h"
 #include "app/MainLoop.h"
 #include "app/MainLoop_qt.h"
+#include "app/SettingsTable.h"
 #include "engine/FrameStep.h"
 #include "engine/PresetManager.h"
 #include "modules/ModuleRegistry.h"
@@ -13,6 +12,8 @@
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
+#include "state/GlobalSettings.h"
 #include "toolkit/UIColors.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 // ControlManager.h -- the control record: defaults, limits, comparison, names, ownership
 #pragma once
 
-#include "engine/PresetState.h"
+#include "state/PresetState.h"
 
 #include <atomic>
 

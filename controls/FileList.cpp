@@ -1,12 +1,12 @@
 // FileList.cpp -- the list of a file select control: its text, its line index, the step to the next file
 #include "controls/FileList.h"
 
-#include "app/Folders.h"
 #include "controls/ControlManager.h"
 #include "controls/FluidSources.h"
 #include "controls/HostControl.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 
 #include <cstdlib>
 #include <string_view>

@@ -1,10 +1,10 @@
 // FluidSources.cpp -- the evaluation of controls: fixed, random, wave, sound, periodic
 #include "controls/FluidSources.h"
 
-#include "app/GlobalSettings.h"
 #include "controls/FileList.h"
 #include "platform/Clock.h"
 #include "platform/Random.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <atomic>

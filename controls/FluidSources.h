@@ -1,7 +1,7 @@
 // FluidSources.h -- the evaluation of controls: fixed, random, wave, sound, periodic
 #pragma once
 
-#include "engine/PresetState.h"
+#include "state/PresetState.h"
 
 constexpr u32 SOUND_HISTORY = 44; // samples kept, newest first
 

@@ -1,7 +1,7 @@
 // HostControl.h -- what the host keeps of a control outside the record, where no module writes
 #pragma once
 
-#include "engine/PresetState.h"
+#include "state/PresetState.h"
 
 // Every record of a slot is the last part of one of these. What the host allocated is freed from here alone: the
 // pointers in the record only tell the module where it stands.

@@ -1,8 +1,8 @@
 // BufferSize.cpp -- the size of all bitmaps of a preset
 #include "engine/BufferSize.h"
 
-#include "app/GlobalSettings.h"
-#include "engine/PresetState.h"
+#include "state/GlobalSettings.h"
+#include "state/PresetState.h"
 
 #include <algorithm>
 

@@ -1,13 +1,13 @@
 // DrawPipeline.cpp -- what running a step mask over a slot, a plane or a preset means
 #include "engine/DrawPipeline.h"
 
-#include "app/GlobalSettings.h"
 #include "controls/FluidSources.h"
 #include "engine/PlaneThreads.h"
 #include "modules/ModuleCalls.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
 #include "platform/Random.h"
+#include "state/GlobalSettings.h"
 
 #include <atomic>
 

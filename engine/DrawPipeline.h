@@ -1,7 +1,7 @@
 // DrawPipeline.h -- what running a step mask over a slot, a plane or a preset means
 #pragma once
 
-#include "engine/PresetState.h"
+#include "state/PresetState.h"
 
 // The tick that modules see in hdc->qwTick until the next call: the frame step sets it once a frame, whoever brings
 // modules up sets it before. [main-thread, while no plane is being drawn]

@@ -1,13 +1,13 @@
 // FrameStep.cpp -- the heartbeat: one frame, when one is due
 #include "engine/FrameStep.h"
 
-#include "app/GlobalSettings.h"
 #include "engine/DrawPipeline.h"
 #include "engine/PlaneThreads.h"
 #include "engine/PresetManager.h"
 #include "engine/SoundSampling.h"
-#include "output/PlaneMixer.h"
+#include "output/mixer/PlaneMixer.h"
 #include "platform/Clock.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 

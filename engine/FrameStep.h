@@ -1,7 +1,7 @@
 // FrameStep.h -- the heartbeat: one frame, when one is due
 #pragma once
 
-#include "engine/PresetState.h"
+#include "state/PresetState.h"
 
 // Draws every plane, mixes them and runs the post-processing modules, if a frame is due. Call it as often as you can.
 // Non-zero when a new picture stands at lppsi->phbmOutput; null for lppsi gives no frame. Carries out a pending resize

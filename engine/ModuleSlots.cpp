@@ -1,7 +1,6 @@
 // ModuleSlots.cpp -- makes, removes and exchanges module instances
 #include "engine/ModuleSlots.h"
 
-#include "app/GlobalSettings.h"
 #include "controls/ControlManager.h"
 #include "engine/DrawPipeline.h"
 #include "engine/PlaneThreads.h"
@@ -10,6 +9,7 @@
 #include "modules/ModuleRegistry.h"
 #include "modules/ShaderList.h"
 #include "platform/Clock.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // ModuleSlots.h -- makes, removes and exchanges module instances
 #pragma once
 
-#include "engine/PresetState.h"
+#include "state/PresetState.h"
 
 #include <string_view>
 

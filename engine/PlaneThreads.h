@@ -1,7 +1,7 @@
 // PlaneThreads.h -- one thread for each plane, released and collected once a frame
 #pragma once
 
-#include "engine/PresetState.h"
+#include "state/PresetState.h"
 
 // Creates the four threads. Non-zero if this call made them, 0 if they already ran, or if the system has none to give;
 // that is told once and tried again after a while. [main-thread]

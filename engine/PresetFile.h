@@ -4,8 +4,8 @@
 // named by their library file, controls by their dotted name, so that neither order nor number ties a file to a build.
 #pragma once
 
-#include "engine/PresetState.h"
 #include "engine/XmlText.h"
+#include "state/PresetState.h"
 
 #include <string>
 #include <string_view>

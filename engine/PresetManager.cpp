@@ -1,16 +1,16 @@
 // PresetManager.cpp -- the preset and its planes: make, change, resize, destroy
 #include "engine/PresetManager.h"
 
-#include "app/GlobalSettings.h"
 #include "engine/BufferSize.h"
 #include "engine/DrawPipeline.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PlaneThreads.h"
 #include "modules/HiddenGLWindows.h"
-#include "output/PlaneMixer.h"
+#include "output/mixer/PlaneMixer.h"
 #include "platform/Assert.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <cstdlib>

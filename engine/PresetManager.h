@@ -1,7 +1,7 @@
 // PresetManager.h -- the preset and its planes: make, change, resize, destroy
 #pragma once
 
-#include "engine/PresetState.h"
+#include "state/PresetState.h"
 
 // Makes a preset at the present buffer size; with bDefaults the default one, else an empty one. [main-thread]
 PresetState *CreatePresetState(u32 bDefaults);

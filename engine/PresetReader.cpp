@@ -1,18 +1,18 @@
 // PresetReader.cpp -- reads a preset, its planes and its modules
 #include "engine/PresetFile.h"
 
-#include "app/Folders.h"
 #include "controls/ControlManager.h"
 #include "engine/DrawPipeline.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PresetManager.h"
 #include "modules/ModuleRegistry.h"
 #include "modules/ShaderList.h"
-#include "output/PlaneMixer.h"
+#include "output/mixer/PlaneMixer.h"
 #include "platform/Assert.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 // SoundSampling.cpp -- the sound level of the frame
 #include "engine/SoundSampling.h"
 
-#include "app/GlobalSettings.h"
 #include "controls/FluidSources.h"
 #include "platform/Clock.h"
 #include "platform/Random.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <cmath>

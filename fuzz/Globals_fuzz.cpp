@@ -2,9 +2,9 @@
 #include "app/GlobalsFile.h"
 
 #include "app/SettingsTable.h"
+#include "output/RecorderCombos.h"
 #include "platform/Assert.h"
 #include "platform/Text.h"
-#include "toolkit/RecorderCombos.h"
 #include "toolkit/UIColors.h"
 
 #include <algorithm>

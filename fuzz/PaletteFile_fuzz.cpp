@@ -1,5 +1,5 @@
 // PaletteFile_fuzz.cpp -- palette files of hostile bytes: the arrays hold, what is refused leaves them alone
-#include "toolkit/PaletteFile.h"
+#include "stock/shared/PaletteFile.h"
 
 #include "platform/Assert.h"
 

@@ -2,8 +2,7 @@
 // stable
 #include "engine/PresetFile.h"
 
-#include "app/Folders.h"
-#include "app/GlobalSettings.h"
+#include "app/SettingsTable.h"
 #include "controls/FluidSources.h"
 #include "engine/DrawPipeline.h"
 #include "engine/PresetManager.h"
@@ -13,6 +12,8 @@
 #include "platform/Random.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
+#include "state/GlobalSettings.h"
 #include "tests/modules/RecorderLog.h"
 
 #include <cmath>

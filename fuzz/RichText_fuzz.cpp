@@ -1,6 +1,6 @@
 // RichText_fuzz.cpp -- the message reader on hostile text
 #include "output/ModuleMessages.h"
-#include "output/RichText.h"
+#include "toolkit/RichText.h"
 
 #include "platform/Assert.h"
 #include "platform/Text.h"

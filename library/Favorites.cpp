@@ -1,12 +1,12 @@
 // Favorites.cpp -- how often the user favored each preset: the key, and Favorites.XML
 #include "library/Favorites.h"
 
-#include "app/GlobalSettings.h"
 #include "engine/XmlText.h"
 #include "library/PresetScan.h"
 #include "library/PresetTable.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <limits>

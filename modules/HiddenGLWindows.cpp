@@ -1,8 +1,8 @@
 // HiddenGLWindows.cpp -- the table of hidden OpenGL windows, one per module instance that needs OpenGL
 #include "modules/HiddenGLWindows.h"
 
-#include "app/GlobalSettings.h"
 #include "platform/GLWindow.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <iterator>

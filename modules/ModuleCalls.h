@@ -1,7 +1,7 @@
 // ModuleCalls.h -- the one place from which the host enters module code
 #pragma once
 
-#include "engine/PresetState.h"
+#include "state/PresetState.h"
 
 // Each calls the entry point of the slot's module and cleans up behind it: an OpenGL context that the module left
 // current is released, since the next call may come on another thread. [main-thread, plane-thread]

@@ -1,11 +1,11 @@
 // ModuleRegistry.cpp -- the table of module libraries
 #include "modules/ModuleRegistry.h"
 
-#include "app/Folders.h"
 #include "platform/Files.h"
 #include "platform/Notices.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // ModuleRegistry.h -- the table of module libraries
 #pragma once
 
-#include "modules/ModuleRecord.h"
+#include "state/ModuleRecord.h"
 
 #include <string_view>
 

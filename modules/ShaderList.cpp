@@ -1,11 +1,11 @@
 // ShaderList.cpp -- the shader files of the data folder as variants of the shader module
 #include "modules/ShaderList.h"
 
-#include "app/Folders.h"
 #include "platform/Assert.h"
 #include "platform/Files.h"
 #include "platform/Notices.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 
 #include <cstdlib>
 #include <string>

@@ -1,7 +1,7 @@
 // ShaderList.h -- the shader files of the data folder as variants of the shader module
 #pragma once
 
-#include "modules/ModuleRecord.h"
+#include "state/ModuleRecord.h"
 
 #include <string_view>
 

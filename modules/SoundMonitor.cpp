@@ -1,12 +1,12 @@
 // SoundMonitor.cpp -- the binding of the sound monitor library
 #include "modules/SoundMonitor.h"
 
-#include "app/Folders.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/Notices.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 
 #include <chrono>
 #include <cstdlib>

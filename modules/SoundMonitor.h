@@ -1,8 +1,8 @@
 // SoundMonitor.h -- the binding of the sound monitor library
 #pragma once
 
-#include "app/GlobalSettings.h"
 #include "platform/BaseTypes.h"
+#include "state/GlobalSettings.h"
 
 #include <string>
 

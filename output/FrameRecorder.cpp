@@ -1,20 +1,20 @@
 // FrameRecorder.cpp -- saves every frame to a numbered picture, cut loose from the clock; and the single-frame capture
 #include "output/FrameRecorder.h"
 
-#include "app/Folders.h"
-#include "app/GlobalSettings.h"
 #include "engine/FrameStep.h"
 #include "engine/PresetManager.h"
 #include "modules/SoundMonitor.h"
-#include "output/NumberPattern.h"
-#include "output/PictureFiles.h"
-#include "output/PictureQueue.h"
 #include "output/VisualsCommands.h"
+#include "output/pictures/NumberPattern.h"
+#include "output/pictures/PictureFiles.h"
+#include "output/pictures/PictureQueue.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <atomic>

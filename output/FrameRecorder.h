@@ -2,7 +2,7 @@
 #pragma once
 
 #include "include/hosttypes.h"
-#include "output/PictureQueue.h"
+#include "output/pictures/PictureQueue.h"
 #include "platform/BaseTypes.h"
 
 #include <string>

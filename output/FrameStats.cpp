@@ -1,8 +1,8 @@
 // FrameStats.cpp -- how many frames a second are shown
 #include "output/FrameStats.h"
 
-#include "app/GlobalSettings.h"
 #include "platform/Clock.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 

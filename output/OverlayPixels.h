@@ -1,7 +1,7 @@
 // OverlayPixels.h -- the pixels of an overlay's frame, and its blending over the picture
 #pragma once
 
-#include "output/Stretch.h"
+#include "output/mixer/Stretch.h"
 #include "platform/BaseTypes.h"
 
 #include <vector>

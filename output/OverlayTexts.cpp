@@ -1,13 +1,13 @@
 // OverlayTexts.cpp -- what the five overlays say
 #include "output/OverlayTexts.h"
 
-#include "app/GlobalSettings.h"
 #include "modules/OpenGLTest.h"
 #include "output/FrameStats.h"
 #include "output/Overlays.h"
-#include "output/PlaneMixer.h"
+#include "output/mixer/PlaneMixer.h"
 #include "platform/Clock.h"
 #include "platform/Text.h"
+#include "state/GlobalSettings.h"
 #include "toolkit/UIColors.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "output/ModuleMessages.h"
-#include "output/RichText.h"
 #include "platform/BaseTypes.h"
+#include "toolkit/RichText.h"
 
 // In the order in which they are painted, the last one on top.
 enum OverlayId : u32 {

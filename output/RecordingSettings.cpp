@@ -1,11 +1,11 @@
 // RecordingSettings.cpp -- what the dialog "Recording Settings" edits
 #include "output/RecordingSettings.h"
 
-#include "app/GlobalSettings.h"
 #include "output/FrameRecorder.h"
-#include "output/PictureFiles.h"
+#include "output/pictures/PictureFiles.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <filesystem>

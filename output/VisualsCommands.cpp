@@ -1,10 +1,10 @@
 // VisualsCommands.cpp -- what can be asked of the visuals window, and the keys and menu entries that ask for it
 #include "output/VisualsCommands.h"
 
-#include "app/GlobalSettings.h"
 #include "output/FrameRecorder.h"
 #include "output/Overlays.h"
 #include "output/RecordingSettings.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <bitset>

@@ -1,7 +1,6 @@
 // VisualsWindow_qt.cpp -- the window that shows the picture
 #include "output/VisualsWindow_qt.h"
 
-#include "app/GlobalSettings.h"
 #include "engine/PresetManager.h"
 #include "library/Favorites.h"
 #include "output/FrameRecorder.h"
@@ -9,11 +8,12 @@
 #include "output/NativeWindow_qt.h"
 #include "output/Presenters.h"
 #include "output/RecordingDialog_qt.h"
-#include "output/Stretch.h"
 #include "output/VisualsCommands.h"
 #include "output/VisualsMenu_qt.h"
+#include "output/mixer/Stretch.h"
 #include "platform/Clock.h"
 #include "platform/Notices.h"
+#include "state/GlobalSettings.h"
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QApplication>

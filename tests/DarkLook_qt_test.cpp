@@ -1,8 +1,8 @@
 // DarkLook_qt_test.cpp -- tests DarkStyle_qt.cpp and ControlColors_qt.cpp on the real controls, without a display
+#include "tests/LookGallery_qt.h"
 #include "toolkit/ControlColors_qt.h"
 #include "toolkit/DarkPaint_qt.h"
 #include "toolkit/DarkStyle_qt.h"
-#include "toolkit/LookGallery_qt.h"
 #include "toolkit/Meters_qt.h"
 #include "toolkit/UIColors.h"
 

@@ -1,11 +1,12 @@
 // DesktopLoop_qt_test.cpp -- tests MainLoop_qt.cpp and VisualsWindow_qt.cpp inside the process, without a display
-#include "app/Folders.h"
-#include "app/GlobalSettings.h"
 #include "app/MainLoop.h"
 #include "app/MainLoop_qt.h"
+#include "app/SettingsTable.h"
 #include "engine/PresetManager.h"
 #include "output/Presenters.h"
 #include "output/VisualsWindow_qt.h"
+#include "state/Folders.h"
+#include "state/GlobalSettings.h"
 
 #include <gtest/gtest.h>
 

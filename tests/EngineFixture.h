@@ -1,8 +1,9 @@
 // EngineFixture.h -- an engine on a fixed clock with a fixed seed, and modules that write down what happens to them
 #pragma once
 
-#include "app/Folders.h"
-#include "app/GlobalSettings.h"
+#include "app/SettingsTable.h"
+#include "state/Folders.h"
+#include "state/GlobalSettings.h"
 #include "engine/DrawPipeline.h"
 #include "engine/FrameStep.h"
 #include "engine/ModuleSlots.h"
@@ -10,7 +11,7 @@
 #include "engine/PresetManager.h"
 #include "engine/SoundSampling.h"
 #include "modules/ModuleRegistry.h"
-#include "output/PlaneMixer.h"
+#include "output/mixer/PlaneMixer.h"
 #include "output/FrameStats.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"

@@ -1,11 +1,11 @@
 // FluidSources_test.cpp -- waves, chance, sound and file lists under a fixed clock and a fixed seed
 #include "controls/FluidSources.h"
 
-#include "app/Folders.h"
-#include "app/GlobalSettings.h"
 #include "controls/ControlManager.h"
 #include "platform/Clock.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
+#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // Folders_test.cpp -- how the program finds its folders, and files in them
-#include "app/Folders.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 
 #include <gtest/gtest.h>
 

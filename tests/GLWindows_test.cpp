@@ -1,11 +1,11 @@
 // GLWindows_test.cpp -- hidden OpenGL windows, contexts that change threads, the start-up test
-#include "app/GlobalSettings.h"
 #include "modules/HiddenGLWindows.h"
 #include "modules/ModuleRegistry.h"
 #include "modules/OpenGLTest.h"
 #include "platform/Bitmap.h"
 #include "platform/GLWindow.h"
 #include "platform/Text.h"
+#include "state/GlobalSettings.h"
 
 #include <EGL/egl.h>
 #include <gtest/gtest.h>

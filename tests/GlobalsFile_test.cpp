@@ -1,12 +1,12 @@
 // GlobalsFile_test.cpp -- tests GlobalsFile.cpp and SettingsTable.cpp
 #include "app/GlobalsFile.h"
 
-#include "app/Folders.h"
 #include "app/SettingsTable.h"
+#include "output/RecorderCombos.h"
 #include "platform/Notices.h"
 #include "platform/Text.h"
 #include "platform/WholeFile.h"
-#include "toolkit/RecorderCombos.h"
+#include "state/Folders.h"
 #include "toolkit/UIColors.h"
 
 #include <gtest/gtest.h>

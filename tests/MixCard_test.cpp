@@ -1,6 +1,6 @@
 // MixCard_test.cpp -- the one-pass kernel of graphics cards, run on Mesa's software renderer; cards that are lost
-#include "output/MixAccelerator.h"
-#include "output/MixCard.h"
+#include "output/mixer/MixAccelerator.h"
+#include "output/mixer/MixCard.h"
 #include "platform/GLWindow.h"
 #include "platform/Notices.h"
 #include "platform/Text.h"

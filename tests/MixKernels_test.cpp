@@ -1,6 +1,6 @@
 // MixKernels_test.cpp -- the arithmetic of the mix operators, against the oracle and over all of their inputs
-#include "output/ForRanges.h"
-#include "output/remap.h"
+#include "output/mixer/ForRanges.h"
+#include "output/mixer/remap.h"
 #include "platform/Sanitizers.h"
 #include "tests/InstructionSets.h"
 #include "tests/MixerPreset.h"

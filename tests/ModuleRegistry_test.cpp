@@ -1,7 +1,7 @@
 // ModuleRegistry_test.cpp -- the table of module libraries, filled from folders that this test makes
-#include "app/Folders.h"
 #include "modules/ModuleRegistry.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // Output_test.cpp -- tests NumberPattern.cpp, Stretch.cpp and Presenters.cpp
-#include "output/NumberPattern.h"
 #include "output/Presenters.h"
-#include "output/Stretch.h"
+#include "output/mixer/Stretch.h"
+#include "output/pictures/NumberPattern.h"
 
-#include "app/GlobalSettings.h"
 #include "platform/Bitmap.h"
 #include "platform/Text.h"
+#include "state/GlobalSettings.h"
 #include "tests/InstructionSets.h"
 
 #include <gtest/gtest.h>

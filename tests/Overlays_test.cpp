@@ -1,13 +1,13 @@
 // Overlays_test.cpp -- tests Overlays.cpp, OverlayTexts.cpp, OverlayPixels.cpp, ModuleMessages.cpp, FrameStats.cpp
 #include "output/Overlays.h"
 
-#include "app/GlobalSettings.h"
 #include "output/FrameStats.h"
 #include "output/OverlayPixels.h"
 #include "output/OverlayTexts.h"
 #include "output/VisualsCommands.h"
 #include "platform/Clock.h"
 #include "platform/Text.h"
+#include "state/GlobalSettings.h"
 #include "toolkit/UIColors.h"
 
 #include <gtest/gtest.h>

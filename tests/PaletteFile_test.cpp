@@ -1,5 +1,5 @@
 // PaletteFile_test.cpp -- palette files of all three formats, damaged ones, and the resampling of palettes
-#include "toolkit/PaletteFile.h"
+#include "stock/shared/PaletteFile.h"
 
 #include "platform/Files.h"
 #include "platform/Text.h"

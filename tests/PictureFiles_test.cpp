@@ -1,5 +1,5 @@
 // PictureFiles_test.cpp -- formats by name, files of every format read back by another program, failed writes
-#include "output/PictureFiles.h"
+#include "output/pictures/PictureFiles.h"
 #include "platform/Bitmap.h"
 #include "platform/Files.h"
 #include "platform/Text.h"

@@ -1,5 +1,5 @@
 // PictureQueue_test.cpp -- order, bounds, copies and errors of the queue behind which pictures are saved
-#include "output/PictureQueue.h"
+#include "output/pictures/PictureQueue.h"
 #include "platform/Bitmap.h"
 #include "platform/Text.h"
 

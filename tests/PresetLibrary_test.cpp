@@ -1,8 +1,8 @@
 // PresetLibrary_test.cpp -- the library over real files: passes, the watch, favorites, what is not as it should be
-#include "app/GlobalSettings.h"
 #include "library/FolderWatch.h"
 #include "library/PresetWatch.h"
 #include "platform/AtomicFile.h"
+#include "state/GlobalSettings.h"
 #include "tests/PresetFolderFixture.h"
 
 #include <atomic>

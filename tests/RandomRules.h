@@ -1,7 +1,7 @@
 // RandomRules.h -- random lists of mixer rules, with now and then nonsense in them
 #pragma once
 
-#include "output/MixRule.h"
+#include "state/MixRule.h"
 #include "tests/MixOracle.h"
 
 #include <iterator>

@@ -1,5 +1,5 @@
 // RichText_test.cpp -- tests RichText.cpp
-#include "output/RichText.h"
+#include "toolkit/RichText.h"
 
 #include "platform/Text.h"
 

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "output/ModuleMessages.h"
-#include "output/RichText.h"
 #include "platform/GLWindow.h"
 #include "platform/Text.h"
 #include "tests/PainterHost.h"
+#include "toolkit/RichText.h"
 
 #include <gtest/gtest.h>
 

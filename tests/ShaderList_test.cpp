@@ -1,7 +1,7 @@
 // ShaderList_test.cpp -- the shader files of the data folder as numbered variants of the shader module
-#include "app/Folders.h"
 #include "modules/ShaderList.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Song_test.cpp -- sound files of many kinds, and their levels against the live meter
 #include "app/Song.h"
-#include "stock/SoundLevelDLL/LevelMeter.h"
+#include "stock/shared/LevelMeter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SoundLevels_test.cpp -- the arithmetic of the sound levels and the simulated level
-#include "stock/SoundLevelDLL/LevelMeter.h"
 #include "stock/SoundLevelDLL/Snapshot.h"
+#include "stock/shared/LevelMeter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // SoundMonitor_test.cpp -- the binding of the sound monitor library
 #include "modules/SoundMonitor.h"
 
-#include "app/Folders.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
+#include "state/Folders.h"
 #include "tests/modules/SoundFake.h"
 
 #include <dlfcn.h>

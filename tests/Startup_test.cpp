@@ -1,9 +1,9 @@
 // Startup_test.cpp -- tests Startup.cpp, SharedStatus.cpp and MainLoop.cpp
-#include "app/GlobalSettings.h"
 #include "app/MainLoop.h"
 #include "app/SharedStatus.h"
 #include "app/Startup.h"
 #include "app/Steps.h"
+#include "state/GlobalSettings.h"
 
 #include <gtest/gtest.h>
 

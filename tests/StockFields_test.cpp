@@ -1,7 +1,7 @@
 // StockFields_test.cpp -- tests the full images of stock/: fields, journeys, and pictures from sound and damaged files
 #include "PainterHost.h"
 
-#include "output/PictureFiles.h"
+#include "output/pictures/PictureFiles.h"
 #include "platform/Text.h"
 
 #include <gtest/gtest.h>

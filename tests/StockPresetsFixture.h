@@ -1,7 +1,6 @@
 // StockPresetsFixture.h -- the engine with the stock modules and the presets of data/Presets, at a small size
 #pragma once
 
-#include "app/GlobalSettings.h"
 #include "app/RenderSound.h"
 #include "app/Startup.h"
 #include "engine/FrameStep.h"
@@ -13,6 +12,7 @@
 #include "platform/Files.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
+#include "state/GlobalSettings.h"
 
 #include <gtest/gtest.h>
 

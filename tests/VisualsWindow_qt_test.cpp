@@ -1,7 +1,7 @@
 // VisualsWindow_qt_test.cpp -- tests VisualsWindow_qt.cpp, its overlays and its menu with simulated keys and mouse
 #include "output/VisualsWindow_qt.h"
 
-#include "app/GlobalSettings.h"
+#include "app/SettingsTable.h"
 #include "output/FrameStats.h"
 #include "output/Presenters.h"
 #include "output/RecordingSettings.h"
@@ -9,6 +9,7 @@
 #include "output/VisualsMenu_qt.h"
 #include "platform/Bitmap.h"
 #include "platform/Text.h"
+#include "state/GlobalSettings.h"
 #include "toolkit/UIColors.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // CMPalette.cpp -- colour generator: plays the palettes of a list of files
 #include "stock/common/PaletteGenerator.h"
 #include "stock/common/StockEntryPoints.h"
-#include "toolkit/PaletteFile.h"
+#include "stock/shared/PaletteFile.h"
 
 namespace {
 

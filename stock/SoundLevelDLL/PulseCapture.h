@@ -1,7 +1,7 @@
 // PulseCapture.h -- what the machine plays, as a stream of samples from the sound server
 #pragma once
 
-#include "platform/BaseTypes.h"
+#include "stock/shared/LevelReading.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 // Snapshot.h -- a small record that one thread publishes and any thread reads without waiting
 #pragma once
 
-#include "platform/BaseTypes.h"
+#include "stock/shared/LevelReading.h"
 
 #include <atomic>
 #include <cstring>

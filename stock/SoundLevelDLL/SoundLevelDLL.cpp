@@ -1,8 +1,8 @@
 // SoundLevelDLL.cpp -- the exports of the sound monitor library
 #include "include/sound.h"
-#include "stock/SoundLevelDLL/LevelMeter.h"
 #include "stock/SoundLevelDLL/PulseCapture.h"
 #include "stock/SoundLevelDLL/Snapshot.h"
+#include "stock/shared/LevelMeter.h"
 
 #include <sys/random.h>
 #include <time.h>
