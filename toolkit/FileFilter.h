@@ -17,5 +17,3 @@ struct FileFilter {
 std::vector<FileFilter> FileFilters(std::u16string_view pattern, std::u16string_view name);
 // What stands behind the last dot of the pattern; empty: nothing that could be added to a name.
 std::u16string DefaultExtension(std::u16string_view pattern);
-// The name with the default extension, unless it has one already.
-std::u16string WithDefaultExtension(std::u16string_view name, std::u16string_view extension);

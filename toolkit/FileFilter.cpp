@@ -1,5 +1,5 @@
 // FileFilter.cpp -- which files a file chooser shows, and the extension that it adds
-#include "mainwindow/FileFilter.h"
+#include "toolkit/FileFilter.h"
 
 #include "platform/Files.h"
 
@@ -49,15 +49,4 @@ std::u16string DefaultExtension(std::u16string_view pattern)
     const size_t i = pattern.rfind(u'.');
     const std::u16string_view extension = i == pattern.npos ? std::u16string_view{} : pattern.substr(i + 1);
     return std::u16string(extension.substr(0, extension.find_first_of(u"*?\t;")));
-}
-
-std::u16string WithDefaultExtension(std::u16string_view name, std::u16string_view extension)
-{
-    std::u16string s(name);
-    if (!extension.empty() && ExtensionOf(name).size() <= 1) {
-        if (s.empty() || s.back() != u'.')
-            s += u'.';
-        s += extension;
-    }
-    return s;
 }

@@ -1,0 +1,48 @@
+// FileChooser_qt.cpp -- the routine that asks for a file to open or to save
+#include "toolkit/FileChooser_qt.h"
+
+#include "toolkit/FileFilter.h"
+#include "toolkit/WindowEvents_qt.h"
+
+#include <QFileDialog>
+
+#include <utility>
+
+namespace {
+
+QString Text(const std::u16string &s)
+{
+    return QString::fromStdU16String(s);
+}
+
+// The toolkit reads patterns between brackets behind the description, and takes "*.*" to want a dot.
+QStringList NameFilters(const FileQuestion &question)
+{
+    QStringList list;
+    for (const FileFilter &filter : FileFilters(question.sPattern, question.sName)) {
+        const QString pattern = filter.sPattern == u"*.*" ? QStringLiteral("*") : Text(filter.sPattern);
+        list += Text(filter.sDescription).section(QStringLiteral(" ("), 0, 0) + QStringLiteral(" (") + pattern +
+                QStringLiteral(")");
+    }
+    return list;
+}
+
+} // namespace
+
+QDialog *AskForFile(QWidget *pParent, const FileQuestion &question,
+                    std::function<void(const std::u16string &path)> pfnChosen)
+{
+    auto *pDialog = new QFileDialog(pParent, Text(question.sTitle), Text(question.sFolder));
+    pDialog->setAttribute(Qt::WA_DeleteOnClose);
+    KeepFramesUnder(pDialog);
+    pDialog->setAcceptMode(question.bSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    pDialog->setFileMode(question.bSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    pDialog->setNameFilters(NameFilters(question));
+    pDialog->setDefaultSuffix(Text(DefaultExtension(question.sPattern)));
+    if (!question.sName.empty())
+        pDialog->selectFile(Text(question.sName));
+    QObject::connect(pDialog, &QFileDialog::fileSelected, pDialog,
+                     [pfnChosen = std::move(pfnChosen)](const QString &path) { pfnChosen(path.toStdU16String()); });
+    pDialog->open();
+    return pDialog;
+}

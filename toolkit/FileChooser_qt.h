@@ -1,0 +1,22 @@
+// FileChooser_qt.h -- the routine that asks for a file to open or to save
+#pragma once
+
+#include <QDialog>
+
+#include <functional>
+#include <string>
+
+class QWidget;
+
+struct FileQuestion {
+    std::u16string sTitle;
+    std::u16string sFolder;  // where it starts
+    std::u16string sName;    // filled in; empty: none
+    std::u16string sPattern; // see FileFilters; its extension is added to names without one
+    bool bSave;              // asks before an existing file is overwritten; else the file must exist
+};
+
+// Opens the toolkit's chooser, or the desktop's own, over the window; frames go on behind it. pfnChosen receives the
+// full path; cancelling calls nothing. The dialog is returned so that the caller may close it. [main-thread]
+QDialog *AskForFile(QWidget *pParent, const FileQuestion &question,
+                    std::function<void(const std::u16string &path)> pfnChosen);
