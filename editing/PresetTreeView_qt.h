@@ -1,0 +1,39 @@
+// PresetTreeView_qt.h -- the preset tree on the screen: colours, keys, expansion
+#pragma once
+
+#include "editing/PresetTreeModel_qt.h"
+
+#include <QTreeView>
+
+#include <functional>
+
+class PresetTreeView : public QTreeView {
+  public:
+    explicit PresetTreeView(PresetTree *pTree, QWidget *pParent = nullptr);
+    ~PresetTreeView() override;
+
+    TreeNode *SelectedNode() const;
+    void SelectNode(const TreeNode *pNode);
+
+    // Called with the node under the pointer, or the selected one for the menu key, and a place on the screen. The
+    // selection stays as it is.
+    std::function<void(TreeNode *pNode, const QPoint &place)> pfnContextMenu;
+    std::function<void(TreeNode *pNode)> pfnRemove; // the Delete key
+
+  protected:
+    void paintEvent(QPaintEvent *pEvent) override;
+    void keyPressEvent(QKeyEvent *pEvent) override;
+    void mousePressEvent(QMouseEvent *pEvent) override;
+    void contextMenuEvent(QContextMenuEvent *pEvent) override;
+    void wheelEvent(QWheelEvent *pEvent) override;
+
+  private:
+    static void Hear(const TreeNews &news, void *pv);
+    void Take(const TreeNews &news);
+    void TakeExpansion(const TreeNode *pBranch);
+    void ExpandSelected(bool bExpanded);
+    void ToggleExpansion();
+
+    PresetTreeModel *pModel;
+    bool bFollowing = false; // the expansion comes from the tree
+};
