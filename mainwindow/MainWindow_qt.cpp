@@ -1,0 +1,254 @@
+// MainWindow_qt.cpp -- the control room: menu, tool buttons, preset tree, status strip
+#include "mainwindow/MainWindow_qt.h"
+
+#include "app/Startup.h"
+#include "editing/PresetTreeView_qt.h"
+#include "editing/TreeMenu_qt.h"
+#include "editing/TreeTexts.h"
+#include "engine/PresetDocument.h"
+#include "mainwindow/SoundMeter_qt.h"
+#include "mainwindow/StatusStrip.h"
+#include "modules/SoundMonitor.h"
+#include "output/RecordingDialog_qt.h"
+#include "platform/Clock.h"
+#include "state/Folders.h"
+#include "toolkit/CommandMenus_qt.h"
+#include "toolkit/FileChooser_qt.h"
+#include "toolkit/Icons_qt.h"
+#include "toolkit/QuestionBox_qt.h"
+
+#include <QCloseEvent>
+#include <QDialog>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProcess>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr QSize FIRST_SIZE(310, 440);
+constexpr int EDGE = 4;
+constexpr int TOOL_ICON = 22;
+
+MainWindow *WindowOf(void *pv)
+{
+    return static_cast<MainWindow *>(pv);
+}
+
+QString Text(const std::u16string &s)
+{
+    return QString::fromStdU16String(s);
+}
+
+// "[*]" is the toolkit's own placeholder.
+QString TitleText(const std::u16string &s)
+{
+    return Text(s).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+}
+
+QHBoxLayout *MakeRow()
+{
+    auto *pRow = new QHBoxLayout;
+    pRow->setContentsMargins(0, 0, 0, 0);
+    pRow->setSpacing(EDGE);
+    return pRow;
+}
+
+} // namespace
+
+MainWindow::MainWindow(void (*pfn)()) : pfnExit(pfn)
+{
+    Actions = {
+        .pvWindow = this,
+        .pfnNew = [](void *pv) { WindowOf(pv)->New(); },
+        .pfnOpen = [](void *pv) { WindowOf(pv)->Open(); },
+        .pfnSaveAs = [](void *pv) { WindowOf(pv)->SaveAs(); },
+        .pfnExit = [](void *pv) { WindowOf(pv)->pfnExit(); },
+        .pfnRecordingOptions = [](void *pv) { ShowRecordingDialog(WindowOf(pv)); },
+        .pfnOpenProgram = [](void *, const std::u16string &path) { QProcess::startDetached(Text(path), {}); },
+    };
+    auto *pMenuBar = new QMenuBar;
+    const CommandTable menu = {MainMenu(), &Actions};
+    FillMenuBar(pMenuBar, menu);
+    AddCommandShortcuts(this, menu);
+    pTreeView = new PresetTreeView(&Tree);
+    auto *pLayout = new QVBoxLayout(this);
+    pLayout->setContentsMargins(EDGE, 0, EDGE, EDGE);
+    pLayout->setSpacing(EDGE);
+    pLayout->setMenuBar(pMenuBar);
+    pLayout->addWidget(MakeToolButtons());
+    pLayout->addWidget(pTreeView, 1);
+    pLayout->addWidget(MakeStatusStrip());
+    resize(FIRST_SIZE);
+    ConnectTree();
+    PresetListeners.Add(HearPreset, this);
+    connect(&StatusTimer, &QTimer::timeout, this, [this] { UpdateStatus(); });
+    ShowMark();
+    pTreeView->setFocus();
+}
+
+MainWindow::~MainWindow()
+{
+    PresetListeners.Remove(HearPreset, this);
+    BuildPresetTree(Tree, nullptr);
+}
+
+QWidget *MainWindow::MakeToolButtons()
+{
+    auto *pButtons = new QWidget;
+    QHBoxLayout *pRow = MakeRow();
+    size_t iButton = 0;
+    for (const Command &command : MainToolButtons()) {
+        QToolButton *pButton = MakeCommandButton(command, &Actions, pButtons);
+        pButton->setIconSize(QSize(TOOL_ICON, TOOL_ICON));
+        pButton->setVisible(iButton++ != UPDATE_BUTTON);
+        pRow->addWidget(pButton);
+    }
+    pRow->addStretch();
+    pButtons->setLayout(pRow);
+    return pButtons;
+}
+
+QLabel *MainWindow::MakeField()
+{
+    auto *pField = new QLabel;
+    pField->setTextFormat(Qt::PlainText);
+    return pField;
+}
+
+QWidget *MainWindow::MakeStatusStrip()
+{
+    auto *pStrip = new QWidget;
+    auto *pFields = new QFormLayout;
+    pFields->setVerticalSpacing(1);
+    pFields->addRow(QStringLiteral("FPS"), pFps = MakeField());
+    pFields->addRow(QStringLiteral("Buffer"), pBuffer = MakeField());
+    pFields->addRow(QStringLiteral("Window"), pWindowSize = MakeField());
+    pSound = MakeCommandButton(SoundButton(), &Actions, pStrip);
+    QHBoxLayout *pSoundRow = MakeRow();
+    pSoundRow->addWidget(pMeter = new SoundMeter, 1);
+    pSoundRow->addWidget(pSound);
+    auto *pLayout = new QVBoxLayout(pStrip);
+    pLayout->setContentsMargins(0, 0, 0, 0);
+    pLayout->setSpacing(EDGE);
+    pLayout->addLayout(pFields);
+    pLayout->addLayout(pSoundRow);
+    return pStrip;
+}
+
+void MainWindow::ConnectTree()
+{
+    pTreeView->pfnContextMenu = [this](TreeNode *pNode, const QPoint &place) { OpenTreeMenu(pNode, place); };
+    pTreeView->pfnRemove = [this](TreeNode *pNode) { RunTreeCommand(Tree, pNode, TreeCommand::Remove, 0); };
+}
+
+void MainWindow::OpenTreeMenu(TreeNode *pNode, const QPoint &place)
+{
+    MakeTreeMenu(&Tree, pNode, this, [this](TreeNode *pTarget, TreeCommand eCommand, u32 dwArgument) {
+        RunTreeCommand(Tree, pTarget, eCommand, dwArgument);
+    })->popup(place);
+}
+
+void MainWindow::HearPreset(const PresetNews &news, void *pv)
+{
+    MainWindow *pWindow = WindowOf(pv);
+    switch (news.eKind) {
+    case NewsKind::Going: // what was to be saved is gone
+        BuildPresetTree(pWindow->Tree, nullptr);
+        if (pWindow->pChooser)
+            pWindow->pChooser->close();
+        break;
+    case NewsKind::Came:
+        BuildPresetTree(pWindow->Tree, news.lppsi);
+        break;
+    case NewsKind::Marked:
+        pWindow->ShowMark();
+        break;
+    default:
+        break;
+    }
+}
+
+void MainWindow::ShowPreset()
+{
+    BuildPresetTree(Tree, CurrentPreset());
+    pTreeView->SelectNode(Tree.pRoot);
+    ShowMark();
+}
+
+void MainWindow::ShowMark()
+{
+    setWindowTitle(TitleText(MainWindowTitle()));
+    SetTreeTitle(Tree, PresetName(), bPresetChanged != 0);
+}
+
+void MainWindow::New()
+{
+    ConfirmDiscard(this, [] { NewPreset(); });
+}
+
+void MainWindow::Open()
+{
+    ConfirmDiscard(this, [this] {
+        AskForFile(this, {u"Open", FolderPath(PATH_PRESETS), {}, u"*.VD", false}, [](const std::u16string &path) {
+            PresetReport report = {};
+            LoadPresetByName(path, &report);
+            ReportPassedOver(report);
+        });
+    });
+}
+
+void MainWindow::SaveAs()
+{
+    pChooser = AskForFile(this, {u"Save As", FolderPath(PATH_PRESETS), PresetName(), u"*.VD", true},
+                          [this](const std::u16string &path) { Save(path); });
+}
+
+void MainWindow::Save(const std::u16string &path)
+{
+    if (!SavePresetAs(path))
+        ShowErrorBox(this, QStringLiteral("Error"), QStringLiteral("Error Saving File"));
+}
+
+void MainWindow::StartStatus()
+{
+    UpdateStatus();
+    StatusTimer.start(STATUS_TIMER_MS);
+}
+
+void MainWindow::UpdateStatus()
+{
+    StatusTexts texts;
+    if (TakeStatusTexts(TickCount(), &texts)) {
+        pFps->setText(Text(texts.sFps));
+        pBuffer->setText(Text(texts.sBuffer));
+        pWindowSize->setText(Text(texts.sWindow));
+    }
+    const bool bQuiet = SoundIsQuiet() != 0;
+    ShowSound(bQuiet);
+    pMeter->Follow(bQuiet);
+}
+
+void MainWindow::ShowSound(bool bQuiet)
+{
+    if (nQuietShown == bQuiet)
+        return;
+    nQuietShown = bQuiet;
+    pSound->setIcon(UserIcon(bQuiet ? "quiet" : "sound"));
+}
+
+void MainWindow::closeEvent(QCloseEvent *pEvent)
+{
+    pEvent->ignore(); // the main loop takes it down in its order
+    ConfirmDiscard(this, pfnExit);
+}
+
+// Wherever the pointer is in this window, the tree turns.
+void MainWindow::wheelEvent(QWheelEvent *pEvent)
+{
+    QCoreApplication::sendEvent(pTreeView->viewport(), pEvent);
+}
