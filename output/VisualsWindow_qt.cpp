@@ -9,11 +9,11 @@
 #include "output/Presenters.h"
 #include "output/RecordingDialog_qt.h"
 #include "output/VisualsCommands.h"
-#include "output/VisualsMenu_qt.h"
 #include "output/mixer/Stretch.h"
 #include "platform/Clock.h"
 #include "platform/Notices.h"
 #include "state/GlobalSettings.h"
+#include "toolkit/CommandMenus_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QApplication>
@@ -461,7 +461,7 @@ void VisualsWindow::mouseDoubleClickEvent(QMouseEvent *pEvent)
     if (pEvent->button() != Qt::LeftButton)
         mousePressEvent(pEvent);
     else if (bOnPicture)
-        RunVisualsCommand(VisualsCommand::ToggleFullScreen, 0);
+        SetVisualsFullScreen(!bFullScreen);
 }
 
 // The menu key; the mouse's right button was seen before.
@@ -476,7 +476,7 @@ void VisualsWindow::OpenMenu(const QPoint &place)
 {
     dwMouseButtons = 0;
     unsetCursor();
-    BuildVisualsMenu(this)->popup(place);
+    MakeCommandMenu(VisualsMenu(), this)->popup(place);
 }
 
 void VisualsWindow::TakeMouse(const QMouseEvent *pEvent)
@@ -495,7 +495,7 @@ void VisualsWindow::changeEvent(QEvent *pEvent)
         return;
     const bool bJustLeft = qwLeftFullScreen && TickCount() - qwLeftFullScreen < LEAVING_MS;
     if (isMaximized() && !bFullScreen && !bJustLeft)
-        RunVisualsCommand(VisualsCommand::FullScreenOn, 0);
+        SetVisualsFullScreen(1);
     else
         bFullScreen = isFullScreen();
 }

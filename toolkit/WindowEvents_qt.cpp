@@ -88,6 +88,17 @@ KeyEvent KeyEventOf(const QKeyEvent &event)
             (event.modifiers() & SYSTEM) != Qt::NoModifier, ModifiersOf(event.modifiers())};
 }
 
+int ToolkitKeyOf(u32 dwKey)
+{
+    if (dwKey >= KEY_F1 && dwKey < KEY_F1 + F_KEYS)
+        return Qt::Key_F1 + static_cast<int>(dwKey - KEY_F1);
+    for (const NamedKey &row : asNamed)
+        if (row.dwKey == dwKey)
+            return row.nToolkitKey;
+    const bool bPlain = (dwKey >= 'A' && dwKey <= 'Z') || (dwKey >= '0' && dwKey <= '9');
+    return bPlain ? static_cast<int>(dwKey) : 0;
+}
+
 i32 WheelDeltaOf(const QWheelEvent &event)
 {
     return event.angleDelta().y();
