@@ -5,6 +5,7 @@
 #include "output/RecordingSettings.h"
 #include "platform/Files.h"
 #include "toolkit/WindowEvents_qt.h"
+#include "toolkit/WindowLayouts_qt.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -15,7 +16,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
@@ -280,15 +280,13 @@ void RecordingDialog::Store()
     accept();
 }
 
-QPointer<RecordingDialog> pOpen;
+void *MakeRecordingDialog(void *pvOwner)
+{
+    auto *pDialog = new RecordingDialog(static_cast<QWidget *>(pvOwner));
+    FollowWindow(RecordingDialogKind.pszName, pDialog);
+    return static_cast<QWidget *>(pDialog);
+}
 
 } // namespace
 
-void ShowRecordingDialog(QWidget *pParent)
-{
-    if (!pOpen)
-        pOpen = new RecordingDialog(pParent);
-    pOpen->show();
-    pOpen->raise();
-    pOpen->activateWindow();
-}
+const WindowKind RecordingDialogKind = {u"RecordingOptions", WindowUse::Dialog, MakeRecordingDialog, &WidgetFunctions};
