@@ -3,11 +3,11 @@
 
 #include "controls/ControlManager.h"
 #include "engine/DrawPipeline.h"
+#include "engine/MixRules.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PresetManager.h"
 #include "modules/ModuleRegistry.h"
 #include "modules/ShaderList.h"
-#include "output/mixer/PlaneMixer.h"
 #include "platform/Assert.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
