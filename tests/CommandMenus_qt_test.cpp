@@ -64,7 +64,7 @@ constexpr Command asFile[] = {
      .pfnEnabled = MaySave,
      .key = {'S', MODIFIER_CTRL},
      .pszToolTip = u"Save <i>to</i> Preset File",
-     .pszIcon = "save"},
+     .pszIcon = "saveas"},
     COMMAND_LINE,
     {.pszText = u"On Top", .pfnRun = FlipOnTop, .pfnChecked = [](u32, void *pv) { return Of(pv)->bOnTop; }},
     {.pszText = u"Layouts", .children = asLayouts},
@@ -229,7 +229,7 @@ TEST(Icons, EveryPictureIsDrawnInTheUsersColourAndFillsItsPlace)
         EXPECT_GT(nInked, 40) << qPrintable(name);
         EXPECT_EQ(0, nStrange) << qPrintable(name) << " has colours of its own";
     }
-    const QIcon icon = UserIcon("save");
+    const QIcon icon = UserIcon("saveas");
     SetUIColor(UICOLOR_WINDOW_TEXT, 0x000000FF);
     const QImage red = icon.pixmap(24, 24).toImage();
     EXPECT_EQ(qRgb(255, 0, 0), red.pixelColor(4, 12).rgb() | 0xFF000000) << "an icon of before follows";
