@@ -29,6 +29,12 @@ bool SetModules(void *pv, const std::string &s)
     return SetFolder(s, &Options(pv)->start.modules);
 }
 
+bool LeaveMainOut(void *pv, const std::string &)
+{
+    Options(pv)->start.bNoMain = 1;
+    return true;
+}
+
 template <u32 DesktopOptions::*pSwitch> bool SwitchOn(void *pv, const std::string &)
 {
     Options(pv)->*pSwitch = 1;
@@ -38,6 +44,7 @@ template <u32 DesktopOptions::*pSwitch> bool SwitchOn(void *pv, const std::strin
 constexpr OptionRow asOption[] = {
     {"--data", "DIR", "an existing data folder, instead of the one that belongs to the program", SetData},
     {"--modules", "DIR", "an existing folder of module libraries, instead of the program's own", SetModules},
+    {"--no-main", nullptr, "the picture alone, as on a wall; an entry of its menu brings the main window", LeaveMainOut},
     {"--list-sound", nullptr, "say which sound the program listens to, and end", SwitchOn<&DesktopOptions::bListSound>},
     {"--help", nullptr, "this text", SwitchOn<&DesktopOptions::bHelp>},
     {"--version", nullptr, "the version", SwitchOn<&DesktopOptions::bVersion>},

@@ -262,14 +262,6 @@ constexpr Step asShutDownHeadless[] = {
 
 } // namespace
 
-void ReportPassedOver(const PresetReport &report)
-{
-    for (const std::string &sLine : report.asLine)
-        std::fprintf(stderr, "%s: passed over: %s\n", program_invocation_short_name, sLine.c_str());
-    if (report.nMore)
-        std::fprintf(stderr, "%s: passed over: and %u more\n", program_invocation_short_name, report.nMore);
-}
-
 int StartCore(const StartOptions &options)
 {
     pOptions = &options;

@@ -6,8 +6,6 @@
 #include <string>
 #include <string_view>
 
-struct PresetReport;
-
 constexpr int EXIT_MAPPING = -1; // the shared block belongs to a program of another version
 
 // What the command line of the desktop program says.
@@ -15,6 +13,7 @@ struct StartOptions {
     std::u16string data;    // --data; empty: worked out
     std::u16string modules; // --modules
     std::u16string preset;  // an existing file, else empty
+    u32 bNoMain;            // --no-main
 };
 
 // The part of the start-up that needs no window: folders, settings, shared block, sound, modules, OpenGL test. 0 to go
@@ -25,8 +24,6 @@ int StartCore(const StartOptions &options);
 void StartPreset(std::u16string_view path);
 // What the start-up left for later. After the first frame.
 void RunPendingSteps();
-// Says on standard error what the reader of a preset could not use here.
-void ReportPassedOver(const PresetReport &report);
 // Writes the settings file. When the program is asked to end, before anything goes down.
 void SaveSettings();
 // Everything down again, in order.

@@ -5,11 +5,16 @@
 #include "app/Startup.h"
 #include "app/Toolkit_qt.h"
 #include "engine/PlaneThreads.h"
+#include "mainwindow/MainWindow_qt.h"
+#include "mainwindow/StartPlacement.h"
 #include "output/FrameRecorder.h"
 #include "output/Presenters.h"
+#include "output/VisualsCommands.h"
 #include "output/VisualsWindow_qt.h"
 #include "platform/Signals.h"
 #include "toolkit/ErrorBoxes_qt.h"
+#include "toolkit/FrameExtents_qt.h"
+#include "toolkit/WindowLayouts.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -44,22 +49,55 @@ u32 FinishStart(const HostBitmap *, void *)
     return 0;
 }
 
+MainWindow *FindMainWindow()
+{
+    const WindowLayout *pLayout = FindWindowLayout(MAIN_WINDOW);
+    return pLayout ? static_cast<MainWindow *>(static_cast<QWidget *>(pLayout->hWnd)) : nullptr;
+}
+
+FrameRect RectOf(const QRect &rc)
+{
+    return {rc.left(), rc.top(), rc.left() + rc.width(), rc.top() + rc.height()};
+}
+
+// The main window at the top left of the work area, the picture beside it.
+void PlaceWindows(QWidget *pMain, QWidget *pVisuals)
+{
+    const QRect rcWork = WorkAreaOf(pMain);
+    SetFrameRect(pMain, QRect(rcWork.topLeft(), FrameRectOf(pMain).size()));
+    const FrameRect rc = VisualsStartRect(RectOf(FrameRectOf(pMain)), RectOf(rcWork), SmallestVisualsSide());
+    SetFrameRect(pVisuals, QRect(rc.xLeft, rc.yTop, rc.xRight - rc.xLeft, rc.yBottom - rc.yTop));
+}
+
+void OpenWindows(const StartOptions &options, VisualsWindow *pVisuals)
+{
+    RegisterMainWindow(RequestExit);
+    if (!options.bNoMain) {
+        auto *pMain = static_cast<QWidget *>(OpenWindow(MAIN_WINDOW, nullptr, 1));
+        PlaceWindows(pMain, pVisuals);
+    }
+    pVisuals->show();
+    pVisuals->PublishWindow();
+}
+
 void RunShow(const StartOptions &options)
 {
     AddPresenter(RecordStep, nullptr); // before the window: what is saved is what is shown next
     VisualsWindow window(RequestExit);
-    window.show();
-    window.PublishWindow();
+    OpenWindows(options, &window);
     SetBeforeFrame(PublishWindow, &window);
     if (std::getenv("VD_END_AT_FIRST_FRAME"))
         AddPresenter(EndAtFirstFrame, nullptr);
     AddPresenter(FinishStart, nullptr);
     StartPreset(options.preset);
-    ShowErrorsOver(&window);
+    if (MainWindow *pMain = FindMainWindow())
+        pMain->SelectRoot();
+    ShowErrorsOver(FindMainWindow() ? static_cast<QWidget *>(FindMainWindow()) : &window);
     RunMainLoop();
     FinishFrameRecorder();
     SaveSettings();
     SetBeforeFrame(nullptr, nullptr);
+    delete FindMainWindow();
 }
 
 int RunDesktop(const StartOptions &options)

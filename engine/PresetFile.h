@@ -68,5 +68,9 @@ u32 ReadControl(XmlContext *pxc, ControlRecord *pctl, u32 bClamp, PresetReport *
 ControlRecord *FindStoredControl(XmlContext *pxc, const ModuleSlot *pms, u32 n);
 
 void AddToReport(PresetReport *pReport, std::string sLine);
+// Says on standard error what the reader of a preset could not use here.
+void ReportPassedOver(const PresetReport &report);
+// The same, and why there is no preset if there is none.
+void SayReport(std::u16string_view name, const PresetReport &report);
 // Why the preset of that name could not be loaded, as one line for the user.
 std::string DescribeFailure(std::u16string_view name, const PresetReport &report);

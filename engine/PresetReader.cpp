@@ -234,25 +234,6 @@ PresetState *ReadPresetDocument(XmlContext *pxc, PresetReport *pReport)
 
 } // namespace
 
-void AddToReport(PresetReport *pReport, std::string sLine)
-{
-    if (!pReport)
-        return;
-    // Names from a file may hold line ends, and sequences that steer a terminal.
-    std::replace_if(
-        sLine.begin(), sLine.end(), [](char ch) { return static_cast<u8>(ch) < 0x20 || ch == 0x7F; }, '?');
-    if (pReport->asLine.size() < REPORT_LINES_MAX)
-        pReport->asLine.push_back(std::move(sLine));
-    else
-        pReport->nMore++;
-}
-
-std::string DescribeFailure(std::u16string_view name, const PresetReport &report)
-{
-    return report.sFailure.empty() ? ToUtf8(name) + ": there is no such file, nor one in the preset folder"
-                                   : report.sFailure;
-}
-
 ControlRecord *FindStoredControl(XmlContext *pxc, const ModuleSlot *pms, u32 n)
 {
     NameText szStored = u"", szName;

@@ -1,7 +1,6 @@
 // MainWindow_qt.cpp -- the control room: menu, tool buttons, preset tree, status strip
 #include "mainwindow/MainWindow_qt.h"
 
-#include "app/Startup.h"
 #include "editing/PresetTreeView_qt.h"
 #include "editing/TreeMenu_qt.h"
 #include "editing/TreeTexts.h"
@@ -9,13 +8,13 @@
 #include "mainwindow/SoundMeter_qt.h"
 #include "mainwindow/StatusStrip.h"
 #include "modules/SoundMonitor.h"
-#include "output/RecordingDialog_qt.h"
 #include "platform/Clock.h"
 #include "state/Folders.h"
 #include "toolkit/CommandMenus_qt.h"
 #include "toolkit/FileChooser_qt.h"
 #include "toolkit/Icons_qt.h"
 #include "toolkit/QuestionBox_qt.h"
+#include "toolkit/WindowLayouts_qt.h"
 
 #include <QCloseEvent>
 #include <QDialog>
@@ -50,6 +49,16 @@ QString TitleText(const std::u16string &s)
     return Text(s).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
 }
 
+void (*pfnEndProgram)() = nullptr;
+
+void *MakeMainWindow(void *)
+{
+    auto *pWindow = new MainWindow(pfnEndProgram);
+    FollowWindow(MAIN_WINDOW, pWindow);
+    pWindow->StartStatus();
+    return static_cast<QWidget *>(pWindow);
+}
+
 QHBoxLayout *MakeRow()
 {
     auto *pRow = new QHBoxLayout;
@@ -68,7 +77,7 @@ MainWindow::MainWindow(void (*pfn)()) : pfnExit(pfn)
         .pfnOpen = [](void *pv) { WindowOf(pv)->Open(); },
         .pfnSaveAs = [](void *pv) { WindowOf(pv)->SaveAs(); },
         .pfnExit = [](void *pv) { WindowOf(pv)->pfnExit(); },
-        .pfnRecordingOptions = [](void *pv) { ShowRecordingDialog(WindowOf(pv)); },
+        .pfnRecordingOptions = [](void *pv) { RunWindowCommand(u"RecordingOptions", WindowOf(pv)); },
         .pfnOpenProgram = [](void *, const std::u16string &path) { QProcess::startDetached(Text(path), {}); },
     };
     auto *pMenuBar = new QMenuBar;
@@ -86,6 +95,7 @@ MainWindow::MainWindow(void (*pfn)()) : pfnExit(pfn)
     resize(FIRST_SIZE);
     ConnectTree();
     PresetListeners.Add(HearPreset, this);
+    BuildPresetTree(Tree, CurrentPreset());
     connect(&StatusTimer, &QTimer::timeout, this, [this] { UpdateStatus(); });
     ShowMark();
     pTreeView->setFocus();
@@ -173,11 +183,9 @@ void MainWindow::HearPreset(const PresetNews &news, void *pv)
     }
 }
 
-void MainWindow::ShowPreset()
+void MainWindow::SelectRoot()
 {
-    BuildPresetTree(Tree, CurrentPreset());
     pTreeView->SelectNode(Tree.pRoot);
-    ShowMark();
 }
 
 void MainWindow::ShowMark()
@@ -197,7 +205,7 @@ void MainWindow::Open()
         AskForFile(this, {u"Open", FolderPath(PATH_PRESETS), {}, u"*.VD", false}, [](const std::u16string &path) {
             PresetReport report = {};
             LoadPresetByName(path, &report);
-            ReportPassedOver(report);
+            SayReport(path, report);
         });
     });
 }
@@ -251,4 +259,11 @@ void MainWindow::closeEvent(QCloseEvent *pEvent)
 void MainWindow::wheelEvent(QWheelEvent *pEvent)
 {
     QCoreApplication::sendEvent(pTreeView->viewport(), pEvent);
+}
+
+void RegisterMainWindow(void (*pfnExit)())
+{
+    static const WindowKind kind = {MAIN_WINDOW, WindowUse::Main, MakeMainWindow, &WidgetFunctions};
+    pfnEndProgram = pfnExit;
+    RegisterWindow(kind);
 }

@@ -25,8 +25,7 @@ class MainWindow : public QWidget {
     explicit MainWindow(void (*pfnExit)());
     ~MainWindow() override;
 
-    // The tree shows the current preset, its root is selected, the title says its name.
-    void ShowPreset();
+    void SelectRoot();
     // From now on the fields, the meter and the sound button follow the show.
     void StartStatus();
 
@@ -60,3 +59,6 @@ class MainWindow : public QWidget {
     QPointer<QDialog> pChooser; // a file chooser that works on the preset of its opening
     int nQuietShown = -1;       // what the sound button's picture says; -1: nothing yet
 };
+
+// Enters it in the table of windows as MAIN_WINDOW; OpenWindow makes it. pfnExit ends the program. [main-thread]
+void RegisterMainWindow(void (*pfnExit)());

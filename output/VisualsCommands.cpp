@@ -5,6 +5,7 @@
 #include "output/Overlays.h"
 #include "output/RecordingSettings.h"
 #include "state/GlobalSettings.h"
+#include "toolkit/WindowLayouts.h"
 
 #include <algorithm>
 
@@ -105,9 +106,16 @@ bool CanRecord(u32, void *)
     return RecordingCanBeAsked();
 }
 
-void RunRecordingOptions(u32, void *)
+// Where the program was started without it.
+void AddMainWindow(std::vector<CommandItem> *pItems, u32, void *)
 {
-    OpenRecordingOptions();
+    if (FindWindowLayout(MAIN_WINDOW) && !WindowIsOpen(MAIN_WINDOW))
+        pItems->push_back({u"Main Window", 0});
+}
+
+void BringMainWindow(u32, void *)
+{
+    OpenWindow(MAIN_WINDOW, nullptr, 1);
 }
 
 void RunExit(u32, void *)
@@ -125,7 +133,6 @@ constexpr Command asRecordingMenu[] = {
     {u"Record for 30 seconds", RunRecording, 30, CanRecord},
     {u"Record for 1 minute", RunRecording, 60, CanRecord},
     {u"Toggle frame recorder", RunRecording, RECORD_SECONDS_ENDLESS, CanRecord},
-    {u"Recording Options...", RunRecordingOptions},
 };
 constexpr Command asMenu[] = {
     {u"Maximize", RunFullScreen, 1},
@@ -143,6 +150,7 @@ constexpr Command asMenu[] = {
     {.pszText = u"Screen Capture", .pfnRun = RunCapture, .key = {'S'}},
     {.pszText = u"Recording", .children = asRecordingMenu},
     COMMAND_LINE,
+    {.pfnRun = BringMainWindow, .pfnItems = AddMainWindow},
     {u"Exit Vorticade", RunExit},
 };
 
@@ -209,12 +217,6 @@ void SetVisualsSize(u32 iRow)
     SetVisualsFullScreen(0);
     if (iRow < SIZES && Hooks.pfnSetClientSize)
         Hooks.pfnSetClientSize(Hooks.pvWindow, asSize[iRow].nWidth, asSize[iRow].nHeight);
-}
-
-void OpenRecordingOptions()
-{
-    if (Hooks.pfnRecordingOptions)
-        Hooks.pfnRecordingOptions(Hooks.pvWindow);
 }
 
 bool HandleVisualsKey(const KeyEvent &event)

@@ -24,7 +24,6 @@ struct VisualsWindowHooks {
     void (*pfnSetClientSize)(void *pvWindow, i32 nWidth, i32 nHeight);
     void (*pfnSetTopmost)(void *pvWindow, u32 bOn);
     void (*pfnFrameChanged)(void *pvWindow); // the smallest size is another one
-    void (*pfnRecordingOptions)(void *pvWindow);
     void (*pfnClose)(void *pvWindow);
 };
 void SetVisualsWindowHooks(const VisualsWindowHooks &hooks);
@@ -33,7 +32,6 @@ void SetVisualsWindowHooks(const VisualsWindowHooks &hooks);
 void SetVisualsFullScreen(u32 bOn);
 // Leaves full screen for it. iRow of WindowSizes(); nothing beyond.
 void SetVisualsSize(u32 iRow);
-void OpenRecordingOptions();
 // True if the key means something here.
 bool HandleVisualsKey(const KeyEvent &event);
 // The window lost the keyboard: presses of before are forgotten.
