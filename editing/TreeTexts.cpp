@@ -18,7 +18,7 @@ std::u16string_view FieldText(const char16_t *psz, u32 cch)
 
 std::u16string MarkedText(std::u16string_view text, bool bPaused)
 {
-    std::u16string s(text.substr(0, text.find(MARK_START)));
+    std::u16string s(UnmarkedText(text));
     return bPaused ? s.append(PAUSED_MARK) : s;
 }
 
@@ -64,6 +64,11 @@ void SetTreeTitle(PresetTree &tree, std::u16string_view name, bool bChanged)
     tree.sTitle = (bChanged ? u"*" : u"") + std::u16string(name);
     if (tree.pRoot)
         SetNodeText(tree, tree.pRoot, tree.sTitle);
+}
+
+std::u16string_view UnmarkedText(std::u16string_view text)
+{
+    return text.substr(0, text.find(MARK_START));
 }
 
 void SetPausedMark(PresetTree &tree, TreeNode *pNode, bool bPaused)

@@ -10,6 +10,8 @@ std::u16string_view ModuleText(const ModuleSlot *pms);
 
 // Name and mark of changes become the root's text, now and whenever the tree is built anew.
 void SetTreeTitle(PresetTree &tree, std::u16string_view name, bool bChanged);
+// The text up to " - [".
+std::u16string_view UnmarkedText(std::u16string_view text);
 // Cuts the node's text at " - [" and, for a paused one, appends the mark.
 void SetPausedMark(PresetTree &tree, TreeNode *pNode, bool bPaused);
 // Numbers the plane nodes by their planes' places in the preset, and gives the paused ones their mark.
