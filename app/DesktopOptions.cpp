@@ -43,6 +43,19 @@ constexpr OptionRow asOption[] = {
     {"--version", nullptr, "the version", SwitchOn<&DesktopOptions::bVersion>},
 };
 
+// What names no file is no error: it is ignored.
+bool TakePreset(const std::string &s, std::u16string *pPreset, std::string *psError)
+{
+    if (!FileExists(FromUtf8(s)))
+        return true;
+    *pPreset = AbsolutePath(FromUtf8(s));
+    if (pPreset->size() < NAME_CHARS)
+        return true;
+    *psError = "the path of the preset has " + std::to_string(pPreset->size()) +
+               " characters; move the file to where it has fewer than " + std::to_string(NAME_CHARS);
+    return false;
+}
+
 } // namespace
 
 bool ReadDesktopOptions(int argc, char **argv, DesktopOptions *pdo, std::string *psError)
@@ -50,9 +63,7 @@ bool ReadDesktopOptions(int argc, char **argv, DesktopOptions *pdo, std::string 
     std::vector<std::string> asOperand;
     if (!ParseCommandLine(asOption, argc, argv, pdo, &asOperand, psError))
         return false;
-    if (!asOperand.empty() && FileExists(FromUtf8(asOperand[0])))
-        pdo->start.preset = AbsolutePath(FromUtf8(asOperand[0]));
-    return true;
+    return asOperand.empty() || TakePreset(asOperand[0], &pdo->start.preset, psError);
 }
 
 std::string DesktopHelp()

@@ -38,7 +38,7 @@ void SetAside(const std::u16string &path, std::string sWhy)
 
 } // namespace
 
-u32 ReadGlobals(GlobalSettingsRecord *pgs, std::u16string_view argument)
+u32 ReadGlobals(GlobalSettingsRecord *pgs)
 {
     const std::u16string path = FolderPath(PATH_GLOBALS);
     std::string sWhy;
@@ -48,8 +48,6 @@ u32 ReadGlobals(GlobalSettingsRecord *pgs, std::u16string_view argument)
         sWhy = ToUtf8(path) + ": no settings stand between <Globals> and </Globals>";
     if (!sWhy.empty())
         SetAside(path, sWhy);
-    if (argument.size() < NAME_CHARS && FileExists(argument))
-        CopyText(pgs->Preset, argument);
     return bOpened;
 }
 

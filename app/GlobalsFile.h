@@ -6,11 +6,10 @@
 #include <string>
 #include <string_view>
 
-// Overlays the settings, which hold the defaults, with those of the settings file. A command line argument that names
-// an existing file takes the place of the stored preset, also when there is no settings file. Returns 0 if the file is
-// absent or unreadable; the defaults then stay. A file that is there and holds no settings is told to the user and kept
-// under another name, since the end of the run writes a new one. [main-thread]
-u32 ReadGlobals(GlobalSettingsRecord *pgs, std::u16string_view argument = {});
+// Overlays the settings, which hold the defaults, with those of the settings file. Returns 0
+// if the file is absent or unreadable; the defaults then stay. A file that is there and holds no settings is told to
+// the user and kept under another name, since the end of the run writes a new one. [main-thread]
+u32 ReadGlobals(GlobalSettingsRecord *pgs);
 // The same from a document's bytes.
 u32 ReadGlobalsText(GlobalSettingsRecord *pgs, std::string_view bytes);
 // Writes all settings to the settings file. 0: the old file stands as it was, and *psWhy (may be null) says why.

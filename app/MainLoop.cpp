@@ -3,6 +3,7 @@
 
 #include "app/Startup.h"
 #include "engine/FrameStep.h"
+#include "engine/PresetDocument.h"
 #include "engine/PresetManager.h"
 #include "output/FrameRecorder.h"
 #include "output/Presenters.h"
@@ -73,6 +74,7 @@ u32 RunAndPresentFrame()
 {
     if (pfnBeforeFrame)
         pfnBeforeFrame(pvBeforeFrame);
+    ServePresetMark();
     PaceRecorder();
     PresetState *lppsi = CurrentPreset();
     if (!RunFrameStep(lppsi))

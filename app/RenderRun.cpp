@@ -6,7 +6,7 @@
 #include "app/RenderSound.h"
 #include "app/RenderStats.h"
 #include "engine/FrameStep.h"
-#include "engine/PresetFile.h"
+#include "engine/PresetDocument.h"
 #include "engine/PresetManager.h"
 #include "output/Presenters.h"
 #include "output/mixer/PlaneMixer.h"
@@ -153,13 +153,12 @@ std::string RunFrames(const RenderOptions &ro, RenderStats *prs)
 std::string LoadPreset(const RenderOptions &ro)
 {
     if (ro.preset == "default") {
-        SwitchPreset(MakeDefaultPreset, nullptr);
+        OpenDefaultPreset();
         return {};
     }
     PresetReport report = {};
     const std::u16string name = FromUtf8(ro.preset);
-    const PresetRequest request = {name, &report};
-    if (!SwitchPreset(MakeStoredPreset, &request))
+    if (!LoadPresetByName(name, &report) || !CurrentPreset())
         return DescribeFailure(name, report);
     ReportPassedOver(report);
     return {};
@@ -170,7 +169,7 @@ std::string RunJob(const RenderOptions &ro)
 {
     std::string sError;
     if (!ro.save.empty()) {
-        SavePresetFile(CurrentPreset(), FromUtf8(ro.save), &sError);
+        SavePresetAs(FromUtf8(ro.save), &sError);
         return sError;
     }
     RenderStats stats;

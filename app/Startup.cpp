@@ -7,7 +7,7 @@
 #include "app/Steps.h"
 #include "engine/BufferSize.h"
 #include "engine/PlaneThreads.h"
-#include "engine/PresetFile.h"
+#include "engine/PresetDocument.h"
 #include "engine/PresetManager.h"
 #include "library/Favorites.h"
 #include "library/PresetLibrary.h"
@@ -16,6 +16,7 @@
 #include "modules/OpenGLTest.h"
 #include "modules/ShaderList.h"
 #include "modules/SoundMonitor.h"
+#include "output/FrameStats.h"
 #include "output/ModuleMessages.h"
 #include "output/VisualsCommands.h"
 #include "output/mixer/MixAccelerator.h"
@@ -77,7 +78,7 @@ u32 SetDefaults()
 u32 ReadStoredSettings()
 {
     SetSaveFolder(JoinPath(FolderPath(PATH_DATA), u".saving"));
-    ReadGlobals(&GlobalSettings, pOptions->preset);
+    ReadGlobals(&GlobalSettings);
     SetUpFrameThickness();
     GlobalSettings.pfnShowMessage = ShowModuleMessage;
     return 1;
@@ -259,8 +260,6 @@ constexpr Step asShutDownHeadless[] = {
 };
 // clang-format on
 
-constexpr const char16_t *UNTITLED_PRESET = u"Tempname.VD";
-
 } // namespace
 
 void ReportPassedOver(const PresetReport &report)
@@ -279,21 +278,17 @@ int StartCore(const StartOptions &options)
     return pszFailed ? EXIT_MAPPING : 0;
 }
 
-void StartPreset()
+void StartPreset(std::u16string_view path)
 {
     SetStartBufferSize();
     PresetReport report = {};
-    const PresetRequest request = {GlobalSettings.Preset, &report};
-    if (SwitchPreset(MakeStoredPreset, &request)) {
-        ReportPassedOver(report);
-        return;
-    }
-    const bool bFirstStart = report.sFailure.empty() && EqualNoCase(GlobalSettings.Preset, UNTITLED_PRESET);
-    if (!bFirstStart)
+    std::string sTrouble;
+    OpenFirstPreset(path, &report, &sTrouble);
+    ReportPassedOver(report);
+    if (!sTrouble.empty())
         std::fprintf(stderr, "%s: %s. The default preset takes its place\n", program_invocation_short_name,
-                     DescribeFailure(GlobalSettings.Preset, report).c_str());
-    SwitchPreset(MakeDefaultPreset, nullptr);
-    CopyText(GlobalSettings.Preset, UNTITLED_PRESET);
+                     sTrouble.c_str());
+    ResetFrameStatsWithPresets();
 }
 
 void RunPendingSteps()

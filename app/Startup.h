@@ -4,6 +4,7 @@
 #include "platform/BaseTypes.h"
 
 #include <string>
+#include <string_view>
 
 struct PresetReport;
 
@@ -19,9 +20,9 @@ struct StartOptions {
 // The part of the start-up that needs no window: folders, settings, shared block, sound, modules, OpenGL test. 0 to go
 // on, else the exit code with which the process must leave. [main-thread]
 int StartCore(const StartOptions &options);
-// The part after the visuals window stands: buffer size, preset. Where the preset of the settings cannot be read, the
-// default preset takes its place, untitled.
-void StartPreset();
+// The part after the visuals window stands: buffer size, preset. path is what the command line names, else empty; the
+// preset of the settings is then opened. Where it cannot be read, the default preset takes its place, untitled.
+void StartPreset(std::u16string_view path);
 // What the start-up left for later. After the first frame.
 void RunPendingSteps();
 // Says on standard error what the reader of a preset could not use here.

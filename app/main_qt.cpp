@@ -44,7 +44,7 @@ u32 FinishStart(const HostBitmap *, void *)
     return 0;
 }
 
-void RunShow()
+void RunShow(const StartOptions &options)
 {
     AddPresenter(RecordStep, nullptr); // before the window: what is saved is what is shown next
     VisualsWindow window(RequestExit);
@@ -54,7 +54,7 @@ void RunShow()
     if (std::getenv("VD_END_AT_FIRST_FRAME"))
         AddPresenter(EndAtFirstFrame, nullptr);
     AddPresenter(FinishStart, nullptr);
-    StartPreset();
+    StartPreset(options.preset);
     ShowErrorsOver(&window);
     RunMainLoop();
     FinishFrameRecorder();
@@ -73,7 +73,7 @@ int RunDesktop(const StartOptions &options)
     KeepErrors();
     if (const int nExit = StartCore(options))
         return nExit;
-    RunShow();
+    RunShow(options);
     ShutDown();
     return 0;
 }

@@ -2,6 +2,7 @@
 #include "bench/BenchReport.h"
 #include "bench/MemoryTraffic.h"
 
+#include "engine/MixRules.h"
 #include "output/mixer/MixAccelerator.h"
 #include "output/mixer/PlaneMixer.h"
 #include "output/mixer/remap.h"

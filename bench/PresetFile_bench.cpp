@@ -3,11 +3,11 @@
 
 #include "app/SettingsTable.h"
 #include "engine/DrawPipeline.h"
+#include "engine/MixRules.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PresetFile.h"
 #include "engine/PresetManager.h"
 #include "modules/ModuleRegistry.h"
-#include "output/mixer/PlaneMixer.h"
 #include "platform/Clock.h"
 #include "platform/Text.h"
 #include "state/Folders.h"

@@ -4,6 +4,7 @@
 #include "controls/ControlManager.h"
 #include "engine/DrawPipeline.h"
 #include "engine/PlaneThreads.h"
+#include "engine/PresetNews.h"
 #include "modules/HiddenGLWindows.h"
 #include "modules/ModuleCalls.h"
 #include "modules/ModuleRegistry.h"
@@ -136,6 +137,26 @@ u32 EmptyList(PresetState *lppsi, const SlotList &list)
     return bAny;
 }
 
+void TellSlots(PresetState *lppsi, const SlotList &list)
+{
+    TellIfCurrent({NewsKind::Slots, lppsi, list.pps, nullptr, nullptr});
+}
+
+void TellSlotGoes(PresetState *lppsi, ModuleSlot *pms)
+{
+    TellIfCurrent({NewsKind::SlotGoes, lppsi, pms->ppsOwner, pms, nullptr});
+}
+
+// With news.
+u32 RemoveList(PresetState *lppsi, const SlotList &list)
+{
+    std::for_each_n(list.apSlot, *list.pnCount, [=](ModuleSlot *pms) { TellSlotGoes(lppsi, pms); });
+    if (!EmptyList(lppsi, list))
+        return 0;
+    TellSlots(lppsi, list);
+    return 1;
+}
+
 } // namespace
 
 ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u32 dwModuleType, u32 dwShader,
@@ -159,6 +180,7 @@ ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u
     if (bInitialize)
         RunSlotInPlace(lppsi, list.pps, dwModuleType, pms, MODSTEPS_BRINGUP);
     pms->bActive = 1;
+    TellSlots(lppsi, list);
     return pms;
 }
 
@@ -169,14 +191,16 @@ u32 RemoveModule(PresetState *lppsi, ModuleSlot *pms)
         const SlotList list = ListOfSlot(lppsi, pms);
         if (!list.pnCount || (list.pps && PlaneIsBusy(list.pps)))
             return 0;
+        TellSlotGoes(lppsi, pms);
         RemoveFromList(lppsi, list, FindInList(list, pms));
+        TellSlots(lppsi, list);
         return 1;
     }
     u32 bAny = 0;
     for (PlaneState *pps : lppsi->psPlane)
         for (u32 i = 0; pps && !PlaneIsBusy(pps) && i < MODULEINDEX_MIXER; i++)
-            bAny |= EmptyList(lppsi, PlaneList(pps, i));
-    return bAny | EmptyList(lppsi, PostProcessingList(lppsi));
+            bAny |= RemoveList(lppsi, PlaneList(pps, i));
+    return bAny | RemoveList(lppsi, PostProcessingList(lppsi));
 }
 
 void RemovePlaneModules(PlaneState *pps)
@@ -195,5 +219,6 @@ u32 SwapModuleSlots(PresetState *lppsi, ModuleSlot *pmsA, ModuleSlot *pmsB)
     if (!listA.pnCount || !listB.pnCount)
         return 0;
     std::swap(listA.apSlot[FindInList(listA, pmsA)], listB.apSlot[FindInList(listB, pmsB)]);
+    TellSlots(lppsi, listA);
     return 1;
 }

@@ -15,7 +15,8 @@ ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u
 // Takes the instance down, frees it and closes the gap in its list; null: all instances of the preset. Non-zero if
 // something was removed. What stands in a plane that a thread hangs in stays where it is.
 u32 RemoveModule(PresetState *lppsi, ModuleSlot *pms);
-// All instances of one plane, which no thread may be inside of.
+// All instances of one plane, which no thread may be inside of. Tells nobody: the plane itself goes, or is not in the
+// list yet.
 void RemovePlaneModules(PlaneState *pps);
 
 // Exchanges two instances of one owner wherever they stand in its lists. 0 for different owners.

@@ -21,8 +21,6 @@ constexpr u32 REPORT_LINES_MAX = 64;
 
 // For iPlane of ReadPlane: the first plane that the document has.
 constexpr u32 FIRST_STORED_PLANE = ALL_ONES;
-// In dwModuleType of ReadModule: the caller has entered the module's level, or reads from the level around it.
-constexpr u32 MODULE_ENTERED = 0x80000000u;
 
 // Tag word of a module kind, such as "DPainter". Null beyond MODULEINDEX_NUMINDICIES.
 const char16_t *ModuleKindWord(u32 dwModuleType);
@@ -58,6 +56,10 @@ PlaneState *ReadPlane(XmlContext *pxc, PresetState *lppsi, u32 iPlane, PresetRep
 // such module or it cannot be added.
 ModuleSlot *ReadModule(XmlContext *pxc, PresetState *lppsi, i32 iPlane, u32 iModule, u32 dwModuleType,
                        PresetReport *pReport = nullptr);
+// The same for a module whose level the caller has entered, or that stands in the level around it. iModule is what the
+// report calls it.
+ModuleSlot *ReadEnteredModule(XmlContext *pxc, PresetState *lppsi, i32 iPlane, u32 iModule, u32 dwModuleType,
+                              PresetReport *pReport = nullptr);
 // Inside the level of a stored control, which it leaves in any case: if the stored name is the control's own, without
 // regard to case, non-zero, and the stored fields take the place of the control's. bClamp limits them to the control's
 // range. A file list that the control had is freed: a copy of a control must not share one.

@@ -3,10 +3,11 @@
 
 #include "engine/BufferSize.h"
 #include "engine/DrawPipeline.h"
+#include "engine/MixRules.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PlaneThreads.h"
+#include "engine/PresetNews.h"
 #include "modules/HiddenGLWindows.h"
-#include "output/mixer/PlaneMixer.h"
 #include "platform/Assert.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
@@ -14,13 +15,11 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <mutex>
 
 namespace {
 
 constexpr i32 GREY_COLORS = 256;
 
-std::mutex csEngine; // serialises the end of the plane threads when a preset is destroyed
 PresetState *lppsiCurrent = nullptr;
 u32 nBitmapGeneration = 0;
 
@@ -115,9 +114,24 @@ void ForgetPicture(PresetState *lppsi)
     lppsi->piPostProc.hbmDraw = lppsi->hbmFinal;
 }
 
+void TellPlanes(PresetState *lppsi)
+{
+    TellIfCurrent({NewsKind::Planes, lppsi, nullptr, nullptr, nullptr});
+}
+
+// Also of a plane that a thread hangs in: nobody is to keep what nobody can free.
+void TellPlaneGoes(PlaneState *pps)
+{
+    for (u32 i = 0; i < MODULEINDEX_MIXER; i++)
+        for (i32 k = 0; k < pps->anModules[i]; k++)
+            TellIfCurrent({NewsKind::SlotGoes, pps->lppsi, pps, pps->apModule[i][k], nullptr});
+    TellIfCurrent({NewsKind::PlaneGoes, pps->lppsi, pps, nullptr, nullptr});
+}
+
 u32 RemoveAllPlanes(PresetState *lppsi)
 {
     const u32 bAny = lppsi->nPlanes > 0;
+    std::for_each_n(lppsi->psPlane, lppsi->nPlanes, TellPlaneGoes);
     ForgetPicture(lppsi);
     for (PlaneState *&pps : lppsi->psPlane) {
         if (pps)
@@ -125,6 +139,8 @@ u32 RemoveAllPlanes(PresetState *lppsi)
         pps = nullptr;
     }
     lppsi->nPlanes = 0; // a thread that was given up has read it before it entered its plane, which FreePlane saw
+    if (bAny)
+        TellPlanes(lppsi);
     return bAny;
 }
 
@@ -208,10 +224,8 @@ u32 DestroyPresetState(PresetState *lppsi)
 {
     if (!lppsi)
         return 0;
-    {
-        const std::lock_guard lock(csEngine);
-        StopPlaneThreads();
-    }
+    VD_ASSERT(lppsi != lppsiCurrent);
+    StopPlaneThreads();
     RemoveAllPlanes(lppsi);
     RemoveAllMixRules(lppsi);
     RemoveModule(lppsi, nullptr); // what is left: post-processing
@@ -249,6 +263,7 @@ PlaneState *AddPlane(PresetState *lppsi, u32 bIndexed, u32 bDefaultModules)
         RunPlaneModules(pps, MODSTEPS_BRINGUP);
     }
     lppsi->nPlanes = iPlane + 1;
+    TellPlanes(lppsi);
     return pps;
 }
 
@@ -261,10 +276,12 @@ u32 RemovePlane(PresetState *lppsi, PlaneState *pps)
     PlaneState **ppFound = std::find(lppsi->psPlane, ppEnd, pps);
     if (ppFound == ppEnd)
         return 0;
+    TellPlaneGoes(pps);
     ForgetPicture(lppsi);
     FreePlane(pps);
     std::copy(ppFound + 1, ppEnd, ppFound);
     lppsi->psPlane[--lppsi->nPlanes] = nullptr;
+    TellPlanes(lppsi);
     RemoveAllMixRules(lppsi);
     return 1;
 }
@@ -302,8 +319,11 @@ PresetState *SwitchPreset(PresetState *(*pfnMake)(const void *pvArgument), const
 {
     PresetState *lppsiOld = lppsiCurrent;
     lppsiCurrent = nullptr;
+    if (lppsiOld)
+        TellPresetNews({NewsKind::Going, lppsiOld, nullptr, nullptr, nullptr});
     DestroyPresetState(lppsiOld);
     lppsiCurrent = pfnMake ? pfnMake(pvArgument) : nullptr;
+    TellPresetNews({NewsKind::Came, lppsiCurrent, nullptr, nullptr, nullptr});
     return lppsiCurrent;
 }
 

@@ -10,7 +10,8 @@ PresetState *AllocatePresetState();
 // Sets up the pseudo-plane of the mixed picture.
 void SetUpPostProcessing(PresetState *lppsi);
 
-// Stops the plane threads, takes every module down and frees all that the preset owns. Non-zero if given a preset.
+// Stops the plane threads, takes every module down and frees all that the preset owns. Non-zero if given a preset. The
+// current one goes by SwitchPreset only. [main-thread]
 u32 DestroyPresetState(PresetState *lppsi);
 
 // Adds a plane, indexed or of colours, with or without the default colour modules (brought up at once). It becomes
@@ -33,6 +34,6 @@ u32 BitmapGeneration();
 PresetState *CurrentPreset();
 
 // Replaces the running preset by what pfnMake returns (null: none). The old one is gone before the new one is made.
-// Every change of preset goes through here. [main-thread]
+// Every change of preset goes through here, below engine/PresetDocument.h. [main-thread]
 PresetState *SwitchPreset(PresetState *(*pfnMake)(const void *pvArgument), const void *pvArgument);
 PresetState *MakeDefaultPreset(const void *pvUnused);

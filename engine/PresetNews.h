@@ -2,6 +2,10 @@
 //
 // Told on the main thread, between frames, by the functions that change things: at once, and before anything is freed.
 // Who listens drops its pointers and notes what to repaint; it does not change the preset from there.
+//
+// Of the current preset only. One that is being read or taken down is told of as a whole: "Going" stands for everything
+// in it, and no part of it is told of again; "Came" likewise. The same holds for a plane that is not in the list yet.
+// While "Going" is told there is no current preset any more. Bitmaps are not told of: they change with every resize.
 #pragma once
 
 #include "platform/Listeners.h"
@@ -34,3 +38,6 @@ inline void TellPresetNews(const PresetNews &news)
 {
     PresetListeners.Tell(news);
 }
+// The same where news.lppsi is the current preset and news.pps, if any, in its list. What the functions call that
+// change a preset whichever it is.
+void TellIfCurrent(const PresetNews &news);

@@ -3,11 +3,11 @@
 
 #include "controls/ControlManager.h"
 #include "engine/DrawPipeline.h"
+#include "engine/MixRules.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PresetManager.h"
 #include "modules/ModuleRegistry.h"
 #include "modules/ShaderList.h"
-#include "output/mixer/PlaneMixer.h"
 #include "platform/Assert.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
@@ -271,16 +271,21 @@ ControlRecord *FindStoredControl(XmlContext *pxc, const ModuleSlot *pms, u32 n)
 ModuleSlot *ReadModule(XmlContext *pxc, PresetState *lppsi, i32 iPlane, u32 iModule, u32 dwModuleType,
                        PresetReport *pReport)
 {
-    const bool bEntered = (dwModuleType & MODULE_ENTERED) != 0;
-    dwModuleType &= ~MODULE_ENTERED;
     VD_ASSERT(dwModuleType <= MODULEINDEX_NUMINDICIES);
-    if (!bEntered && !XmlEnterTag(pxc, NumberedTag(ModuleKindWord(dwModuleType), iModule))) {
+    if (!XmlEnterTag(pxc, NumberedTag(ModuleKindWord(dwModuleType), iModule))) {
         AddToReport(pReport, ModulePlace(iPlane, iModule, dwModuleType) + ": the file counts it and does not have it");
         return nullptr;
     }
+    ModuleSlot *pms = ReadEnteredModule(pxc, lppsi, iPlane, iModule, dwModuleType, pReport);
+    XmlLeaveTag(pxc);
+    return pms;
+}
+
+ModuleSlot *ReadEnteredModule(XmlContext *pxc, PresetState *lppsi, i32 iPlane, u32 iModule, u32 dwModuleType,
+                              PresetReport *pReport)
+{
+    VD_ASSERT(dwModuleType <= MODULEINDEX_NUMINDICIES);
     ModuleSlot *pms = ReadModuleBody(pxc, lppsi, iPlane, iModule, dwModuleType, pReport);
-    if (!bEntered)
-        XmlLeaveTag(pxc);
     if (!pms)
         return nullptr;
     SetModuleTick(TickCount());

@@ -1,12 +1,12 @@
 // Favorites.cpp -- how often the user favored each preset: the key, and Favorites.XML
 #include "library/Favorites.h"
 
+#include "engine/PresetDocument.h"
 #include "engine/XmlText.h"
 #include "library/PresetScan.h"
 #include "library/PresetTable.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
-#include "state/GlobalSettings.h"
 
 #include <algorithm>
 #include <limits>
@@ -76,7 +76,7 @@ u32 ServeFavorPresses(u32 *pbPending)
     if (!*pbPending)
         return 0;
     *pbPending = 0;
-    const std::u16string_view name = NameAndExtension(GlobalSettings.Preset);
+    const std::u16string_view name = PresetName();
     const PresetTableLock lock;
     PresetInfo *lppi = GetPresetInfo(FindPresetFile(JoinPath(PresetFolder(), name)));
     if (lppi && lppi->nFavor < std::numeric_limits<i32>::max()) {

@@ -7,9 +7,8 @@
 #include <string_view>
 
 // Takes the favor presses that wait in the flag bFavorPending of the visuals window: they count once, however many
-// there were, for the preset whose file name GlobalSettings.Preset ends in. To
-// be called from a timer of 200 ms. Non-zero if a press was waiting: a list of presets then shows another count.
-// [main-thread]
+// there were, for the preset of the document. To be called from a timer of 200 ms. Non-zero if a press was
+// waiting: a list of presets then shows another count. [main-thread]
 u32 ServeFavorPresses(u32 *pbPending);
 
 // Puts the counts of the file into the table. 0 when it cannot be opened. Names that match no preset are dropped.

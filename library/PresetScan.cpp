@@ -48,9 +48,9 @@ struct ScanPass {
     u32 nFilesDone; // guarded by PresetTableLock
 };
 
-NewPreset MakeNewPreset(std::u16string_view path, const FileFacts &facts, const PresetSummary *pSummary)
+FoundPreset MakeFoundPreset(std::u16string_view path, const FileFacts &facts, const PresetSummary *pSummary)
 {
-    NewPreset made = {};
+    FoundPreset made = {};
     CopyText(made.info.szPath, path);
     FillPresetInfo(&made.info, facts, pSummary);
     made.qwFileId = facts.qwFileId;
@@ -86,14 +86,14 @@ void UpdateFile(ScanPass *pPass, std::u16string_view path, FileFacts facts, Read
     PresetSummary summary = {};
     if (pPass->bDetails && !SummarizePreset(pPass->folder, path, pBuffer, &facts, &summary))
         return;
-    const NewPreset fresh = MakeNewPreset(path, facts, pPass->bDetails ? &summary : nullptr);
+    const FoundPreset fresh = MakeFoundPreset(path, facts, pPass->bDetails ? &summary : nullptr);
     if (UpdatePreset(fresh.info, fresh.qwFileId, fresh.bFavorKnown))
         pPass->bChanged = 1;
 }
 
 void PlaceFile(ScanPass *pPass, std::u16string_view path, const FileFacts &facts, const PresetSummary *pSummary)
 {
-    const NewPreset made = MakeNewPreset(path, facts, pSummary);
+    const FoundPreset made = MakeFoundPreset(path, facts, pSummary);
     if (PlacePreset(made.info, made.qwFileId, made.bFavorKnown))
         pPass->bChanged = 1;
 }
@@ -286,7 +286,7 @@ bool IsPresetName(std::u16string_view name)
     return ContainsNoCase(name, u".vd");
 }
 
-u32 NewPresetInfo(std::u16string_view path, u32 bDetails, NewPreset *pNew)
+u32 NewPresetInfo(std::u16string_view path, u32 bDetails, FoundPreset *pNew)
 {
     FileFacts facts = {};
     PresetSummary summary = {};
@@ -296,7 +296,7 @@ u32 NewPresetInfo(std::u16string_view path, u32 bDetails, NewPreset *pNew)
         return 0;
     if (bDetails && !SummarizePreset({{}, -1}, path, &buffer, &facts, &summary))
         return 0;
-    *pNew = MakeNewPreset(path, facts, bDetails ? &summary : nullptr);
+    *pNew = MakeFoundPreset(path, facts, bDetails ? &summary : nullptr);
     return 1;
 }
 
@@ -309,13 +309,13 @@ u32 RefreshPresetInfo(const PresetInfo *lppi, u32 bDetails)
         const PresetTableLock lock;
         CopyText(szPath, lppi->szPath);
     }
-    NewPreset fresh;
+    FoundPreset fresh;
     return NewPresetInfo(szPath, bDetails, &fresh) && UpdatePreset(fresh.info, fresh.qwFileId, fresh.bFavorKnown);
 }
 
 u32 AddPresetInfo(std::u16string_view path, u32 bDetails)
 {
-    NewPreset made;
+    FoundPreset made;
     return IsPresetName(NameAndExtension(path)) && NewPresetInfo(path, bDetails, &made) &&
            PlacePreset(made.info, made.qwFileId, made.bFavorKnown);
 }

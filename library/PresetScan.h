@@ -12,14 +12,14 @@ void SetPresetFolder(std::u16string_view folder);
 const std::u16string &PresetFolder();
 
 // A record made from a file, before it stands in the table.
-struct NewPreset {
+struct FoundPreset {
     PresetInfo info;
     u64 qwFileId;
     u32 bFavorKnown; // the cache knew the favor count
 };
 // Date and size of the file, with bDetails its summary too. 0 when it is no regular file or cannot be read.
 // [any-thread]
-u32 NewPresetInfo(std::u16string_view path, u32 bDetails, NewPreset *pNew);
+u32 NewPresetInfo(std::u16string_view path, u32 bDetails, FoundPreset *pNew);
 // Brings an entry of the table up to date; its file is read without the lock. 0, and no change, as above, and when the
 // entry has another path by then. [any-thread]
 u32 RefreshPresetInfo(const PresetInfo *lppi, u32 bDetails);

@@ -1,6 +1,8 @@
 // FrameStats.cpp -- how many frames a second are shown
 #include "output/FrameStats.h"
 
+#include "engine/PresetDocument.h"
+#include "engine/PresetNews.h"
 #include "platform/Clock.h"
 #include "state/GlobalSettings.h"
 
@@ -15,6 +17,14 @@ namespace {
 
 constexpr u64 RECENT_WINDOW_MAX_MS = 5000;
 
+// After one that is new the figures fall by themselves: nothing is shown any more.
+void OnPresetNews(const PresetNews &news, void *)
+{
+    const bool bIsNew = news.lppsi && !*PresetPath();
+    if (news.eKind == NewsKind::Came && !bIsNew)
+        ResetFrameStats();
+}
+
 } // namespace
 
 void CountShownFrame()
@@ -28,6 +38,12 @@ void ResetFrameStats()
 {
     qwStatsStart = qwRecentStart = TickCount();
     qwFramesTotal = qwFramesRecent = 0;
+}
+
+void ResetFrameStatsWithPresets()
+{
+    PresetListeners.Remove(OnPresetNews);
+    PresetListeners.Add(OnPresetNews);
 }
 
 f32 GetRecentFps()

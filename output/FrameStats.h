@@ -14,6 +14,8 @@ extern u64 qwRecentStart;
 void CountShownFrame();
 // Both windows begin now, without frames.
 void ResetFrameStats();
+// From now on, whenever a preset was opened, or one could not be. Once, at start; more often is as good.
+void ResetFrameStatsWithPresets();
 // Frames per second over the last 0.5 to 5 seconds: a window that has grown above five seconds shrinks to a tenth when
 // it is read.
 f32 GetRecentFps();

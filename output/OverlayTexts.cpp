@@ -1,6 +1,7 @@
 // OverlayTexts.cpp -- what the five overlays say
 #include "output/OverlayTexts.h"
 
+#include "engine/PresetDocument.h"
 #include "modules/OpenGLTest.h"
 #include "output/FrameStats.h"
 #include "output/Overlays.h"
@@ -88,8 +89,7 @@ void ForgetOverlayTexts()
 
 void UpdatePresetName()
 {
-    const std::u16string_view path = GlobalSettings.Preset;
-    SetPlainText(OVERLAY_PRESET_NAME, path.substr(path.find_last_of(u"/\\") + 1));
+    SetPlainText(OVERLAY_PRESET_NAME, PresetName());
 }
 
 void UpdateKeyHelp()

@@ -453,6 +453,10 @@ case_refusals() {
     module_folder=$folder
     ends_with 2 '--bogus' "$bin/vorticade" --bogus
     ends_with 2 '--modules' "$bin/vorticade" --modules "$folder/nowhere"
+    local deep=$folder/$(printf 'd%.0s' {1..120})/$(printf 'd%.0s' {1..120})
+    mkdir -p "$deep"
+    touch "$deep/Mine.VD"
+    ends_with 2 'fewer than 260' "$bin/vorticade" "$deep/Mine.VD"
     ends_with 1 'no display' env -u DISPLAY "$bin/vorticade"
     ends_with 1 'no display' env DISPLAY=:9999 "$bin/vorticade"
     ends_with 1 'no window' env DISPLAY=:9999 QT_QPA_PLATFORM=xcb "$bin/vorticade"

@@ -6,6 +6,7 @@
 #include "state/GlobalSettings.h"
 #include "engine/DrawPipeline.h"
 #include "engine/FrameStep.h"
+#include "engine/MixRules.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PlaneThreads.h"
 #include "engine/PresetManager.h"

@@ -288,22 +288,6 @@ TEST_F(Globals, TheWindowLayoutSurvivesAProgramWithoutWindows)
     Read("");
 }
 
-TEST_F(Globals, AnArgumentThatNamesAFileTakesThePlaceOfTheStoredPreset)
-{
-    std::ofstream(folder / "Mine.VD") << "x";
-    const std::u16string mine = FromUtf8((folder / "Mine.VD").string());
-    EXPECT_EQ(ReadGlobals(&GlobalSettings, mine), 0u);
-    EXPECT_EQ(std::u16string(GlobalSettings.Preset), mine);
-    Read("\t<Preset>Stored.VD</Preset>\n");
-    for (const std::u16string &argument :
-         {FromUtf8(folder.string()), mine + u".missing", std::u16string(), std::u16string(500, u'/') + mine}) {
-        EXPECT_EQ(ReadGlobals(&GlobalSettings, argument), 1u);
-        EXPECT_EQ(std::u16string(GlobalSettings.Preset), u"Stored.VD");
-    }
-    ReadGlobals(&GlobalSettings, mine);
-    EXPECT_EQ(std::u16string(GlobalSettings.Preset), mine);
-}
-
 TEST_F(Globals, AFileThatIsNoSettingsFileLeavesTheDefaultsAndIsKept)
 {
     const GlobalSettingsRecord gs = GlobalSettings;

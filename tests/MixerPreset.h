@@ -1,6 +1,7 @@
 // MixerPreset.h -- a bare preset with planes made by hand, filled from the pictures of the oracle
 #pragma once
 
+#include "engine/MixRules.h"
 #include "output/mixer/PlaneMixer.h"
 #include "platform/Bitmap.h"
 #include "tests/MixOracle.h"

@@ -1,6 +1,7 @@
 // Overlays_test.cpp -- tests Overlays.cpp, OverlayTexts.cpp, OverlayPixels.cpp, ModuleMessages.cpp, FrameStats.cpp
 #include "output/Overlays.h"
 
+#include "engine/PresetDocument.h"
 #include "output/FrameStats.h"
 #include "output/OverlayPixels.h"
 #include "output/OverlayTexts.h"
@@ -102,7 +103,7 @@ TEST_F(Overlays, SizesFollowTheTextAndTheAnchorsTheWindow)
 
 TEST_F(Overlays, AnOverlayIsLaidOutAgainWhenItsTextOrTheWindowChanges)
 {
-    CopyText(GlobalSettings.Preset, u"/home/me/Presets/Deep.VD");
+    SetPresetChanged(u"/home/me/Presets/Deep.VD", 0);
     Tick();
     EXPECT_EQ("Deep.VD", Text(OVERLAY_PRESET_NAME));
     EXPECT_EQ(0, asOverlay[OVERLAY_PRESET_NAME].rect.nWidth) << "not while it is hidden";

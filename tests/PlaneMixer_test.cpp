@@ -1,5 +1,6 @@
 // PlaneMixer_test.cpp -- rule lists through both paths of the mixer, the rules' own list, the tiling
 #include "controls/ControlManager.h"
+#include "engine/MixRules.h"
 #include "output/mixer/MixPreparation.h"
 #include "tests/InstructionSets.h"
 #include "tests/MixerPreset.h"

@@ -537,7 +537,7 @@ TEST_F(PresetFile, PartsOfADocumentCanBeReadOnTheirOwn)
     EXPECT_EQ(lppsi->psPlane[3], pps);
     EXPECT_EQ(pps->anModules[MODULEINDEX_OVERLAYFULL], 1);
     EXPECT_EQ(ReadPlane(pxc, lppsi, FIRST_STORED_PLANE), nullptr); // there is no room
-    const ModuleSlot *pms = ReadModule(pxc, lppsi, 0, 0, MODULEINDEX_DRAWFULL | MODULE_ENTERED);
+    const ModuleSlot *pms = ReadEnteredModule(pxc, lppsi, 0, 0, MODULEINDEX_DRAWFULL);
     ASSERT_TRUE(pms);
     EXPECT_EQ(pms->nDuration, 5u);
     EXPECT_EQ(ReadModule(pxc, lppsi, 0, 0, MODULEINDEX_DRAWFULL), nullptr);

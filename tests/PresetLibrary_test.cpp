@@ -1,4 +1,5 @@
 // PresetLibrary_test.cpp -- the library over real files: passes, the watch, favorites, what is not as it should be
+#include "engine/PresetDocument.h"
 #include "library/FolderWatch.h"
 #include "library/PresetWatch.h"
 #include "platform/AtomicFile.h"
@@ -420,14 +421,14 @@ TEST_F(FavoritesFile, PressesBetweenTwoTicksCountOnceForThePresetThatRuns)
     Write("a.VD", Text({}));
     Open();
     u32 bPending = 0;
-    CopyText(GlobalSettings.Preset, u"a.VD");
+    SetPresetChanged(u"a.VD", 0);
     EXPECT_EQ(0u, ServeFavorPresses(&bPending));
     bPending = 1;
     EXPECT_EQ(1u, ServeFavorPresses(&bPending));
     EXPECT_EQ(0u, ServeFavorPresses(&bPending));
     EXPECT_EQ(1, Entry("a.VD").nFavor);
     for (const char16_t *pszPreset : {u"A.VD", u"Tempname.VD", u""}) {
-        CopyText(GlobalSettings.Preset, pszPreset);
+        SetPresetChanged(pszPreset, 0);
         bPending = 1;
         EXPECT_EQ(1u, ServeFavorPresses(&bPending));
     }

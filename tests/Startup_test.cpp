@@ -3,6 +3,8 @@
 #include "app/SharedStatus.h"
 #include "app/Startup.h"
 #include "app/Steps.h"
+#include "controls/ControlManager.h"
+#include "engine/PresetNews.h"
 #include "state/GlobalSettings.h"
 
 #include <gtest/gtest.h>
@@ -176,6 +178,21 @@ TEST_F(DialogFrames, ThePeriodFollowsTheTargetWithinTenToAHundredMilliseconds)
         GlobalSettings.FPSTarget = nTarget;
         EXPECT_EQ(nPeriod, FrameTimerPeriodMs()) << nTarget;
     }
+}
+
+TEST(Startup, ATurnOfTheLoopTellsOfAMarkThatNoCommandSet)
+{
+    u32 nTold = 0;
+    const auto pfnCount = [](const PresetNews &news, void *pv) {
+        *static_cast<u32 *>(pv) += news.eKind == NewsKind::Marked;
+    };
+    PresetListeners.Add(pfnCount, &nTold);
+    for (const u32 bChanged : {1u, 1u, 0u}) {
+        bPresetChanged = bChanged;
+        RunAndPresentFrame();
+    }
+    PresetListeners.Remove(pfnCount, &nTold);
+    EXPECT_EQ(2u, nTold);
 }
 
 TEST(Startup, TimerNumbersAreNeverTheSameAndNeverZero)

@@ -2,6 +2,7 @@
 #include "output/VisualsWindow_qt.h"
 
 #include "app/SettingsTable.h"
+#include "engine/PresetDocument.h"
 #include "output/FrameStats.h"
 #include "output/Presenters.h"
 #include "output/RecordingSettings.h"
@@ -44,7 +45,7 @@ class Visuals : public testing::Test {
     {
         SetDefaultSettings();
         SetDefaultUIColors();
-        CopyText(GlobalSettings.Preset, u"Some Preset.VD");
+        SetPresetChanged(u"Some Preset.VD", 0);
         bFullScreen = bAlwaysOnTop = 0;
         nClosed = 0;
         pWindow = std::make_unique<VisualsWindow>([] { nClosed++; });

@@ -14,14 +14,6 @@ void SetupMixAccelerator();
 // a null preset, else 1. Needs at least one plane. [main-thread]
 u32 MixPlanes(PresetState *lppsi, u32 bOnePass);
 
-// Appends a rule whose four fields are 0, with a fresh image and blend weight. Returns the rule (its SrcIdx1 stands
-// first), or null at the limit of rules, or of planes and rules together. [main-thread]
-MixRule *AddMixRule(PresetState *lppsi);
-// Deletes the rule and its image; later rules move down. Non-zero if there was such a rule.
-u32 RemoveMixRule(PresetState *lppsi, u32 iRule);
-// Deletes all of them.
-void RemoveAllMixRules(PresetState *lppsi);
-
 // Display name of an operator, or null beyond MIXOP_COUNT. Which sources it reads:
 struct MixOperatorInfo {
     const char16_t *pszName;

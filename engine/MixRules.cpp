@@ -1,7 +1,8 @@
-// MixRules.cpp -- the list of mixer rules: operators, adding, removing
-#include "output/mixer/PlaneMixer.h"
+// MixRules.cpp -- the list of mixer rules: adding, removing
+#include "engine/MixRules.h"
 
 #include "controls/ControlManager.h"
+#include "engine/PresetNews.h"
 #include "platform/Bitmap.h"
 #include "platform/Text.h"
 
@@ -12,26 +13,6 @@ namespace {
 constexpr i32 WEIGHT_MAX = 255;
 constexpr i32 WEIGHT_DEFAULT = 128;
 constexpr u32 ALL_SOURCES = FLUIDSOURCE_FIXED | FLUIDSOURCE_RANDOM | FLUIDSOURCE_ANIMATED;
-
-const MixOperatorInfo asOperator[MIXOP_COUNT] = {
-    {u"Tile planes", false, false, false},
-    {u"Blend", true, false, true},
-    {u"Overwrite Background", true, false, false},
-    {u"Only Write Foreground", true, false, false},
-    {u"Blend XOR", true, false, false},
-    {u"Blend Max", true, false, false},
-    {u"Blend using Alpha Channel", true, true, false},
-    {u"Blend using Boolean Channel", true, true, false},
-    {u"Invert X", false, false, false},
-    {u"Invert Y", false, false, false},
-    {u"Invert XY", false, false, false},
-    {u"Color Gun Shift I", false, false, false},
-    {u"Color Gun Shift II", false, false, false},
-    {u"Negative", false, false, false},
-    {u"Intensity Scale", true, false, false},
-    {u"Intensity Scale RGB", true, false, false},
-    {u"Displace", true, false, false},
-};
 
 void InitBlendWeight(ControlRecord *pctl)
 {
@@ -50,12 +31,12 @@ bool RuleFits(const PresetState *lppsi)
     return lppsi->nMixRules < MIX_RULES_MAX && static_cast<u32>(lppsi->nPlanes) + lppsi->nMixRules < MIX_SOURCES_MAX;
 }
 
-} // namespace
-
-const MixOperatorInfo *GetMixOperatorInfo(i32 nMixOp)
+void TellRules(PresetState *lppsi)
 {
-    return nMixOp >= 0 && nMixOp < MIXOP_COUNT ? &asOperator[nMixOp] : nullptr;
+    TellIfCurrent({NewsKind::Mixer, lppsi, nullptr, nullptr, nullptr});
 }
+
+} // namespace
 
 MixRule *AddMixRule(PresetState *lppsi)
 {
@@ -69,6 +50,7 @@ MixRule *AddMixRule(PresetState *lppsi)
     rule = {};
     rule.hbmRule = hbm;
     InitBlendWeight(&rule.BlendWeight);
+    TellRules(lppsi);
     return &rule;
 }
 
@@ -81,6 +63,7 @@ u32 RemoveMixRule(PresetState *lppsi, u32 iRule)
     MixRule *pRule = &lppsi->asMixRule[iRule];
     std::memmove(pRule, pRule + 1, (lppsi->nMixRules - iRule) * sizeof(MixRule));
     lppsi->asMixRule[lppsi->nMixRules] = {};
+    TellRules(lppsi);
     return 1;
 }
 
@@ -92,5 +75,8 @@ void RemoveAllMixRules(PresetState *lppsi)
         DeleteBitmap(rule.hbmRule);
         rule = {};
     }
+    const u32 bAny = lppsi->nMixRules > 0;
     lppsi->nMixRules = 0;
+    if (bAny)
+        TellRules(lppsi);
 }
