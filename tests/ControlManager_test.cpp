@@ -2,6 +2,7 @@
 #include "controls/ControlManager.h"
 
 #include "controls/ControlTypes.h"
+#include "controls/FileList.h"
 #include "controls/FluidSources.h"
 #include "platform/Text.h"
 

@@ -2,6 +2,7 @@
 #include "controls/FluidSources.h"
 
 #include "controls/ControlManager.h"
+#include "controls/FileList.h"
 #include "platform/Clock.h"
 #include "platform/Text.h"
 #include "state/Folders.h"

@@ -2,6 +2,7 @@
 #include "engine/PresetFile.h"
 
 #include "controls/ControlManager.h"
+#include "controls/FileList.h"
 #include "controls/FluidSources.h"
 #include "tests/EngineFixture.h"
 
