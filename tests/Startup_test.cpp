@@ -4,6 +4,7 @@
 #include "app/Startup.h"
 #include "app/Steps.h"
 #include "state/GlobalSettings.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -22,14 +23,7 @@ class SharedStatus : public testing::Test {
   protected:
     void SetUp() override
     {
-        char szFolder[] = "/tmp/vd-startup-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        sFolder = szFolder;
-        setenv("XDG_RUNTIME_DIR", szFolder, 1);
-    }
-    void TearDown() override
-    {
-        rmdir(sFolder.c_str());
+        setenv("XDG_RUNTIME_DIR", folder.string().c_str(), 1);
     }
 
     static const u8 *Bytes()
@@ -52,7 +46,7 @@ class SharedStatus : public testing::Test {
         waitpid(pid, &nStatus, 0);
         return WEXITSTATUS(nStatus);
     }
-    std::string sFolder;
+    TempFolder folder;
 };
 
 TEST_F(SharedStatus, ANewBlockHoldsItsSizeVersionAndMarkAndZeroOtherwise)
