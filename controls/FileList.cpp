@@ -2,7 +2,6 @@
 #include "controls/FileList.h"
 
 #include "controls/ControlManager.h"
-#include "controls/FluidSources.h"
 #include "controls/HostControl.h"
 #include "platform/Random.h"
 #include "platform/Text.h"

@@ -81,7 +81,7 @@ u32 ServeFavorPresses(u32 *pbPending)
     PresetInfo *lppi = GetPresetInfo(FindPresetFile(JoinPath(PresetFolder(), name)));
     if (lppi && lppi->nFavor < std::numeric_limits<i32>::max()) {
         lppi->nFavor++;
-        lppi->bChanged = 1;
+        MarkPresetChanged(lppi);
     }
     return 1;
 }

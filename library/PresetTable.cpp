@@ -142,24 +142,28 @@ i32 TakeSlot()
     return EntryAt(iSlot) ? iSlot : NO_SLOT;
 }
 
-// What a record without a summary does not know stays with the entry. A stored favor count stays behind once the entry
-// has one of this run.
+void CopySummary(PresetInfo *lppi, const PresetInfo &info)
+{
+    lppi->bSoundSync = info.bSoundSync;
+    std::memcpy(lppi->bModuleUsed, info.bModuleUsed, sizeof lppi->bModuleUsed);
+    lppi->bCompatible = info.bCompatible;
+}
+
+// What a record without a summary does not know stays with the entry, and so does the browser's mark. A stored favor
+// count stays behind once the entry has one of this run.
 void CopyInto(PresetInfo *lppi, const PresetInfo &info, u32 bFavorKnown)
 {
-    const PresetInfo before = *lppi;
-    const bool bSameFile = PathOf(&before) == PathOf(&info);
-    *lppi = info;
-    if (!bFavorKnown || (bSameFile && before.bSummarized))
-        lppi->nFavor = before.nFavor;
-    lppi->bFiltered = before.bFiltered;
-    if (!info.bSummarized) {
-        lppi->bSoundSync = before.bSoundSync;
-        std::memcpy(lppi->bModuleUsed, before.bModuleUsed, sizeof lppi->bModuleUsed);
-        lppi->bCompatible = before.bCompatible;
-        lppi->bSummarized = before.bSummarized && bSameFile;
-    }
-    lppi->bChanged = 1;
+    const bool bKnown = lppi->bSummarized && PathOf(lppi) == PathOf(&info);
+    if (bFavorKnown && !bKnown)
+        lppi->nFavor = info.nFavor;
+    if (info.bSummarized)
+        CopySummary(lppi, info);
+    lppi->bSummarized = info.bSummarized || bKnown;
+    CopyText(lppi->szPath, PathOf(&info));
+    lppi->ftLastWrite = info.ftLastWrite;
+    lppi->dwSize = info.dwSize;
     lppi->bDeleted = 0;
+    MarkPresetChanged(lppi);
 }
 
 // The first slot of the live entries for which pfn holds, among those with the folded name of the path.
@@ -264,7 +268,7 @@ void MovePreset(i32 iSlot, std::u16string_view path)
     VD_ASSERT(lppi);
     UnlinkSlot(iSlot);
     CopyText(lppi->szPath, path);
-    lppi->bChanged = 1;
+    MarkPresetChanged(lppi);
     ChunkOf(iSlot)->adwHash[InChunk(iSlot)] = HashName(PathOf(lppi));
     LinkSlot(iSlot);
 }
@@ -278,7 +282,13 @@ void DropPreset(i32 iSlot)
     ChunkOf(iSlot)->aqwTaken[InChunk(iSlot) / 64] &= ~(1ull << InChunk(iSlot) % 64);
     PresetTable.iFirstFree = std::min(PresetTable.iFirstFree, iSlot);
     PresetTable.nLive--;
-    lppi->bDeleted = lppi->bChanged = 1;
+    lppi->bDeleted = 1;
+    MarkPresetChanged(lppi);
+}
+
+void MarkPresetChanged(PresetInfo *lppi)
+{
+    lppi->bChanged = 1;
 }
 
 u64 PresetFileId(i32 iSlot)

@@ -58,6 +58,9 @@ u32 UpdatePreset(const PresetInfo &info, u64 qwFileId, u32 bFavorKnown);
 void MovePreset(i32 iSlot, std::u16string_view path);
 // The file is gone.
 void DropPreset(i32 iSlot);
+// Says that the entry is no longer as the browser last listed it. Only the browser asks for that and takes it back: it
+// stands in the entry because any thread may change one. Under the lock.
+void MarkPresetChanged(PresetInfo *lppi);
 u64 PresetFileId(i32 iSlot);
 
 // The detail pass: whether one has finished, and the fraction of the running one. Both are one store.

@@ -6,6 +6,7 @@
 #include "platform/Files.h"
 #include "platform/Notices.h"
 #include "tests/EngineFixture.h"
+#include "tests/TempFolder.h"
 
 #include <algorithm>
 #include <atomic>
@@ -26,8 +27,6 @@ class FrameRecorder : public EngineTest {
     void SetUp() override
     {
         EngineTest::SetUp();
-        folder = fs::temp_directory_path() / ("recorder-" + std::to_string(getpid()));
-        fs::remove_all(folder);
         fs::create_directories(folder / "100% of it");
         GlobalSettings.bVisualsWindow = 1;
         GlobalSettings.hwndVisuals.nWidth = 150;
@@ -43,12 +42,11 @@ class FrameRecorder : public EngineTest {
     {
         FinishFrameRecorder();
         pfnRecorderStatus = nullptr;
-        fs::remove_all(folder);
         EngineTest::TearDown();
     }
     std::u16string Folder(const char *pszName) const
     {
-        return FromUtf8((folder / pszName).string());
+        return folder.Wide(pszName);
     }
     // One frame that goes the way of the show.
     void Show(u64 nMs = 16)
@@ -80,7 +78,7 @@ class FrameRecorder : public EngineTest {
         return as;
     }
 
-    fs::path folder;
+    TempFolder folder;
 };
 
 TEST_F(FrameRecorder, TenSecondsAreSixHundredFramesOfTheRecordingsOwnSize)
@@ -185,7 +183,7 @@ TEST_F(FrameRecorder, NothingWaitsForPicturesThatAreStillBeingWritten)
 {
     static std::atomic<bool> bHold;
     bHold = true;
-    InitFolders({u"/nowhere/vorticade", FromUtf8(folder.string()), {}});
+    InitFolders({u"/nowhere/vorticade", folder.Wide(), {}});
     pfnRecorderSave = [](const HostBitmap *, const char16_t *, u32) -> u32 {
         while (bHold)
             usleep(100);
@@ -222,7 +220,7 @@ TEST_F(FrameRecorder, NothingWaitsForPicturesThatAreStillBeingWritten)
 
 TEST_F(FrameRecorder, ACaptureAndAFrameOfOneMomentAreBothSaved)
 {
-    InitFolders({u"/nowhere/vorticade", FromUtf8(folder.string()), {}});
+    InitFolders({u"/nowhere/vorticade", folder.Wide(), {}});
     ToggleFrameRecorder(0, 10);
     Show();
     Show();

@@ -7,6 +7,7 @@
 #include "platform/Text.h"
 #include "platform/WholeFile.h"
 #include "state/Folders.h"
+#include "tests/TempFolder.h"
 #include "toolkit/UIColors.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +16,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <vector>
 
@@ -25,26 +25,19 @@ namespace {
 
 class Globals : public ::testing::Test {
   protected:
-    fs::path folder;
+    TempFolder folder;
 
     void SetUp() override
     {
-        std::string s = (fs::temp_directory_path() / "vd-globals-XXXXXX").string();
-        ASSERT_TRUE(mkdtemp(s.data()));
-        folder = s;
-        InitFolders({.program = {}, .data = FromUtf8(s), .modules = {}});
+        InitFolders({.program = {}, .data = folder.Wide(), .modules = {}});
         RecorderCombos = {};
         CurrentCombo = {};
         pfnUIColorChanged = nullptr;
         SetDefaultSettings();
     }
-    void TearDown() override
-    {
-        fs::remove_all(folder);
-    }
     u32 Read(const std::string &sBody)
     {
-        std::ofstream(folder / "Globals.XML") << "<?xml version=\"1.0\"?>\n<Globals>\n" + sBody + "</Globals>";
+        folder.Write("Globals.XML", "<?xml version=\"1.0\"?>\n<Globals>\n" + sBody + "</Globals>");
         return ReadGlobals(&GlobalSettings);
     }
     std::string Written()
@@ -293,7 +286,7 @@ TEST_F(Globals, AFileThatIsNoSettingsFileLeavesTheDefaultsAndIsKept)
     const GlobalSettingsRecord gs = GlobalSettings;
     for (const char *pszText :
          {"", "x", "<?xml?>\n<Preset><FPSTarget>30</FPSTarget></Preset>", "\xFF\xFE\n<Globals>"}) {
-        std::ofstream(folder / "Globals.XML") << pszText;
+        folder.Write("Globals.XML", pszText);
         EXPECT_EQ(ReadGlobals(&GlobalSettings), 1u);
         CopyText(GlobalSettings.FrameRecordStart, u"");
         CopyText(GlobalSettings.FrameRecordStop, u"");

@@ -1,7 +1,7 @@
-// PresetTable_test.cpp -- tests PresetTable.cpp and PresetSearch.cpp without files: slots, lookups, growth, threads
+// PresetTable_test.cpp -- tests PresetTable.cpp without files: slots, lookups, growth, threads
 #include "library/PresetTable.h"
 
-#include "library/PresetSearch.h"
+#include "library/browser/PresetFilter.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
 
@@ -139,27 +139,6 @@ TEST_F(PresetTable, ChangesAreToldToTheWindowThatAskedForThem)
     SetPresetNotice(&nTold, 0, nullptr);
     NotifyPresetChange();
     EXPECT_EQ(5u, nTold);
-}
-
-TEST_F(PresetTable, SearchesFindTheirPartsInOrderWithoutRegardToAsciiCase)
-{
-    for (const char *pszName : {"Storm over Fjord.VD", "storm.VD", "Fjord storm.VD", "\u00c4rger.VD", ".VD"})
-        Place(pszName, 0, 0, 1);
-    EXPECT_EQ(4u, ApplySearch(u"", 0)) << "a name that is only an extension never matches";
-    EXPECT_EQ(4u, ApplySearch(u"*", 0));
-    EXPECT_EQ(3u, ApplySearch(u"STORM", 0));
-    EXPECT_EQ(1u, ApplySearch(u"storm*fjord", 0));
-    EXPECT_EQ(0u, GetPresetInfo(0)->bFiltered);
-    EXPECT_EQ(1u, GetPresetInfo(2)->bFiltered);
-    EXPECT_EQ(0u, ApplySearch(u"\u00e4rger", 0));
-    EXPECT_EQ(1u, ApplySearch(u"\u00c4RGER", 0));
-    EXPECT_EQ(0u, ApplySearch(u"vd", 0)) << "the extension is not searched";
-    EXPECT_EQ(0u, ApplySearch(std::u16string(300, u'x'), 0));
-    ForEachPreset([](i32, PresetInfo *lppi) { lppi->bChanged = 0; });
-    GetPresetInfo(1)->bSummarized = 0;
-    EXPECT_EQ(1u, ApplySearch(u"nothing", 1)) << "it may yet match by a module";
-    GetPresetInfo(2)->bChanged = 1;
-    EXPECT_EQ(5u, ApplySearch(u"nothing", 1));
 }
 
 // One thread adds and removes, one renames and favors, one lists and searches.

@@ -6,6 +6,7 @@
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
+#include "tests/TempFolder.h"
 #include "tests/modules/SoundFake.h"
 
 #include <dlfcn.h>
@@ -14,7 +15,6 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace {
@@ -34,12 +34,7 @@ class SoundMonitor : public testing::Test {
   protected:
     void SetUp() override
     {
-        folder =
-            std::filesystem::temp_directory_path() / ("vd-monitor-" + std::to_string(getpid()) + "-" +
-                                                      testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(folder);
-        const std::u16string modules = FromUtf8(folder.string());
-        InitFolders({{}, {}, modules});
+        InitFolders({{}, {}, folder.Wide()});
         GlobalSettings.Monitor = {};
         pfnShowError = RememberError;
         nShown = 0;
@@ -50,7 +45,6 @@ class SoundMonitor : public testing::Test {
         UnbindSoundMonitor(&GlobalSettings.Monitor);
         pfnShowError = nullptr;
         UseSystemClock();
-        std::filesystem::remove_all(folder);
     }
 
     std::filesystem::path LibraryPath() const
@@ -87,7 +81,7 @@ class SoundMonitor : public testing::Test {
         return pHandle != nullptr;
     }
 
-    std::filesystem::path folder;
+    TempFolder folder;
     FakeSoundLog log = {};
 };
 
@@ -155,7 +149,7 @@ TEST_F(SoundMonitor, AMissingLibraryIsShownWithItsPathAndTheProgramGoesOn)
 
 TEST_F(SoundMonitor, ABrokenLibraryLeavesOneLineAndNothingElse)
 {
-    std::ofstream(LibraryPath()) << "this is no library\n";
+    folder.Write(LibraryPath(), "this is no library\n");
     ExpectOneLine(Bind(), LibraryPath().string(), "no sound");
     EXPECT_TRUE(IsCleared(GlobalSettings.Monitor));
 
@@ -246,7 +240,7 @@ TEST_F(SoundMonitor, ADescriptionThatFillsItsFieldIsEnded)
     std::filesystem::remove(LibraryPath());
     EXPECT_FALSE(DescribeSoundSource(&sText));
     EXPECT_NE(sText.find(LibraryPath().string()), std::string::npos);
-    std::ofstream(LibraryPath()) << "this is no library\n";
+    folder.Write(LibraryPath(), "this is no library\n");
     EXPECT_FALSE(DescribeSoundSource(&sText));
     EXPECT_NE(sText, "");
 }

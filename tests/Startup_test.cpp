@@ -6,6 +6,7 @@
 #include "controls/ControlManager.h"
 #include "engine/PresetNews.h"
 #include "state/GlobalSettings.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -24,14 +25,7 @@ class SharedStatus : public testing::Test {
   protected:
     void SetUp() override
     {
-        char szFolder[] = "/tmp/vd-startup-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        sFolder = szFolder;
-        setenv("XDG_RUNTIME_DIR", szFolder, 1);
-    }
-    void TearDown() override
-    {
-        rmdir(sFolder.c_str());
+        setenv("XDG_RUNTIME_DIR", folder.string().c_str(), 1);
     }
 
     static const u8 *Bytes()
@@ -54,7 +48,7 @@ class SharedStatus : public testing::Test {
         waitpid(pid, &nStatus, 0);
         return WEXITSTATUS(nStatus);
     }
-    std::string sFolder;
+    TempFolder folder;
 };
 
 TEST_F(SharedStatus, ANewBlockHoldsItsSizeVersionAndMarkAndZeroOtherwise)

@@ -1,7 +1,6 @@
 // VisualsWindow_qt_test.cpp -- tests VisualsWindow_qt.cpp, its overlays and its menu with simulated keys and mouse
 #include "output/VisualsWindow_qt.h"
 
-#include "app/SettingsTable.h"
 #include "engine/PresetDocument.h"
 #include "output/FrameStats.h"
 #include "output/Presenters.h"
@@ -10,8 +9,7 @@
 #include "output/VisualsMenu_qt.h"
 #include "platform/Bitmap.h"
 #include "platform/Text.h"
-#include "state/GlobalSettings.h"
-#include "toolkit/UIColors.h"
+#include "tests/WindowFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +17,6 @@
 #include <QApplication>
 #include <QBackingStore>
 #include <QDialog>
-#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -34,17 +31,15 @@
 
 namespace {
 
-constexpr int GIVE_UP_MS = 20000;
 constexpr u32 PICTURE_COLOR = 0xFF4080C0;
 
 u32 nClosed = 0;
 
-class Visuals : public testing::Test {
+class Visuals : public WindowTest {
   protected:
     void SetUp() override
     {
-        SetDefaultSettings();
-        SetDefaultUIColors();
+        WindowTest::SetUp();
         SetPresetChanged(u"Some Preset.VD", 0);
         bFullScreen = bAlwaysOnTop = 0;
         nClosed = 0;
@@ -59,15 +54,7 @@ class Visuals : public testing::Test {
     {
         pWindow.reset();
         DeleteBitmap(hbm);
-        GlobalSettings = {};
-    }
-    template <typename Fn> static void WaitFor(Fn isSo)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!isSo() && timer.elapsed() < GIVE_UP_MS)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        EXPECT_TRUE(isSo());
+        WindowTest::TearDown();
     }
     void Key(int nKey, Qt::KeyboardModifiers modifiers = Qt::NoModifier, bool bRepeat = false)
     {
@@ -234,10 +221,7 @@ TEST_F(Visuals, TheBufferFollowsAWindowThatRestsButNotDuringARecording)
     const auto settle = [&] {
         pWindow->resize(pWindow->width() + 2, 300);
         EXPECT_EQ(0u, GlobalSettings.bResizePending);
-        QElapsedTimer timer;
-        timer.start();
-        while (!GlobalSettings.bResizePending && timer.elapsed() < 700)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        HoldsWithin(700, [] { return GlobalSettings.bResizePending != 0; });
         const u32 bAsked = GlobalSettings.bResizePending;
         GlobalSettings.bResizePending = 0;
         return bAsked;
@@ -290,9 +274,5 @@ TEST_F(Visuals, TheRecordingDialogStoresWithOkAndItsSliderAtOnce)
 
 int main(int argc, char **argv)
 {
-    testing::InitGoogleTest(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_SCALE_FACTOR", "2");
-    QApplication app(argc, argv);
-    return RUN_ALL_TESTS();
+    return RunWindowTests(argc, argv, "2");
 }
