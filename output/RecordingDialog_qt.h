@@ -1,7 +1,7 @@
 // RecordingDialog_qt.h -- the dialog "Recording Settings"
 #pragma once
 
-class QWidget;
+#include "toolkit/WindowLayouts.h"
 
-// Opens it, or brings it to the front where it is open. Does not wait for its end. [main-thread]
-void ShowRecordingDialog(QWidget *pParent);
+// Its row in the table of windows.
+extern const WindowKind RecordingDialogKind;

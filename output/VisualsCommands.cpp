@@ -7,7 +7,6 @@
 #include "state/GlobalSettings.h"
 
 #include <algorithm>
-#include <bitset>
 
 namespace {
 
@@ -17,8 +16,6 @@ constexpr i32 THICKNESS_STORED_MAX = 32;
 constexpr i32 RATE_MIN = 20, RATE_MAX = 480;
 constexpr i32 SMALLEST_SIDE = 128; // without the frame
 constexpr u32 RECORD_DELAY_MS = 3000;
-
-using enum VisualsCommand;
 
 // clang-format off
 constexpr WindowSize asSize[] = {
@@ -38,83 +35,11 @@ constexpr WindowSize asSize[] = {
     {u"2560 x 1440 (1440p)", 2560, 1440},
 };
 constexpr u32 SIZES = std::size(asSize);
-
-constexpr VisualsMenuRow asMenuHead[] = {
-    {MenuRow::Entry, u"Maximize", FullScreenOn, 0},
-    {MenuRow::Entry, u"Restore", FullScreenOff, 0},
-    {MenuRow::SubMenu, u"Window Size", None, 0},
-};
-constexpr VisualsMenuRow asMenuTail[] = {
-    {MenuRow::EndOfSubMenu, nullptr, None, 0},
-    {MenuRow::Line, nullptr, None, 0},
-    {MenuRow::Entry, u"Always on Top", AlwaysOnTop, 0},
-    {MenuRow::Line, nullptr, None, 0},
-    {MenuRow::Entry, u"Display frame rate\tF", ToggleOverlay, OVERLAY_FRAME_RATE},
-    {MenuRow::Entry, u"Display backbuffer metrics\tR", ToggleOverlay, OVERLAY_METRICS},
-    {MenuRow::Entry, u"Display preset name\tT", ToggleOverlay, OVERLAY_PRESET_NAME},
-    {MenuRow::Entry, u"Display keyboard commands\tH", ToggleOverlay, OVERLAY_KEY_HELP},
-    {MenuRow::Entry, u"Display preset info\tI", ToggleOverlay, OVERLAY_MESSAGES},
-    {MenuRow::Line, nullptr, None, 0},
-    {MenuRow::Entry, u"Screen Capture\tS", ScreenCapture, 0},
-    {MenuRow::SubMenu, u"Recording", None, 0},
-    {MenuRow::Entry, u"Record for 10 seconds", RecordSeconds, 10},
-    {MenuRow::Entry, u"Record for 20 seconds", RecordSeconds, 20},
-    {MenuRow::Entry, u"Record for 30 seconds", RecordSeconds, 30},
-    {MenuRow::Entry, u"Record for 1 minute", RecordSeconds, 60},
-    {MenuRow::Entry, u"Toggle frame recorder", RecordSeconds, RECORD_SECONDS_ENDLESS},
-    {MenuRow::Entry, u"Recording Options...", RecordingOptions, 0},
-    {MenuRow::EndOfSubMenu, nullptr, None, 0},
-    {MenuRow::Line, nullptr, None, 0},
-    {MenuRow::Entry, u"Exit Vorticade", Exit, 0},
-};
-constexpr u32 MENU_ROWS = std::size(asMenuHead) + SIZES + std::size(asMenuTail);
-
-struct KeyRow {
-    u32 dwKey;
-    bool bUp;      // acts when it is released
-    bool bRepeats; // acts again and again while it is held down
-    VisualsCommand eCommand;
-    u32 dwArgument;
-};
-constexpr KeyRow asKey[] = {
-    {'F', false, false, ToggleOverlay, OVERLAY_FRAME_RATE},
-    {'H', false, false, ToggleOverlay, OVERLAY_KEY_HELP},
-    {'I', false, false, ToggleOverlay, OVERLAY_MESSAGES},
-    {'R', false, false, ToggleOverlay, OVERLAY_METRICS},
-    {'T', false, false, ToggleOverlay, OVERLAY_PRESET_NAME},
-    {'S', false, false, ScreenCapture, 0},
-    {KEY_PAGE_UP, false, true, FrameThicker, 0},
-    {KEY_PAGE_DOWN, false, true, FrameThinner, 0},
-    {KEY_RIGHT, true, false, NextPreset, 0},
-    {KEY_LEFT, true, false, PreviousPreset, 0},
-    {KEY_BACKSPACE, true, false, PreviousPreset, 0},
-    {KEY_TAB, true, false, StartAutoplay, 0},
-    {KEY_SPACE, true, false, Favor, 0},
-    {KEY_PAD_PLUS, true, false, RaiseRate, 0},
-    {KEY_PAD_MINUS, true, false, LowerRate, 0},
-    {KEY_ESCAPE, true, false, FullScreenOff, 0},
-};
 // clang-format on
 
 VisualsWindowHooks Hooks;
 
-void SetFullScreen(u32 bOn)
-{
-    if (bFullScreen == bOn)
-        return;
-    bFullScreen = bOn;
-    if (Hooks.pfnSetFullScreen)
-        Hooks.pfnSetFullScreen(Hooks.pvWindow, bOn);
-}
-
-void SetClientSize(u32 iRow)
-{
-    SetFullScreen(0);
-    if (iRow < SIZES && Hooks.pfnSetClientSize)
-        Hooks.pfnSetClientSize(Hooks.pvWindow, asSize[iRow].nWidth, asSize[iRow].nHeight);
-}
-
-void ToggleTopmost(u32)
+void ToggleTopmost()
 {
     bAlwaysOnTop = !bAlwaysOnTop;
     if (Hooks.pfnSetTopmost)
@@ -134,51 +59,110 @@ void ChangeRate(i32 nBy)
     GlobalSettings.FPSTarget = std::clamp(GlobalSettings.FPSTarget + nBy, RATE_MIN, RATE_MAX);
 }
 
-void OpenRecordingOptions(u32)
+void AddSizes(std::vector<CommandItem> *pItems, u32, void *)
 {
-    if (Hooks.pfnRecordingOptions)
-        Hooks.pfnRecordingOptions(Hooks.pvWindow);
+    for (u32 i = 0; i < SIZES; i++)
+        pItems->push_back({asSize[i].pszName, i});
 }
 
-struct CommandRow {
-    VisualsCommand eCommand;
-    void (*pfnRun)(u32 dwArgument);
-};
+void RunFullScreen(u32 bOn, void *)
+{
+    SetVisualsFullScreen(bOn);
+}
+
+void RunSize(u32 iRow, void *)
+{
+    SetVisualsSize(iRow);
+}
+
+void RunTopmost(u32, void *)
+{
+    ToggleTopmost();
+}
+
+bool IsTopmost(u32, void *)
+{
+    return bAlwaysOnTop;
+}
+
+void RunOverlay(u32 iOverlay, void *)
+{
+    ToggleOverlay(iOverlay);
+}
+
+void RunCapture(u32, void *)
+{
+    bCaptureRequested = 1;
+}
+
+void RunRecording(u32 dwSeconds, void *)
+{
+    ToggleFrameRecorder(RECORD_DELAY_MS, dwSeconds);
+}
+
+bool CanRecord(u32, void *)
+{
+    return RecordingCanBeAsked();
+}
+
+void RunRecordingOptions(u32, void *)
+{
+    OpenRecordingOptions();
+}
+
+void RunExit(u32, void *)
+{
+    CloseVisualsWindow();
+}
 
 // clang-format off
-constexpr CommandRow asCommand[] = {
-    {FullScreenOn, [](u32) { SetFullScreen(1); }},
-    {FullScreenOff, [](u32) { SetFullScreen(0); }},
-    {ToggleFullScreen, [](u32) { SetFullScreen(!bFullScreen); }},
-    {ClientSize, SetClientSize},
-    {AlwaysOnTop, ToggleTopmost},
-    {VisualsCommand::ToggleOverlay, ::ToggleOverlay},
-    {ScreenCapture, [](u32) { bCaptureRequested = 1; }},
-    {RecordSeconds, [](u32 dwSeconds) { ToggleFrameRecorder(RECORD_DELAY_MS, dwSeconds); }},
-    {RecordingOptions, OpenRecordingOptions},
-    {FrameThicker, [](u32) { ChangeThickness(1); }},
-    {FrameThinner, [](u32) { ChangeThickness(-1); }},
-    {RaiseRate, [](u32) { ChangeRate(1); }},
-    {LowerRate, [](u32) { ChangeRate(-1); }},
-    {NextPreset, [](u32) { bNextPending = 1; }},
-    {PreviousPreset, [](u32) { bPrevPending = 1; }},
-    {StartAutoplay, [](u32) { bStartPending = 1; }},
-    {Favor, [](u32) { bFavorPending = 1; }},
-    {Exit, [](u32) { CloseVisualsWindow(); }},
+constexpr Command asSizeMenu[] = {
+    {.pfnRun = RunSize, .pfnItems = AddSizes},
+};
+constexpr Command asRecordingMenu[] = {
+    {u"Record for 10 seconds", RunRecording, 10, CanRecord},
+    {u"Record for 20 seconds", RunRecording, 20, CanRecord},
+    {u"Record for 30 seconds", RunRecording, 30, CanRecord},
+    {u"Record for 1 minute", RunRecording, 60, CanRecord},
+    {u"Toggle frame recorder", RunRecording, RECORD_SECONDS_ENDLESS, CanRecord},
+    {u"Recording Options...", RunRecordingOptions},
+};
+constexpr Command asMenu[] = {
+    {u"Maximize", RunFullScreen, 1},
+    {u"Restore", RunFullScreen, 0},
+    {.pszText = u"Window Size", .children = asSizeMenu},
+    COMMAND_LINE,
+    {.pszText = u"Always on Top", .pfnRun = RunTopmost, .pfnChecked = IsTopmost},
+    COMMAND_LINE,
+    {.pszText = u"Display frame rate", .pfnRun = RunOverlay, .dwArgument = OVERLAY_FRAME_RATE, .key = {'F'}},
+    {.pszText = u"Display backbuffer metrics", .pfnRun = RunOverlay, .dwArgument = OVERLAY_METRICS, .key = {'R'}},
+    {.pszText = u"Display preset name", .pfnRun = RunOverlay, .dwArgument = OVERLAY_PRESET_NAME, .key = {'T'}},
+    {.pszText = u"Display keyboard commands", .pfnRun = RunOverlay, .dwArgument = OVERLAY_KEY_HELP, .key = {'H'}},
+    {.pszText = u"Display preset info", .pfnRun = RunOverlay, .dwArgument = OVERLAY_MESSAGES, .key = {'I'}},
+    COMMAND_LINE,
+    {.pszText = u"Screen Capture", .pfnRun = RunCapture, .key = {'S'}},
+    {.pszText = u"Recording", .children = asRecordingMenu},
+    COMMAND_LINE,
+    {u"Exit Vorticade", RunExit},
+};
+
+// What the menu does not show.
+constexpr Command asKey[] = {
+    {.children = asMenu},
+    {.pfnRun = [](u32, void *) { ChangeThickness(1); }, .key = {.dwKey = KEY_PAGE_UP, .bRepeats = true}},
+    {.pfnRun = [](u32, void *) { ChangeThickness(-1); }, .key = {.dwKey = KEY_PAGE_DOWN, .bRepeats = true}},
+    {.pfnRun = [](u32, void *) { bNextPending = 1; }, .key = {.dwKey = KEY_RIGHT, .bUp = true}},
+    {.pfnRun = [](u32, void *) { bPrevPending = 1; }, .key = {.dwKey = KEY_LEFT, .bUp = true}},
+    {.pfnRun = [](u32, void *) { bPrevPending = 1; }, .key = {.dwKey = KEY_BACKSPACE, .bUp = true}},
+    {.pfnRun = [](u32, void *) { bStartPending = 1; }, .key = {.dwKey = KEY_TAB, .bUp = true}},
+    {.pfnRun = [](u32, void *) { bFavorPending = 1; }, .key = {.dwKey = KEY_SPACE, .bUp = true}},
+    {.pfnRun = [](u32, void *) { ChangeRate(1); }, .key = {.dwKey = KEY_PAD_PLUS, .bUp = true}},
+    {.pfnRun = [](u32, void *) { ChangeRate(-1); }, .key = {.dwKey = KEY_PAD_MINUS, .bUp = true}},
+    {.pfnRun = RunFullScreen, .dwArgument = 0, .key = {.dwKey = KEY_ESCAPE, .bUp = true}},
 };
 // clang-format on
 
-std::bitset<256> abKeyDown; // keys whose press was seen here
-
-// Notes a press; of a release, says whether its press was seen.
-bool KeyCounts(const KeyEvent &event)
-{
-    if (event.dwKey >= abKeyDown.size() || event.bRepeat)
-        return event.bRepeat && !event.bUp;
-    const bool bWasDown = abKeyDown[event.dwKey];
-    abKeyDown[event.dwKey] = !event.bUp && !event.bSystem;
-    return !event.bUp || bWasDown;
-}
+CommandKeys Keys;
 
 } // namespace
 
@@ -195,26 +179,15 @@ std::span<const WindowSize> WindowSizes()
     return asSize;
 }
 
-std::span<const VisualsMenuRow> VisualsMenu()
+CommandTable VisualsMenu()
 {
-    static VisualsMenuRow asMenu[MENU_ROWS];
-    VisualsMenuRow *pTo = std::copy(std::begin(asMenuHead), std::end(asMenuHead), asMenu);
-    for (u32 i = 0; i < SIZES; i++)
-        *pTo++ = {MenuRow::Entry, asSize[i].pszName, ClientSize, i};
-    std::copy(std::begin(asMenuTail), std::end(asMenuTail), pTo);
-    return asMenu;
+    return {asMenu};
 }
 
-// Keystrokes to other programs are not there yet. A recording that runs can be stopped whatever was chosen meanwhile.
-bool VisualsCommandIsEnabled(VisualsCommand eCommand)
+// Keystrokes to other programs are not there yet.
+bool RecordingCanBeAsked()
 {
-    return eCommand != RecordSeconds || GlobalSettings.bRecording ||
-           GlobalSettings.FrameRecordMethod == RECORD_METHOD_FRAMES;
-}
-
-bool VisualsCommandIsChecked(VisualsCommand eCommand)
-{
-    return eCommand == AlwaysOnTop && bAlwaysOnTop;
+    return GlobalSettings.bRecording || GlobalSettings.FrameRecordMethod == RECORD_METHOD_FRAMES;
 }
 
 void SetVisualsWindowHooks(const VisualsWindowHooks &hooks)
@@ -222,30 +195,36 @@ void SetVisualsWindowHooks(const VisualsWindowHooks &hooks)
     Hooks = hooks;
 }
 
-void RunVisualsCommand(VisualsCommand eCommand, u32 dwArgument)
+void SetVisualsFullScreen(u32 bOn)
 {
-    for (const CommandRow &row : asCommand)
-        if (row.eCommand == eCommand)
-            row.pfnRun(dwArgument);
+    if (bFullScreen == bOn)
+        return;
+    bFullScreen = bOn;
+    if (Hooks.pfnSetFullScreen)
+        Hooks.pfnSetFullScreen(Hooks.pvWindow, bOn);
+}
+
+void SetVisualsSize(u32 iRow)
+{
+    SetVisualsFullScreen(0);
+    if (iRow < SIZES && Hooks.pfnSetClientSize)
+        Hooks.pfnSetClientSize(Hooks.pvWindow, asSize[iRow].nWidth, asSize[iRow].nHeight);
+}
+
+void OpenRecordingOptions()
+{
+    if (Hooks.pfnRecordingOptions)
+        Hooks.pfnRecordingOptions(Hooks.pvWindow);
 }
 
 bool HandleVisualsKey(const KeyEvent &event)
 {
-    const bool bCounts = KeyCounts(event);
-    if (event.bSystem)
-        return true;
-    for (const KeyRow &row : asKey)
-        if (row.dwKey == event.dwKey && row.bUp == event.bUp) {
-            if (bCounts && (!event.bRepeat || row.bRepeats))
-                RunVisualsCommand(row.eCommand, row.dwArgument);
-            return true;
-        }
-    return false;
+    return Keys.Handle({asKey}, event);
 }
 
 void ForgetVisualsKeys()
 {
-    abKeyDown.reset();
+    Keys.Forget();
 }
 
 void CloseVisualsWindow()
@@ -257,7 +236,7 @@ void CloseVisualsWindow()
 void HandleVisualsWheel(i32 nDelta)
 {
     if (nDelta)
-        RunVisualsCommand(nDelta >= 1 ? FrameThicker : FrameThinner, 0);
+        ChangeThickness(nDelta >= 1 ? 1 : -1);
 }
 
 i32 SmallestVisualsSide()

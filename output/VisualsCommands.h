@@ -2,31 +2,9 @@
 #pragma once
 
 #include "platform/BaseTypes.h"
-#include "toolkit/KeyCodes.h"
+#include "toolkit/Commands.h"
 
 #include <span>
-
-enum class VisualsCommand : u32 {
-    None,
-    FullScreenOn,
-    FullScreenOff,
-    ToggleFullScreen,
-    ClientSize, // argument: row of the sizes
-    AlwaysOnTop,
-    ToggleOverlay, // argument: OverlayId
-    ScreenCapture,
-    RecordSeconds, // argument: seconds
-    RecordingOptions,
-    FrameThicker,
-    FrameThinner,
-    RaiseRate,
-    LowerRate,
-    NextPreset,
-    PreviousPreset,
-    StartAutoplay,
-    Favor,
-    Exit,
-};
 
 struct WindowSize {
     const char16_t *pszName;
@@ -34,17 +12,10 @@ struct WindowSize {
 };
 std::span<const WindowSize> WindowSizes();
 
-enum class MenuRow : u32 { Entry, Line, SubMenu, EndOfSubMenu };
-struct VisualsMenuRow {
-    MenuRow eRow;
-    const char16_t *pszText; // behind a tab stands the key
-    VisualsCommand eCommand;
-    u32 dwArgument;
-};
 // The context menu from top to bottom.
-std::span<const VisualsMenuRow> VisualsMenu();
-bool VisualsCommandIsEnabled(VisualsCommand eCommand);
-bool VisualsCommandIsChecked(VisualsCommand eCommand);
+CommandTable VisualsMenu();
+// A recording that runs can be stopped whatever was chosen meanwhile.
+bool RecordingCanBeAsked();
 
 // What the window itself does, set by it. Null members: there is no window.
 struct VisualsWindowHooks {
@@ -59,9 +30,11 @@ struct VisualsWindowHooks {
 void SetVisualsWindowHooks(const VisualsWindowHooks &hooks);
 
 // All on the main thread.
-void RunVisualsCommand(VisualsCommand eCommand, u32 dwArgument);
-// True if the key means something here. A release counts only where the press was seen here too: one that closed a menu
-// or a dialog is none of the window's.
+void SetVisualsFullScreen(u32 bOn);
+// Leaves full screen for it. iRow of WindowSizes(); nothing beyond.
+void SetVisualsSize(u32 iRow);
+void OpenRecordingOptions();
+// True if the key means something here.
 bool HandleVisualsKey(const KeyEvent &event);
 // The window lost the keyboard: presses of before are forgotten.
 void ForgetVisualsKeys();

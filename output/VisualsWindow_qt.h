@@ -12,6 +12,8 @@
 #include <QUrl>
 #include <QWidget>
 
+inline constexpr char VISUALS_TITLE[] = "Visuals Window";
+
 // Opens an address in the user's browser or mail program; exchanged by tests.
 extern void (*pfnOpenAddress)(const QUrl &url);
 
@@ -58,18 +60,24 @@ class VisualsWindow : public QWidget, private QAbstractNativeEventFilter {
   private:
     void ConnectTimers();
     void InstallHooks();
+    void Tick();
+    // VisualsPicture_qt.cpp
     bool ComposeDirectly();
     bool ComposeAside(QPainter *pPainter);
     void Compose(const StretchTarget &target, const HostBitmap *hbm);
+    void TickOverlayTexts();
+    // VisualsNotices_qt.cpp
     void PaintNotices(QPainter *pPainter);
+    // VisualsMouse_qt.cpp
     void TakeMouse(const QMouseEvent *pEvent);
     void ShowPointer(const QPointF &place);
     void OpenMenu(const QPoint &place);
+    // VisualsPlace_qt.cpp
+    QSize DeviceSize() const;
+    bool IsOnScreen() const;
     void PlaceChanged();
     void Settled();
     void AskForSizeAgain();
-    void Tick();
-    void TickOverlayTexts();
     void SetFullScreen(bool bOn);
     void SetClientSize(QSize size);
     void SetTopmost(bool bOn);
@@ -77,8 +85,6 @@ class VisualsWindow : public QWidget, private QAbstractNativeEventFilter {
     void ScreenRemoved(QScreen *pGone);
     void MoveToFirstScreen();
     void ScreenChanged();
-    QSize DeviceSize() const;
-    bool IsOnScreen() const;
 
     void (*pfnClosed)();
     OverlayPainter Overlays;

@@ -200,9 +200,9 @@ TEST_F(FrameRecorder, NothingWaitsForPicturesThatAreStillBeingWritten)
         Turn();
     EXPECT_EQ(2u, nRecordFrame) << "the next picture has the path of the first";
     GlobalSettings.FrameRecordMethod = RECORD_METHOD_KEYSTROKES;
-    EXPECT_TRUE(VisualsCommandIsEnabled(VisualsCommand::RecordSeconds)) << "or nobody could stop it";
+    EXPECT_TRUE(RecordingCanBeAsked()) << "or nobody could stop it";
     ToggleFrameRecorder(0, 0);
-    EXPECT_FALSE(VisualsCommandIsEnabled(VisualsCommand::RecordSeconds));
+    EXPECT_FALSE(RecordingCanBeAsked());
     CopyText(GlobalSettings.FrameRecordFormat, u"f-%d.ppm");
     ToggleFrameRecorder(0, RECORD_SECONDS_ENDLESS);
     Turn();

@@ -6,10 +6,10 @@
 #include "output/Presenters.h"
 #include "output/RecordingSettings.h"
 #include "output/VisualsCommands.h"
-#include "output/VisualsMenu_qt.h"
 #include "platform/Bitmap.h"
 #include "platform/Text.h"
 #include "tests/WindowFixture.h"
+#include "toolkit/CommandMenus_qt.h"
 
 #include <gtest/gtest.h>
 
@@ -137,7 +137,7 @@ TEST_F(Visuals, ADoubleClickAndEscapeTurnFullScreenOnAndOff)
     QThread::msleep(1100);
     pWindow->showMaximized(); // as a window manager does after a double click on the caption
     WaitFor([&] { return pWindow->isFullScreen() && bFullScreen; });
-    RunVisualsCommand(VisualsCommand::ClientSize, 4);
+    SetVisualsSize(4);
     EXPECT_EQ(QSize(640, 360), pWindow->size());
 }
 
@@ -181,7 +181,7 @@ TEST_F(Visuals, AClickInAnOverlayIsNoModulesAndALinkOpens)
 
 TEST_F(Visuals, TheMenuHasItsEntriesAndRunsThem)
 {
-    QMenu *pMenu = BuildVisualsMenu(pWindow.get());
+    QMenu *pMenu = MakeCommandMenu(VisualsMenu(), pWindow.get());
     QStringList entries;
     QAction *pTop = nullptr, *pExit = nullptr;
     for (QAction *pAction : pMenu->actions()) {
@@ -241,9 +241,9 @@ TEST_F(Visuals, TheBufferFollowsAWindowThatRestsButNotDuringARecording)
 TEST_F(Visuals, TheRecordingDialogStoresWithOkAndItsSliderAtOnce)
 {
     StoreRecordingChoice({RECORD_METHOD_KEYSTROKES, 640, 480, 500, u"/no/such/folder", u"a-%03d.png"});
-    RunVisualsCommand(VisualsCommand::RecordingOptions, 0);
+    OpenRecordingOptions();
     auto *pDialog = pWindow->findChild<QDialog *>();
-    RunVisualsCommand(VisualsCommand::RecordingOptions, 0);
+    OpenRecordingOptions();
     ASSERT_EQ(1, pWindow->findChildren<QDialog *>().size());
     EXPECT_TRUE(pDialog->findChild<QLineEdit *>("demo")->text().startsWith("/no/such/folder/a-"));
     EXPECT_EQ("The frame folder does not exist.", pDialog->findChild<QLabel *>("trouble")->text());
@@ -267,7 +267,7 @@ TEST_F(Visuals, TheRecordingDialogStoresWithOkAndItsSliderAtOnce)
     EXPECT_EQ(3840, GlobalSettings.FrameRecordHeight);
     EXPECT_EQ(RECORD_METHOD_FRAMES, GlobalSettings.FrameRecordMethod);
     EXPECT_EQ("b-%s.png", ToUtf8(GlobalSettings.FrameRecordFormat));
-    EXPECT_TRUE(VisualsCommandIsEnabled(VisualsCommand::RecordSeconds));
+    EXPECT_TRUE(RecordingCanBeAsked());
 }
 
 } // namespace

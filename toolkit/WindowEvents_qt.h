@@ -9,6 +9,8 @@ class QWheelEvent;
 
 // The key, up or down by the event's type. A key of a layout without Latin letters counts by its place on the keyboard.
 KeyEvent KeyEventOf(const QKeyEvent &event);
+// The toolkit's key code of a KeyCode; 0: none.
+int ToolkitKeyOf(u32 dwKey);
 // Vertical delta of the wheel, above 0 away from the user; 0: it moved sideways.
 i32 WheelDeltaOf(const QWheelEvent &event);
 
