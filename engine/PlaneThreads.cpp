@@ -32,12 +32,14 @@ struct PlaneThreadParms {
     Event evDone;  // the plane is finished
     Event evEnded; // the thread has ended
     std::thread thread;
+    bool bHangTold = false; // of the frame that it has been in ever since; the main thread's
 };
 
 std::unique_ptr<PlaneThreadParms> apParms[PLANES_MAX];      // the running threads; all or none
 std::vector<std::unique_ptr<PlaneThreadParms>> apAbandoned; // stopped threads that are stuck in a module
 u32 dwFrameGeneration = 0;
 u32 nCallsToSkip = 0; // before threads are asked for again
+bool bShortageTold = false;
 
 u32 ThreadSeed(u32 i)
 {
@@ -111,6 +113,23 @@ u32 RemainingMs(i64 nStart, u32 nWaitMs)
     return nPassed >= nWaitMs ? 0 : nWaitMs - static_cast<u32>(nPassed);
 }
 
+// Once a hang, however many frames it takes.
+void TellHang(PlaneThreadParms *pParms)
+{
+    if (pParms->bHangTold)
+        return;
+    pParms->bHangTold = true;
+    AddNotice("plane " + std::to_string(pParms->iPlane + 1) +
+              " hangs in a module: frames are dropped until it returns");
+}
+
+void TellShortage()
+{
+    if (!bShortageTold)
+        AddNotice("the planes are drawn one after the other: the system has no threads to give");
+    bShortageTold = true;
+}
+
 u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
 {
     const i64 nStart = RealNanoseconds();
@@ -119,9 +138,10 @@ u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
         while (pParms->dwFrameDone != dwFrameGeneration)
             if (!pParms->evDone.Wait(RemainingMs(nStart, nWaitMs)) && RemainingMs(nStart, nWaitMs) == 0 &&
                 pParms->dwFrameDone != dwFrameGeneration) {
-                AddNotice("plane " + std::to_string(i + 1) + " hangs in a module: frames are dropped until it returns");
+                TellHang(pParms);
                 return 0;
             }
+        pParms->bHangTold = false;
     }
     return 1;
 }
@@ -139,9 +159,10 @@ u32 StartPlaneThreads()
             continue;
         StopPlaneThreads();
         nCallsToSkip = CALLS_UNTIL_RETRY;
-        AddNotice("the planes are drawn one after the other: the system has no threads to give");
+        TellShortage();
         return 0;
     }
+    bShortageTold = false;
     return 1;
 }
 

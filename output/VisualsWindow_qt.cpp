@@ -45,7 +45,7 @@ u32 PresentToWindow(const HostBitmap *hbm, void *pv)
 }
 
 // A notice must also show while a module that hangs keeps frames from coming.
-void RepaintWindows()
+void RepaintWindows(void *)
 {
     for (QWidget *pWindow : QApplication::topLevelWidgets())
         pWindow->update();
@@ -112,7 +112,7 @@ VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
     InstallHooks();
     AddPresenter(PresentToWindow, this);
     GlobalSettings.bVisualsWindow = 1;
-    pfnNoticeAdded = RepaintWindows;
+    NoticeListeners.Add(RepaintWindows);
     pfnRecorderStatus = ShowStatusInTitle;
     pShown = this;
 }
@@ -120,7 +120,7 @@ VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
 VisualsWindow::~VisualsWindow()
 {
     qApp->removeNativeEventFilter(this);
-    pfnNoticeAdded = nullptr;
+    NoticeListeners.Remove(RepaintWindows);
     pfnRecorderStatus = nullptr;
     pShown = nullptr;
     GlobalSettings.bVisualsWindow = 0;
@@ -250,7 +250,7 @@ bool VisualsWindow::ComposeAside(QPainter *pPainter)
 void VisualsWindow::paintEvent(QPaintEvent *)
 {
     bDrawn = ComposeDirectly();
-    if (bDrawn && nNoticesRead == NoticeCount())
+    if (bDrawn && NoticeText().empty())
         return;
     QPainter painter(this);
     if (!bDrawn)
@@ -263,7 +263,7 @@ void VisualsWindow::paintEvent(QPaintEvent *)
 // What the user must know stands at the bottom until a click or a key says that it was read.
 void VisualsWindow::PaintNotices(QPainter *pPainter)
 {
-    if (nNoticesRead == NoticeCount())
+    if (NoticeText().empty())
         return;
     const QString text = QString::fromStdString(NoticeText()).trimmed();
     const QRect inner = rect().adjusted(24, 24, -24, -24);
@@ -394,7 +394,7 @@ void VisualsWindow::closeEvent(QCloseEvent *pEvent)
 
 void VisualsWindow::keyPressEvent(QKeyEvent *pEvent)
 {
-    nNoticesRead = NoticeCount();
+    DismissNotices();
     if (HandleVisualsKey(KeyEventOf(*pEvent)))
         TickOverlayTexts();
 }
@@ -440,7 +440,7 @@ void VisualsWindow::mouseMoveEvent(QMouseEvent *pEvent)
 // A press on an overlay is no module's.
 void VisualsWindow::mousePressEvent(QMouseEvent *pEvent)
 {
-    nNoticesRead = NoticeCount();
+    DismissNotices();
     TakeMouse(pEvent);
     if (OverlayPainter::OverlayAt(pEvent->position()) == OVERLAYS)
         dwMouseButtons |= ButtonsOf(pEvent->button());
