@@ -131,7 +131,7 @@ void Restyle()
 }
 
 // Settings change many rows in one go: the windows follow once.
-void RestyleSoon(u32)
+void RestyleSoon(u32, void *)
 {
     if (bRestylePending)
         return;
@@ -141,7 +141,7 @@ void RestyleSoon(u32)
 
 void ForgetApplication()
 {
-    pfnUIColorChanged = nullptr;
+    UIColorListeners.Remove(RestyleSoon);
     bRestylePending = false;
 }
 
@@ -272,6 +272,6 @@ void InstallDarkLook(QApplication *pApp)
     RefreshLook();
     QApplication::setStyle(new DarkStyle);
     GiveColors();
-    pfnUIColorChanged = RestyleSoon;
+    UIColorListeners.Add(RestyleSoon);
     QObject::connect(pApp, &QObject::destroyed, ForgetApplication);
 }

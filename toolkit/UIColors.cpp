@@ -32,7 +32,7 @@ constexpr UIColorRow asDefault[UICOLORS] = {
 } // namespace
 
 UIColorRow UIColorTable[UICOLORS];
-void (*pfnUIColorChanged)(u32 iRow);
+Listeners<void(u32 iRow)> UIColorListeners;
 
 void SetDefaultUIColors()
 {
@@ -48,7 +48,7 @@ u32 SetUIColor(u32 iRow, u32 dwColor)
         return 0;
     const u32 dwOld = UIColorTable[iRow].dwColor;
     UIColorTable[iRow].dwColor = dwColor & COLOR_BITS;
-    if (UIColorTable[iRow].dwColor != dwOld && pfnUIColorChanged)
-        pfnUIColorChanged(iRow);
+    if (UIColorTable[iRow].dwColor != dwOld)
+        UIColorListeners.Tell(iRow);
     return dwOld;
 }
