@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <thread>
 
-void (*pfnShowError)(const char16_t *pszTitle, const char16_t *pszText) = nullptr;
+Listeners<void(const char16_t *pszTitle, const char16_t *pszText)> ErrorListeners;
 
 namespace {
 
@@ -28,10 +28,10 @@ QuietTimer Quiet;
 
 void ShowMissingFile(const char16_t *pszPath)
 {
-    if (pfnShowError)
-        pfnShowError(MISSING_TITLE, pszPath);
-    else
+    if (ErrorListeners.IsEmpty())
         AddNotice(ToUtf8(MISSING_TITLE) + " " + ToUtf8(pszPath));
+    else
+        ErrorListeners.Tell(MISSING_TITLE, pszPath);
 }
 
 void ReportNoSound(const char16_t *pszPath, const std::string &sCause)

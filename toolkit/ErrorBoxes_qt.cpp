@@ -30,7 +30,7 @@ void ShowErrorBox(const ErrorText &error)
     pBox->show();
 }
 
-void TakeError(const char16_t *pszTitle, const char16_t *pszText)
+void TakeError(const char16_t *pszTitle, const char16_t *pszText, void *)
 {
     const ErrorText error = {QString::fromUtf16(pszTitle), QString::fromUtf16(pszText)};
     std::fprintf(stderr, "vorticade: %s %s\n", qUtf8Printable(error.title), qUtf8Printable(error.text));
@@ -44,7 +44,7 @@ void TakeError(const char16_t *pszTitle, const char16_t *pszText)
 
 void KeepErrors()
 {
-    pfnShowError = TakeError;
+    ErrorListeners.Add(TakeError);
 }
 
 void ShowErrorsOver(QWidget *pWindow)
