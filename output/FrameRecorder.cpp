@@ -43,8 +43,7 @@ i64 nRestStart = 0;                // performance count; 0: no frame yet
 
 void ShowStatus(std::u16string_view text)
 {
-    if (pfnRecorderStatus)
-        pfnRecorderStatus(std::u16string(text).c_str());
+    RecorderStatusListeners.Tell(std::u16string(text).c_str());
 }
 
 std::u16string Number(u64 n)
@@ -267,7 +266,7 @@ u64 qwRecordStartTick = 0;
 u32 nRecordFrame = 1;
 u32 nRecordLimit = 0;
 u64 qwSavedTimeScale = 1;
-void (*pfnRecorderStatus)(const char16_t *pszText) = nullptr;
+Listeners<void(const char16_t *pszText)> RecorderStatusListeners;
 SavePictureFn pfnRecorderSave = nullptr;
 
 void ToggleFrameRecorder(u32 dwDelayMs, u32 dwSeconds)

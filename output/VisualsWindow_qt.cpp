@@ -51,12 +51,9 @@ void RepaintWindows(void *)
         pWindow->update();
 }
 
-VisualsWindow *pShown = nullptr; // there is one at most
-
-void ShowStatusInTitle(const char16_t *pszText)
+void ShowStatusInTitle(const char16_t *pszText, void *pv)
 {
-    if (pShown)
-        pShown->ShowStatus(QString::fromUtf16(pszText));
+    static_cast<VisualsWindow *>(pv)->ShowStatus(QString::fromUtf16(pszText));
 }
 
 // What a module writes is not trusted: only addresses for a browser or a mail program are opened, never files.
@@ -113,16 +110,14 @@ VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
     AddPresenter(PresentToWindow, this);
     GlobalSettings.bVisualsWindow = 1;
     NoticeListeners.Add(RepaintWindows);
-    pfnRecorderStatus = ShowStatusInTitle;
-    pShown = this;
+    RecorderStatusListeners.Add(ShowStatusInTitle, this);
 }
 
 VisualsWindow::~VisualsWindow()
 {
     qApp->removeNativeEventFilter(this);
     NoticeListeners.Remove(RepaintWindows);
-    pfnRecorderStatus = nullptr;
-    pShown = nullptr;
+    RecorderStatusListeners.Remove(ShowStatusInTitle, this);
     GlobalSettings.bVisualsWindow = 0;
     GlobalSettings.hwndVisuals.bVisible = 0;
     GlobalSettings.hwndVisuals.qwNativeId = 0;
