@@ -43,6 +43,13 @@ void StartFrameTimer(void *hwnd, u32 dwTimerId, u32 nPeriodMs)
     FrameTimers().insert(hwnd, pTimer);
 }
 
+void HoldLoopFor(QObject *pDialog, void *)
+{
+    RunDialogFrames(pDialog, DialogMessage::Init, 0);
+    QObject::connect(pDialog, &QObject::destroyed,
+                     [](QObject *pGone) { RunDialogFrames(pGone, DialogMessage::Destroy, 0); });
+}
+
 void ServeEvents()
 {
     QCoreApplication::processEvents();
@@ -79,12 +86,6 @@ void RequestExit()
 void InstallFrameTimers()
 {
     SetFrameTimerHooks({StartFrameTimer, KillFrameTimer});
-    pfnKeepFrames = KeepFramesDuring;
-}
-
-void KeepFramesDuring(QObject *pDialog)
-{
-    RunDialogFrames(pDialog, DialogMessage::Init, 0);
-    QObject::connect(pDialog, &QObject::destroyed,
-                     [](QObject *pGone) { RunDialogFrames(pGone, DialogMessage::Destroy, 0); });
+    KeepFramesListeners.Remove(HoldLoopFor);
+    KeepFramesListeners.Add(HoldLoopFor);
 }

@@ -7,6 +7,7 @@
 #include "output/VisualsWindow_qt.h"
 #include "state/Folders.h"
 #include "state/GlobalSettings.h"
+#include "toolkit/WindowEvents_qt.h"
 
 #include <gtest/gtest.h>
 
@@ -57,7 +58,7 @@ class Desktop : public testing::Test {
 template <typename Fn> void RunModalBox(Fn act)
 {
     QMessageBox box;
-    KeepFramesDuring(&box);
+    KeepFramesUnder(&box);
     const u32 nBefore = nFrames;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {

@@ -64,12 +64,11 @@ u32 KeyOf(const QKeyEvent &event)
 
 } // namespace
 
-void (*pfnKeepFrames)(QObject *pDialog) = nullptr;
+Listeners<void(QObject *pDialog)> KeepFramesListeners;
 
 void KeepFramesUnder(QObject *pDialog)
 {
-    if (pfnKeepFrames)
-        pfnKeepFrames(pDialog);
+    KeepFramesListeners.Tell(pDialog);
 }
 
 KeyEvent KeyEventOf(const QKeyEvent &event)
