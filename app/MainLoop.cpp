@@ -16,8 +16,6 @@ namespace {
 FrameTimerHooks Hooks;
 std::vector<void *> ahwndHolder; // open dialogs, menus and drags; the first owns the frame timer
 u32 bFrameTimerRunning = 0;
-void (*pfnBeforeFrame)(void *pvContext) = nullptr;
-void *pvBeforeFrame = nullptr;
 
 void StartFrameTimer(void *hwnd)
 {
@@ -69,22 +67,17 @@ void ReleaseLoop(void *hwnd, bool bGone)
 
 } // namespace
 
+Listeners<void()> BeforeFrameListeners;
+
 u32 RunAndPresentFrame()
 {
-    if (pfnBeforeFrame)
-        pfnBeforeFrame(pvBeforeFrame);
+    BeforeFrameListeners.Tell();
     PaceRecorder();
     PresetState *lppsi = CurrentPreset();
     if (!RunFrameStep(lppsi))
         return 0;
     PresentFrame(lppsi->phbmOutput ? *lppsi->phbmOutput : nullptr);
     return 1;
-}
-
-void SetBeforeFrame(void (*pfn)(void *pvContext), void *pvContext)
-{
-    pfnBeforeFrame = pfn;
-    pvBeforeFrame = pvContext;
 }
 
 void SetFrameTimerHooks(const FrameTimerHooks &hooks)

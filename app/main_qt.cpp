@@ -50,7 +50,7 @@ void RunShow()
     VisualsWindow window(RequestExit);
     window.show();
     window.PublishWindow();
-    SetBeforeFrame(PublishWindow, &window);
+    BeforeFrameListeners.Add(PublishWindow, &window);
     if (std::getenv("VD_END_AT_FIRST_FRAME"))
         AddPresenter(EndAtFirstFrame, nullptr);
     AddPresenter(FinishStart, nullptr);
@@ -59,7 +59,7 @@ void RunShow()
     RunMainLoop();
     FinishFrameRecorder();
     SaveSettings();
-    SetBeforeFrame(nullptr, nullptr);
+    BeforeFrameListeners.Remove(PublishWindow, &window);
 }
 
 int RunDesktop(const StartOptions &options)

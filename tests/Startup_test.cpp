@@ -178,6 +178,21 @@ TEST_F(DialogFrames, ThePeriodFollowsTheTargetWithinTenToAHundredMilliseconds)
     }
 }
 
+TEST(MainLoop, ATurnBeginsWithThoseWhoWaitForItAlsoWithoutAFrame)
+{
+    static std::string sTold;
+    sTold.clear();
+    constexpr auto pfnTell = [](void *pv) { sTold += static_cast<const char *>(pv); };
+    char szA[] = "a", szB[] = "b";
+    BeforeFrameListeners.Add(pfnTell, szA);
+    BeforeFrameListeners.Add(pfnTell, szB);
+    EXPECT_EQ(0u, RunAndPresentFrame()) << "there is no preset";
+    BeforeFrameListeners.Remove(pfnTell, szA);
+    RunAndPresentFrame();
+    BeforeFrameListeners.Remove(pfnTell, szB);
+    EXPECT_EQ("abb", sTold);
+}
+
 TEST(Startup, TimerNumbersAreNeverTheSameAndNeverZero)
 {
     std::set<u32> ids;
