@@ -72,11 +72,13 @@ std::string LoadSong(RenderOptions *pro, Song *pSong)
     return {};
 }
 
-void SetUpRun(const RenderOptions &ro, const Song &song)
+// False: the start has failed and said why.
+bool SetUpRun(const RenderOptions &ro, const Song &song)
 {
     UseFixedClock(0);
     SeedAllRandom(ro.qwSeed);
-    StartHeadless(ro.start);
+    if (StartHeadless(ro.start))
+        return false;
     if (ro.bOnePass)
         SetupMixAccelerator();
     GlobalSettings.ThreadedPlanes = ro.bThreads;
@@ -90,6 +92,7 @@ void SetUpRun(const RenderOptions &ro, const Song &song)
         BindRenderSong(&GlobalSettings.Monitor, &song, TickOfFrame(ro, ro.nWarmup));
     else
         BindRenderSound(&GlobalSettings.Monitor, ro.qwSeed);
+    return true;
 }
 
 std::string CountText(const PictureReport &report)
@@ -190,7 +193,8 @@ int RunRender(const RenderOptions &given)
     Song song = {};
     std::string sError = LoadSong(&ro, &song);
     if (sError.empty()) {
-        SetUpRun(ro, song);
+        if (!SetUpRun(ro, song))
+            return EXIT_HEADLESS;
         sError = LoadPreset(ro);
         if (sError.empty())
             sError = RunJob(ro);

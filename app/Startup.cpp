@@ -261,6 +261,17 @@ constexpr Step asShutDownHeadless[] = {
 
 constexpr const char16_t *UNTITLED_PRESET = u"Tempname.VD";
 
+// The step that fails is named on standard error.
+bool RunStartSteps(std::span<const Step> steps, const StartOptions &options)
+{
+    pOptions = &options;
+    const char *pszFailed = RunSteps(steps);
+    pOptions = nullptr;
+    if (pszFailed)
+        std::fprintf(stderr, "%s: the start failed at this step: %s\n", program_invocation_short_name, pszFailed);
+    return !pszFailed;
+}
+
 } // namespace
 
 void ReportPassedOver(const PresetReport &report)
@@ -273,10 +284,7 @@ void ReportPassedOver(const PresetReport &report)
 
 int StartCore(const StartOptions &options)
 {
-    pOptions = &options;
-    const char *pszFailed = RunSteps(asStartCore);
-    pOptions = nullptr;
-    return pszFailed ? EXIT_MAPPING : 0;
+    return RunStartSteps(asStartCore, options) ? 0 : EXIT_MAPPING;
 }
 
 void StartPreset()
@@ -325,11 +333,12 @@ std::string DescribeSound(const StartOptions &options)
     return s;
 }
 
-void StartHeadless(const StartOptions &options)
+int StartHeadless(const StartOptions &options)
 {
-    pOptions = &options;
-    RunSteps(asStartHeadless);
-    pOptions = nullptr;
+    if (RunStartSteps(asStartHeadless, options))
+        return 0;
+    ShutDownHeadless();
+    return EXIT_HEADLESS;
 }
 
 void ShutDownHeadless()
