@@ -6,6 +6,7 @@
 #include "engine/PresetManager.h"
 #include "output/FrameRecorder.h"
 #include "output/Presenters.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 
 #include <algorithm>
@@ -71,6 +72,7 @@ Listeners<void()> BeforeFrameListeners;
 
 u32 RunAndPresentFrame()
 {
+    ASSERT_MAIN_THREAD();
     BeforeFrameListeners.Tell();
     PaceRecorder();
     PresetState *lppsi = CurrentPreset();
@@ -87,6 +89,7 @@ void SetFrameTimerHooks(const FrameTimerHooks &hooks)
 
 u32 RunDialogFrames(void *hwnd, DialogMessage eMessage, u32 dwTimerId)
 {
+    ASSERT_MAIN_THREAD();
     switch (eMessage) {
     case DialogMessage::Init:
         HoldLoop(hwnd);

@@ -3,6 +3,7 @@
 
 #include "app/FramePacer.h"
 #include "app/MainLoop.h"
+#include "platform/MainThread.h"
 #include "platform/Signals.h"
 #include "toolkit/WindowEvents_qt.h"
 
@@ -60,6 +61,7 @@ void ServeEvents()
 
 void RunMainLoop()
 {
+    ASSERT_MAIN_THREAD();
     QSocketNotifier pacerNotifier(OpenPacer(), QSocketNotifier::Read);
     QObject::connect(&pacerNotifier, &QSocketNotifier::activated, DrainPacer);
     const int fdSignals = OpenTerminationSignals();
@@ -79,12 +81,14 @@ void RunMainLoop()
 
 void RequestExit()
 {
+    ASSERT_MAIN_THREAD();
     bExitRequested = true;
     QCoreApplication::exit(); // ends the loops inside; the main loop is none of the toolkit's
 }
 
 void InstallFrameTimers()
 {
+    ASSERT_MAIN_THREAD();
     SetFrameTimerHooks({StartFrameTimer, KillFrameTimer});
     KeepFramesListeners.Remove(HoldLoopFor);
     KeepFramesListeners.Add(HoldLoopFor);

@@ -13,6 +13,7 @@
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Random.h"
 #include "platform/Signals.h"
 #include "platform/Text.h"
@@ -187,6 +188,7 @@ std::string RunJob(const RenderOptions &ro)
 
 int RunRender(const RenderOptions &given)
 {
+    ASSERT_MAIN_THREAD();
     if (!given.list.empty())
         return ListPresets(given);
     RenderOptions ro = given;

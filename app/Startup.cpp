@@ -24,6 +24,7 @@
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/GLWindow.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
@@ -284,6 +285,7 @@ void ReportPassedOver(const PresetReport &report)
 
 int StartCore(const StartOptions &options)
 {
+    ASSERT_MAIN_THREAD();
     return RunStartSteps(asStartCore, options) ? 0 : EXIT_MAPPING;
 }
 
@@ -306,6 +308,7 @@ void StartPreset()
 
 void RunPendingSteps()
 {
+    ASSERT_MAIN_THREAD();
     if (bAcceleratorsPending)
         SetupMixAccelerator();
     if (bOpenGLTestPending)
@@ -322,6 +325,7 @@ void SaveSettings()
 
 void ShutDown()
 {
+    ASSERT_MAIN_THREAD();
     RunSteps(asShutDown);
 }
 
@@ -335,6 +339,7 @@ std::string DescribeSound(const StartOptions &options)
 
 int StartHeadless(const StartOptions &options)
 {
+    ASSERT_MAIN_THREAD();
     if (RunStartSteps(asStartHeadless, options))
         return 0;
     ShutDownHeadless();
@@ -343,6 +348,7 @@ int StartHeadless(const StartOptions &options)
 
 void ShutDownHeadless()
 {
+    ASSERT_MAIN_THREAD();
     RunSteps(asShutDownHeadless);
 }
 

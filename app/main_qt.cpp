@@ -8,6 +8,7 @@
 #include "output/FrameRecorder.h"
 #include "output/Presenters.h"
 #include "output/VisualsWindow_qt.h"
+#include "platform/MainThread.h"
 #include "platform/Signals.h"
 #include "toolkit/ErrorBoxes_qt.h"
 
@@ -82,6 +83,7 @@ int RunDesktop(const StartOptions &options)
 
 int main(int argc, char **argv)
 {
+    ClaimMainThread();
     DesktopOptions options;
     std::string sError;
     if (!ReadDesktopOptions(argc, argv, &options, &sError)) {

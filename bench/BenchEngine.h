@@ -2,10 +2,10 @@
 #pragma once
 
 #include "app/Startup.h"
+#include "platform/Assert.h"
 #include "platform/Clock.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
-#include "platform/Assert.h"
 #include "platform/Threads.h"
 #include "state/GlobalSettings.h"
 

@@ -3,6 +3,7 @@
 
 #include "controls/FileList.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Random.h"
 #include "state/GlobalSettings.h"
 
@@ -275,6 +276,7 @@ f32 SmoothedSoundLevel(const ControlRecord *pctl)
 
 void ShiftSoundHistory(u64 qwTick)
 {
+    ASSERT_MAIN_THREAD();
     if (qwTick - qwSoundHistoryTick <= HISTORY_STEP_MS)
         return;
     for (u32 i = SOUND_HISTORY - 1; i > 0; i--)

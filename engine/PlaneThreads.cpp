@@ -4,6 +4,7 @@
 #include "engine/DrawPipeline.h"
 #include "platform/Clock.h"
 #include "platform/GLWindow.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Threads.h"
 
@@ -150,6 +151,7 @@ u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
 
 u32 StartPlaneThreads()
 {
+    ASSERT_MAIN_THREAD();
     if (apParms[0] || (nCallsToSkip && nCallsToSkip--))
         return 0;
     ReapAbandonedThreads();
@@ -173,6 +175,7 @@ bool PlaneThreadsRun()
 
 u32 DrawPlanesOnThreads(PresetState *lppsi, u32 nWaitMs)
 {
+    ASSERT_MAIN_THREAD();
     dwFrameGeneration++;
     for (auto &pParms : apParms) {
         pParms->lppsi = lppsi;
@@ -185,6 +188,7 @@ u32 DrawPlanesOnThreads(PresetState *lppsi, u32 nWaitMs)
 
 void StopPlaneThreads()
 {
+    ASSERT_MAIN_THREAD();
     for (auto &pParms : apParms)
         if (pParms)
             pParms->bStop = 1;
@@ -204,6 +208,7 @@ void StopPlaneThreads()
 
 void SettlePlaneThreads()
 {
+    ASSERT_MAIN_THREAD();
     if (apParms[0] && !WaitForPlanes(PLANES_MAX, STOP_WAIT_MS))
         StopPlaneThreads();
 }
@@ -215,6 +220,7 @@ bool PlaneIsBusy(PlaneState *pps)
 
 bool AnyThreadIsStuck()
 {
+    ASSERT_MAIN_THREAD();
     ReapAbandonedThreads();
     return !apAbandoned.empty();
 }

@@ -4,6 +4,7 @@
 #include "library/PresetTable.h"
 #include "modules/ModuleRegistry.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -105,6 +106,7 @@ bool AnyPresetChanged()
 
 u32 ApplySearch(std::u16string_view text, u32 bModuleNames)
 {
+    ASSERT_MAIN_THREAD();
     const Pattern pattern = MakePattern(text);
     const PresetTableLock lock;
     const u64 qwModules = bModuleNames ? MatchingModules(pattern) : 0;

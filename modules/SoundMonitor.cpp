@@ -3,6 +3,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
@@ -83,6 +84,7 @@ u32 DescribeFrom(SharedLibrary *pLibrary, void *hMonitor, std::string *psText)
 
 void BindSoundMonitor(SoundMonitorBinding *pBinding)
 {
+    ASSERT_MAIN_THREAD();
     if (pBinding->dwMonitorMark == SOUND_MONITOR_MARK)
         return;
     *pBinding = {};
@@ -106,6 +108,7 @@ void BindSoundMonitor(SoundMonitorBinding *pBinding)
 
 void UnbindSoundMonitor(SoundMonitorBinding *pBinding)
 {
+    ASSERT_MAIN_THREAD();
     if (pBinding->dwMonitorMark != SOUND_MONITOR_MARK)
         return;
     pBinding->pfnStop(pBinding->hMonitor);
@@ -117,6 +120,7 @@ void UnbindSoundMonitor(SoundMonitorBinding *pBinding)
 
 u32 SoundIsQuiet()
 {
+    ASSERT_MAIN_THREAD();
     const SoundMonitorBinding &monitor = GlobalSettings.Monitor;
     f32 fLevel = 0;
     if (!monitor.pfnGetLevel || !monitor.pfnGetLevel(monitor.hMonitor, VOLUMETYPE_DYNAMIC, &fLevel))
@@ -132,6 +136,7 @@ u32 SoundIsQuiet()
 
 void SetMonitorTimeScale(u32 nScale)
 {
+    ASSERT_MAIN_THREAD();
     const SoundMonitorBinding &monitor = GlobalSettings.Monitor;
     if (monitor.pfnSetSimScale && nScale >= 1 && nScale <= MONITOR_TIME_SCALE_MAX)
         monitor.pfnSetSimScale(monitor.hMonitor, nScale);
@@ -139,6 +144,7 @@ void SetMonitorTimeScale(u32 nScale)
 
 u32 DescribeSoundSource(std::string *psText)
 {
+    ASSERT_MAIN_THREAD();
     const SoundMonitorBinding &monitor = GlobalSettings.Monitor;
     if (monitor.hMonitorLib)
         return DescribeFrom(monitor.hMonitorLib, monitor.hMonitor, psText);

@@ -10,6 +10,7 @@
 #include "output/pictures/PictureQueue.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
@@ -271,6 +272,7 @@ SavePictureFn pfnRecorderSave = nullptr;
 
 void ToggleFrameRecorder(u32 dwDelayMs, u32 dwSeconds)
 {
+    ASSERT_MAIN_THREAD();
     if (GlobalSettings.bRecording)
         Stop();
     else
@@ -279,6 +281,7 @@ void ToggleFrameRecorder(u32 dwDelayMs, u32 dwSeconds)
 
 void FinishFrameRecorder()
 {
+    ASSERT_MAIN_THREAD();
     if (GlobalSettings.bRecording)
         Stop();
     if (pEnding)
@@ -288,6 +291,7 @@ void FinishFrameRecorder()
 
 void PaceRecorder()
 {
+    ASSERT_MAIN_THREAD();
     ServeEnding();
     if (pCaptures && AllIsWritten(pCaptures))
         CloseCaptures();
@@ -300,12 +304,14 @@ void PaceRecorder()
 
 void AdjustRest()
 {
+    ASSERT_MAIN_THREAD();
     if (GlobalSettings.bRecording && nRestStart)
         HoldFrames(RestEnd());
 }
 
 u32 RecordStep(const HostBitmap *hbm, void *)
 {
+    ASSERT_MAIN_THREAD();
     if (bCaptureRequested) {
         bCaptureRequested = 0;
         Capture(hbm);

@@ -2,6 +2,7 @@
 #include "output/FrameStats.h"
 
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 
 #include <algorithm>
@@ -19,6 +20,7 @@ constexpr u64 RECENT_WINDOW_MAX_MS = 5000;
 
 void CountShownFrame()
 {
+    ASSERT_MAIN_THREAD();
     qwFramesTotal++;
     qwFramesRecent++;
     GlobalSettings.dwFramesShown++;

@@ -3,6 +3,7 @@
 
 #include "output/FrameStats.h"
 #include "platform/Listeners.h"
+#include "platform/MainThread.h"
 
 namespace {
 
@@ -12,16 +13,19 @@ Listeners<u32(const HostBitmap *)> Presenters;
 
 void AddPresenter(PresenterFn pfn, void *pvContext)
 {
+    ASSERT_MAIN_THREAD();
     Presenters.Add(pfn, pvContext);
 }
 
 void RemovePresenter(PresenterFn pfn, void *pvContext)
 {
+    ASSERT_MAIN_THREAD();
     Presenters.Remove(pfn, pvContext);
 }
 
 void PresentFrame(const HostBitmap *hbm)
 {
+    ASSERT_MAIN_THREAD();
     if (hbm && Presenters.Tell(hbm))
         CountShownFrame();
 }

@@ -1,6 +1,8 @@
 // Notices.cpp -- what the program has to tell its user in plain words
 #include "platform/Notices.h"
 
+#include "platform/MainThread.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -48,6 +50,7 @@ Listeners<void()> NoticeListeners;
 
 void AddNotice(std::string_view text)
 {
+    ASSERT_MAIN_THREAD();
     Notice *pNotice = TakeToEnd(text);
     pNotice->nTimes++;
     pNotice->bShown = true;
@@ -57,6 +60,7 @@ void AddNotice(std::string_view text)
 
 void DismissNotices()
 {
+    ASSERT_MAIN_THREAD();
     if (sShown.empty())
         return;
     for (Notice &notice : asNotice)

@@ -1,6 +1,7 @@
 // DarkStyle_qt.cpp -- the dark look of all standard controls, in the user's colours
 #include "toolkit/DarkStyle_qt.h"
 
+#include "platform/MainThread.h"
 #include "toolkit/ControlColors_qt.h"
 #include "toolkit/DarkPaint_qt.h"
 #include "toolkit/DarkPieces_qt.h"
@@ -267,6 +268,7 @@ QIcon DarkStyle::standardIcon(StandardPixmap eIcon, const QStyleOption *pOption,
 
 void InstallDarkLook(QApplication *pApp)
 {
+    ASSERT_MAIN_THREAD();
     if (!UIColorTable[0].pszName)
         SetDefaultUIColors();
     RefreshLook();

@@ -2,6 +2,7 @@
 #include "toolkit/ErrorBoxes_qt.h"
 
 #include "modules/SoundMonitor.h"
+#include "platform/MainThread.h"
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QList>
@@ -44,11 +45,13 @@ void TakeError(const char16_t *pszTitle, const char16_t *pszText, void *)
 
 void KeepErrors()
 {
+    ASSERT_MAIN_THREAD();
     ErrorListeners.Add(TakeError);
 }
 
 void ShowErrorsOver(QWidget *pWindow)
 {
+    ASSERT_MAIN_THREAD();
     pErrorWindow = pWindow;
     for (const ErrorText &error : std::as_const(KeptErrors))
         ShowErrorBox(error);

@@ -1,6 +1,8 @@
 // UIColors.cpp -- the table of the user's colours
 #include "toolkit/UIColors.h"
 
+#include "platform/MainThread.h"
+
 namespace {
 
 constexpr u32 COLOR_BITS = 0x00FFFFFF;
@@ -44,6 +46,7 @@ void SetDefaultUIColors()
 
 u32 SetUIColor(u32 iRow, u32 dwColor)
 {
+    ASSERT_MAIN_THREAD();
     if (iRow >= UICOLORS)
         return 0;
     const u32 dwOld = UIColorTable[iRow].dwColor;

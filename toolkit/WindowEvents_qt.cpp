@@ -1,6 +1,8 @@
 // WindowEvents_qt.cpp -- the one place that knows how the toolkit's events become the program's
 #include "toolkit/WindowEvents_qt.h"
 
+#include "platform/MainThread.h"
+
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QWheelEvent>
@@ -68,6 +70,7 @@ Listeners<void(QObject *pDialog)> KeepFramesListeners;
 
 void KeepFramesUnder(QObject *pDialog)
 {
+    ASSERT_MAIN_THREAD();
     KeepFramesListeners.Tell(pDialog);
 }
 

@@ -3,6 +3,7 @@
 
 #include "controls/ControlManager.h"
 #include "platform/Bitmap.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <cstring>
@@ -59,6 +60,7 @@ const MixOperatorInfo *GetMixOperatorInfo(i32 nMixOp)
 
 MixRule *AddMixRule(PresetState *lppsi)
 {
+    ASSERT_MAIN_THREAD();
     if (!lppsi || !lppsi->hbmFinal || !RuleFits(lppsi))
         return nullptr;
     HostBitmap *hbm = CreateBitmap(lppsi->hbmFinal->nWidth, lppsi->hbmFinal->nHeight);
@@ -74,6 +76,7 @@ MixRule *AddMixRule(PresetState *lppsi)
 
 u32 RemoveMixRule(PresetState *lppsi, u32 iRule)
 {
+    ASSERT_MAIN_THREAD();
     if (!lppsi || iRule >= lppsi->nMixRules)
         return 0;
     DeleteBitmap(lppsi->asMixRule[iRule].hbmRule);
@@ -86,6 +89,7 @@ u32 RemoveMixRule(PresetState *lppsi, u32 iRule)
 
 void RemoveAllMixRules(PresetState *lppsi)
 {
+    ASSERT_MAIN_THREAD();
     if (!lppsi)
         return;
     for (MixRule &rule : lppsi->asMixRule) {
