@@ -25,6 +25,7 @@
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/GLWindow.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
@@ -260,6 +261,17 @@ constexpr Step asShutDownHeadless[] = {
 };
 // clang-format on
 
+// The step that fails is named on standard error.
+bool RunStartSteps(std::span<const Step> steps, const StartOptions &options)
+{
+    pOptions = &options;
+    const char *pszFailed = RunSteps(steps);
+    pOptions = nullptr;
+    if (pszFailed)
+        std::fprintf(stderr, "%s: the start failed at this step: %s\n", program_invocation_short_name, pszFailed);
+    return !pszFailed;
+}
+
 } // namespace
 
 void ReportPassedOver(const PresetReport &report)
@@ -272,10 +284,8 @@ void ReportPassedOver(const PresetReport &report)
 
 int StartCore(const StartOptions &options)
 {
-    pOptions = &options;
-    const char *pszFailed = RunSteps(asStartCore);
-    pOptions = nullptr;
-    return pszFailed ? EXIT_MAPPING : 0;
+    ASSERT_MAIN_THREAD();
+    return RunStartSteps(asStartCore, options) ? 0 : EXIT_MAPPING;
 }
 
 void StartPreset(std::u16string_view path)
@@ -293,6 +303,7 @@ void StartPreset(std::u16string_view path)
 
 void RunPendingSteps()
 {
+    ASSERT_MAIN_THREAD();
     if (bAcceleratorsPending)
         SetupMixAccelerator();
     if (bOpenGLTestPending)
@@ -309,6 +320,7 @@ void SaveSettings()
 
 void ShutDown()
 {
+    ASSERT_MAIN_THREAD();
     RunSteps(asShutDown);
 }
 
@@ -320,15 +332,18 @@ std::string DescribeSound(const StartOptions &options)
     return s;
 }
 
-void StartHeadless(const StartOptions &options)
+int StartHeadless(const StartOptions &options)
 {
-    pOptions = &options;
-    RunSteps(asStartHeadless);
-    pOptions = nullptr;
+    ASSERT_MAIN_THREAD();
+    if (RunStartSteps(asStartHeadless, options))
+        return 0;
+    ShutDownHeadless();
+    return EXIT_HEADLESS;
 }
 
 void ShutDownHeadless()
 {
+    ASSERT_MAIN_THREAD();
     RunSteps(asShutDownHeadless);
 }
 

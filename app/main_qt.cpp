@@ -8,6 +8,7 @@
 #include "output/FrameRecorder.h"
 #include "output/Presenters.h"
 #include "output/VisualsWindow_qt.h"
+#include "platform/MainThread.h"
 #include "platform/Signals.h"
 #include "toolkit/ErrorBoxes_qt.h"
 
@@ -50,7 +51,7 @@ void RunShow(const StartOptions &options)
     VisualsWindow window(RequestExit);
     window.show();
     window.PublishWindow();
-    SetBeforeFrame(PublishWindow, &window);
+    BeforeFrameListeners.Add(PublishWindow, &window);
     if (std::getenv("VD_END_AT_FIRST_FRAME"))
         AddPresenter(EndAtFirstFrame, nullptr);
     AddPresenter(FinishStart, nullptr);
@@ -59,7 +60,7 @@ void RunShow(const StartOptions &options)
     RunMainLoop();
     FinishFrameRecorder();
     SaveSettings();
-    SetBeforeFrame(nullptr, nullptr);
+    BeforeFrameListeners.Remove(PublishWindow, &window);
 }
 
 int RunDesktop(const StartOptions &options)
@@ -82,6 +83,7 @@ int RunDesktop(const StartOptions &options)
 
 int main(int argc, char **argv)
 {
+    ClaimMainThread();
     DesktopOptions options;
     std::string sError;
     if (!ReadDesktopOptions(argc, argv, &options, &sError)) {

@@ -4,6 +4,7 @@
 #include "controls/ControlTypes.h"
 #include "controls/HostControl.h"
 #include "platform/Assert.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -222,6 +223,7 @@ void SetControlDefaults(ControlRecord *pctl)
 
 void BeginControls(ModuleSlot *pms)
 {
+    ASSERT_MAIN_THREAD();
     Build = {pms, 0};
     pms->nControls = nControlsShown = 0;
 }
@@ -240,6 +242,7 @@ ControlRecord *AllocControl(i32 *)
 
 void EndControls(ModuleSlot *pms)
 {
+    ASSERT_MAIN_THREAD();
     VD_ASSERT(Build.pms == pms);
     pms->nControls = Build.nControls;
     Build = {};

@@ -4,6 +4,7 @@
 #include "controls/ControlTypes.h"
 #include "controls/FileList.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Random.h"
 #include "state/GlobalSettings.h"
 
@@ -279,6 +280,7 @@ f32 SmoothedSoundLevel(const ControlRecord *pctl)
 
 void ShiftSoundHistory(u64 qwTick)
 {
+    ASSERT_MAIN_THREAD();
     if (qwTick - qwSoundHistoryTick <= HISTORY_STEP_MS)
         return;
     for (u32 i = SOUND_HISTORY - 1; i > 0; i--)

@@ -6,6 +6,7 @@
 #include "library/PresetScan.h"
 #include "library/PresetTable.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -73,6 +74,7 @@ void WriteFave(XmlContext *pxc, u32 iFave, const Fave &fave)
 
 u32 ServeFavorPresses(u32 *pbPending)
 {
+    ASSERT_MAIN_THREAD();
     if (!*pbPending)
         return 0;
     *pbPending = 0;

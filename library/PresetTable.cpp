@@ -3,6 +3,7 @@
 
 #include "platform/Assert.h"
 #include "platform/Files.h"
+#include "platform/Listeners.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -35,9 +36,7 @@ struct PresetTableRecord {
     u32 nLive;
     std::vector<SlotChunk *> apChunk;
     std::vector<i32> aiBucket; // first slot of each bucket; a power of two of them
-    void *hNotifyWnd;
-    u32 uNotifyMsg;
-    PostPresetNoticeFn pfnPost;
+    Listeners<void()> PostNotice;
     std::atomic<u64> qwScanState; // bScanDone, and above it the bits of fScanProgress
 };
 
@@ -312,19 +311,22 @@ f32 PresetScanProgress()
     return std::bit_cast<f32>(static_cast<u32>(PresetTable.qwScanState >> 32));
 }
 
-void SetPresetNotice(void *hNotifyWnd, u32 uNotifyMsg, PostPresetNoticeFn pfnPost)
+void AddPresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd)
 {
     const PresetTableLock lock;
-    PresetTable.hNotifyWnd = hNotifyWnd;
-    PresetTable.uNotifyMsg = uNotifyMsg;
-    PresetTable.pfnPost = pfnPost;
+    PresetTable.PostNotice.Add(pfnPost, hNotifyWnd);
+}
+
+void RemovePresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd)
+{
+    const PresetTableLock lock;
+    PresetTable.PostNotice.Remove(pfnPost, hNotifyWnd);
 }
 
 void NotifyPresetChange()
 {
     const PresetTableLock lock;
-    if (PresetTable.hNotifyWnd && PresetTable.uNotifyMsg && PresetTable.pfnPost)
-        PresetTable.pfnPost(PresetTable.hNotifyWnd, PresetTable.uNotifyMsg);
+    PresetTable.PostNotice.Tell();
 }
 
 void FreePresetTable()
@@ -338,6 +340,6 @@ void FreePresetTable()
     PresetTable.aiBucket = {};
     PresetTable.nSlots = PresetTable.iFirstFree = 0;
     PresetTable.nLive = 0;
-    SetPresetNotice(nullptr, 0, nullptr);
+    PresetTable.PostNotice = {};
     StorePresetScanState(0, 0);
 }

@@ -68,11 +68,13 @@ void StorePresetScanState(u32 bScanDone, f32 fScanProgress);
 u32 PresetScanDone();
 f32 PresetScanProgress();
 
-// Where notices of changes go. pfnPost is called on any thread with the table locked; it must only post, and do nothing
-// for a window that is gone. Null: nowhere. [main-thread]
-using PostPresetNoticeFn = void (*)(void *hNotifyWnd, u32 uNotifyMsg);
-void SetPresetNotice(void *hNotifyWnd, u32 uNotifyMsg, PostPresetNoticeFn pfnPost);
+// Where notices of changes go. This list of listeners belongs to the table's lock, not to a thread: all three functions
+// take it, and pfnPost is called on any thread under it. It must only post, wait for nobody, and ask the table for
+// nothing. When RemovePresetNotice returns, it is called no more: a window removes itself before it goes. [any-thread]
+using PostPresetNoticeFn = void (*)(void *hNotifyWnd);
+void AddPresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd);
+void RemovePresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd);
 void NotifyPresetChange();
 
-// Frees everything. After the last thread that uses the table has ended.
+// Frees everything, the list of listeners too. After the last thread that uses the table has ended.
 void FreePresetTable();

@@ -6,6 +6,7 @@
 #include "output/VisualsWindow_qt.h"
 #include "state/Folders.h"
 #include "tests/WindowFixture.h"
+#include "toolkit/WindowEvents_qt.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +55,7 @@ class Desktop : public WindowTest {
 template <typename Fn> void RunModalBox(Fn act)
 {
     QMessageBox box;
-    KeepFramesDuring(&box);
+    KeepFramesUnder(&box);
     const u32 nBefore = nFrames;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {

@@ -22,6 +22,11 @@ namespace fs = std::filesystem;
 
 std::vector<std::string> asStatus;
 
+void KeepStatus(const char16_t *psz, void *)
+{
+    asStatus.push_back(ToUtf8(psz));
+}
+
 class FrameRecorder : public EngineTest {
   protected:
     void SetUp() override
@@ -34,14 +39,14 @@ class FrameRecorder : public EngineTest {
         GlobalSettings.AutoAdjustBuffer = 1;
         StoreRecordingChoice({RECORD_METHOD_FRAMES, 160, 128, 0, Folder("100% of it//\\"), u"f-%03d.ppm"});
         asStatus.clear();
-        pfnRecorderStatus = [](const char16_t *psz) { asStatus.push_back(ToUtf8(psz)); };
+        RecorderStatusListeners.Add(KeepStatus);
         MakePreset(1);
         Add(MODULEINDEX_DRAWPAINTER);
     }
     void TearDown() override
     {
         FinishFrameRecorder();
-        pfnRecorderStatus = nullptr;
+        RecorderStatusListeners.Remove(KeepStatus);
         EngineTest::TearDown();
     }
     std::u16string Folder(const char *pszName) const

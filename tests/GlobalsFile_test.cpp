@@ -17,6 +17,7 @@
 #include <cstring>
 #include <filesystem>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -32,7 +33,6 @@ class Globals : public ::testing::Test {
         InitFolders({.program = {}, .data = folder.Wide(), .modules = {}});
         RecorderCombos = {};
         CurrentCombo = {};
-        pfnUIColorChanged = nullptr;
         SetDefaultSettings();
     }
     u32 Read(const std::string &sBody)
@@ -245,12 +245,14 @@ TEST_F(Globals, TheKeysInUseAreTheStoredOnesOrThoseOfTheFirstCombination)
 
 TEST_F(Globals, ColoursAreFoundUnderTheirUnderscoresAlone)
 {
-    static u32 dwBackground;
-    dwBackground = 0;
-    pfnUIColorChanged = [](u32 iRow) {
+    static u32 dwBackground, nTold;
+    dwBackground = nTold = 0;
+    constexpr auto pfnTake = [](u32 iRow, void *) {
+        nTold++;
         if (iRow == UICOLOR_WINDOW_BACKGROUND)
             dwBackground = UIColorTable[iRow].dwColor;
     };
+    UIColorListeners.Add(pfnTake);
     Read("\t<UIColors>\n<Meter High>1</Meter High><Meter_Low>2</Meter_Low><window_background>-1</window_background>"
          "<Timer>x</Timer></UIColors>\n");
     EXPECT_EQ(UIColorTable[UICOLOR_METER_HIGH].dwColor, 0x5050FAu);
@@ -260,9 +262,11 @@ TEST_F(Globals, ColoursAreFoundUnderTheirUnderscoresAlone)
     EXPECT_EQ(SetUIColor(UICOLORS, 5), 0u);
     EXPECT_EQ(SetUIColor(UICOLOR_METER_LOW, 0xFF000003), 2u);
     EXPECT_EQ(UIColorTable[UICOLOR_METER_LOW].dwColor, 3u);
-    pfnUIColorChanged = [](u32) { FAIL() << "nothing has changed"; };
+    const u32 nChanges = std::exchange(nTold, 0u);
     SetUIColor(UICOLOR_METER_LOW, 3);
-    pfnUIColorChanged = nullptr;
+    UIColorListeners.Remove(pfnTake);
+    EXPECT_EQ(nChanges, 4u);
+    EXPECT_EQ(nTold, 0u) << "nothing has changed";
 }
 
 TEST_F(Globals, TheWindowLayoutSurvivesAProgramWithoutWindows)

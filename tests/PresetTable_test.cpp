@@ -11,6 +11,7 @@
 #include <atomic>
 #include <chrono>
 #include <map>
+#include <memory>
 #include <random>
 #include <set>
 #include <string>
@@ -129,16 +130,40 @@ TEST_F(PresetTable, AgreesWithAMapOverTwentyThousandEntries)
     }
 }
 
-TEST_F(PresetTable, ChangesAreToldToTheWindowThatAskedForThem)
+TEST_F(PresetTable, ChangesAreToldToAllWindowsThatAskedForThem)
 {
-    static u32 nTold;
-    nTold = 0;
+    constexpr PostPresetNoticeFn pfnPost = [](void *hwnd) { ++*static_cast<u32 *>(hwnd); };
+    u32 nFirst = 0, nSecond = 0;
     NotifyPresetChange();
-    SetPresetNotice(&nTold, 5, [](void *hwnd, u32 uMsg) { nTold += hwnd == &nTold ? uMsg : 0; });
+    AddPresetNotice(pfnPost, &nFirst);
+    AddPresetNotice(pfnPost, &nSecond);
     NotifyPresetChange();
-    SetPresetNotice(&nTold, 0, nullptr);
+    RemovePresetNotice(pfnPost, &nFirst);
     NotifyPresetChange();
-    EXPECT_EQ(5u, nTold);
+    EXPECT_EQ(1u, nFirst);
+    EXPECT_EQ(2u, nSecond);
+}
+
+TEST_F(PresetTable, AWindowThatIsRemovedIsToldNoMoreWhicheverThreadTells)
+{
+    std::atomic<bool> bEnd = false;
+    std::thread scan([&] {
+        while (!bEnd)
+            NotifyPresetChange();
+    });
+    for (i32 i = 0; i < 1000; i++) {
+        auto hwnd = std::make_unique<u32>(0); // gone as soon as it is removed
+        constexpr PostPresetNoticeFn pfnPost = [](void *pv) { ++*static_cast<u32 *>(pv); };
+        AddPresetNotice(pfnPost, hwnd.get());
+        NotifyPresetChange();
+        RemovePresetNotice(pfnPost, hwnd.get());
+        const u32 nTold = *hwnd;
+        NotifyPresetChange();
+        ASSERT_GE(nTold, 1u);
+        ASSERT_EQ(nTold, *hwnd);
+    }
+    bEnd = true;
+    scan.join();
 }
 
 // One thread adds and removes, one renames and favors, one lists and searches.

@@ -22,7 +22,7 @@ namespace {
 std::string sShownTitle, sShownText;
 int nShown;
 
-void RememberError(const char16_t *pszTitle, const char16_t *pszText)
+void RememberError(const char16_t *pszTitle, const char16_t *pszText, void *)
 {
     sShownTitle = ToUtf8(pszTitle);
     sShownText = ToUtf8(pszText);
@@ -36,14 +36,14 @@ class SoundMonitor : public testing::Test {
     {
         InitFolders({{}, {}, folder.Wide()});
         GlobalSettings.Monitor = {};
-        pfnShowError = RememberError;
+        ErrorListeners.Add(RememberError);
         nShown = 0;
     }
 
     void TearDown() override
     {
         UnbindSoundMonitor(&GlobalSettings.Monitor);
-        pfnShowError = nullptr;
+        ErrorListeners.Remove(RememberError);
         UseSystemClock();
     }
 
@@ -143,7 +143,7 @@ TEST_F(SoundMonitor, AMissingLibraryIsShownWithItsPathAndTheProgramGoesOn)
     Bind();
     EXPECT_EQ(nShown, 2);
 
-    pfnShowError = nullptr;
+    ErrorListeners.Remove(RememberError);
     ExpectOneLine(Bind(), LibraryPath().string(), "Critical file not found!");
 }
 

@@ -5,6 +5,7 @@
 #include "library/PresetSearch.h"
 #include "library/PresetTable.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 namespace {
@@ -26,6 +27,7 @@ bool NameMatches(const PresetInfo *lppi, const SearchPattern &pattern)
 
 u32 ApplySearch(std::u16string_view text, u32 bModuleNames)
 {
+    ASSERT_MAIN_THREAD();
     const SearchPattern pattern = MakeSearchPattern(text);
     const PresetTableLock lock;
     const u64 qwModules = bModuleNames ? ModulesOfSearch(pattern) : 0;
