@@ -64,6 +64,15 @@ class PresetEdits : public EngineTest {
         return std::any_of(heard.begin(), heard.end(), [=](const PresetNews &news) { return news.eKind == eKind; });
     }
 
+    PresetNews LastOf(NewsKind eKind) const
+    {
+        PresetNews last = {};
+        for (const PresetNews &news : heard)
+            if (news.eKind == eKind)
+                last = news;
+        return last;
+    }
+
     // Two planes with modules, a post-processing module and two rules.
     void FillPreset()
     {
@@ -455,17 +464,16 @@ TEST_F(PresetEdits, AControlThatCannotBeAnimatedRestartsItsModule)
     EXPECT_EQ(EditResult::Done, Set(WriteNumber(Control(STIFF), EditField::IntegerValue, 9999)));
     EXPECT_EQ(1, pmsPainter->bResetPending);
     EXPECT_EQ(100, Ctl(STIFF).Integer.nValue) << "moved to the nearer limit";
-    ASSERT_FALSE(heard.empty());
-    EXPECT_EQ(NewsKind::Control, heard.back().eKind);
-    EXPECT_EQ(&Ctl(STIFF), heard.back().pctl);
-    EXPECT_EQ(pmsPainter, heard.back().pms);
+    EXPECT_EQ(&Ctl(STIFF), LastOf(NewsKind::Control).pctl);
+    EXPECT_EQ(pmsPainter, LastOf(NewsKind::Control).pms);
     UndoGives(before);
     EXPECT_EQ(EditResult::Done, Set(WriteNumber(Control(TILES), EditField::Tile, 0, 5)));
     EXPECT_EQ(EditResult::Done, Set(WriteNumber(Control(ITEM), EditField::Item, 2)));
     EXPECT_EQ(1, pmsPainter->bResetPending);
     EXPECT_EQ(EditResult::Done, Set(WriteNumber(WeightPlace(1), EditField::IntegerValue, 300)));
     EXPECT_EQ(255, lppsi->asMixRule[1].BlendWeight.Integer.nValue);
-    EXPECT_EQ(nullptr, heard.back().pms);
+    EXPECT_EQ(&lppsi->asMixRule[1].BlendWeight, LastOf(NewsKind::Control).pctl);
+    EXPECT_EQ(nullptr, LastOf(NewsKind::Control).pms);
 }
 
 TEST_F(PresetEdits, UndoingWhatAModuleHasTakenInRestartsItOnceMore)
