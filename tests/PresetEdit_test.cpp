@@ -708,3 +708,33 @@ TEST_F(PresetEdits, NothingIsDoneToAPlaneThatAThreadHangsIn)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     EXPECT_EQ(EditResult::Done, Run(aEdit[7]));
 }
+
+TEST_F(PresetEdits, APlaneThatAThreadHangsInCanBeRemovedAndComesBackAsANewOne)
+{
+    FillPreset();
+    GlobalSettings.ThreadedPlanes = 1;
+    GlobalSettings.dwPlaneWaitMs = 50;
+    RecorderBehaviour rb = {};
+    rb.bHold = 1;
+    Behave(pmsPainter, rb);
+    EXPECT_EQ(0u, Step());
+    PlaneState *ppsStuck = lppsi->psPlane[0];
+    ASSERT_TRUE(PlaneIsBusy(ppsStuck));
+    const PresetSnapshot before(lppsi);
+    EXPECT_EQ(EditResult::Done, Run(EditKind::RemovePlane, PlanePlace(0)));
+    EXPECT_EQ(1, lppsi->nPlanes);
+    UndoGives(before);
+    EXPECT_NE(ppsStuck, lppsi->psPlane[0]);
+    EXPECT_FALSE(PlaneIsBusy(lppsi->psPlane[0]));
+    rb.bHold = 0;
+    Behave(pmsPainter, rb);
+    while (AnyThreadIsStuck())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    RemovePlaneModules(ppsStuck); // what was left alone
+    DeleteBitmap(ppsStuck->Info.hbmDraw);
+    DeleteBitmap(ppsStuck->Info.hbmResolved);
+    DeleteContext(ppsStuck->Info.hdc);
+    std::free(ppsStuck->Info.lpColorTable);
+    std::free(ppsStuck->Info.pPaletteInfo);
+    std::free(ppsStuck);
+}
