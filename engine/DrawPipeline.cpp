@@ -34,9 +34,10 @@ u32 ServePendingReset(PlaneInfo *ppi, ModuleSlot *pms, u32 dwSteps)
     return dwSteps | MODSTEP_INIT;
 }
 
-void InitializeSlot(PlaneInfo *ppi, ModuleSlot *pms)
+void InitializeSlot(PlaneInfo *ppi, ModuleSlot *pms, u32 dwSteps)
 {
-    EvaluateControls(pms, true);
+    if (!(dwSteps & MODSTEP_KEEPVALUES))
+        EvaluateControls(pms, true);
     if (ppi->hdc)
         ppi->hdc->qwSeed = RandomWord64();
     CallInitialize(pms, ppi);
@@ -121,7 +122,7 @@ void RunModuleSlot(PlaneInfo *ppi, ModuleSlot *pms, u32 dwSteps)
         CallPreInitialize(pms, ppi);
     dwSteps = ServePendingReset(ppi, pms, dwSteps);
     if (dwSteps & MODSTEP_INIT)
-        InitializeSlot(ppi, pms);
+        InitializeSlot(ppi, pms, dwSteps);
     if (dwSteps & MODSTEPS_FRAME)
         DrawSlot(ppi, pms, dwSteps);
     if (dwSteps & MODSTEP_CLEANUP)

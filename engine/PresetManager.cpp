@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -290,6 +291,18 @@ u32 RemovePlane(PresetState *lppsi, PlaneState *pps)
     lppsi->psPlane[--lppsi->nPlanes] = nullptr;
     TellPlanes(lppsi);
     RemoveAllMixRules(lppsi);
+    return 1;
+}
+
+u32 SwapPlanes(PresetState *lppsi, i32 iPlaneA, i32 iPlaneB)
+{
+    if (std::min(iPlaneA, iPlaneB) < 0 || std::max(iPlaneA, iPlaneB) >= lppsi->nPlanes)
+        return 0;
+    SettlePlaneThreads();
+    if (PlaneIsBusy(lppsi->psPlane[iPlaneA]) || PlaneIsBusy(lppsi->psPlane[iPlaneB]))
+        return 0;
+    ForgetPicture(lppsi);
+    std::swap(lppsi->psPlane[iPlaneA], lppsi->psPlane[iPlaneB]);
     return 1;
 }
 

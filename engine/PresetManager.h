@@ -22,6 +22,10 @@ PlaneState *AddPlane(PresetState *lppsi, u32 bIndexed, u32 bDefaultModules);
 // something was removed. [main-thread]
 u32 RemovePlane(PresetState *lppsi, PlaneState *pps);
 
+// Exchanges two planes; the rules keep their numbers. 0, with nothing changed: no such planes, or a thread hangs in one
+// of them. [main-thread]
+u32 SwapPlanes(PresetState *lppsi, i32 iPlaneA, i32 iPlaneB);
+
 // Works the buffer size out anew and, if it changed, gives every bitmap and hidden window the new size. Modules are
 // cleaned up before and brought up anew after; planes start from zero. A plane that a late thread is inside of puts
 // the resize off: bResizePending is set again. Non-zero if given a preset. [main-thread]

@@ -40,6 +40,25 @@ TEST_F(PresetManager, RemovingAPlaneMovesTheLaterOnesDownAndDropsTheMixerRules)
     EXPECT_EQ(0u, RemovePlane(lppsi, ppsSecond)) << "it is gone already";
 }
 
+TEST_F(PresetManager, ExchangedPlanesAreDrawnInTheirNewOrder)
+{
+    MakePreset(3);
+    PlaneState *const apps[] = {lppsi->psPlane[0], lppsi->psPlane[1], lppsi->psPlane[2]};
+    AddMixRule(lppsi);
+    Step();
+    EXPECT_NE(0u, SwapPlanes(lppsi, 0, 2));
+    EXPECT_EQ(nullptr, lppsi->phbmOutput);
+    for (i32 i = 0; i < 3; i++)
+        EXPECT_EQ(apps[2 - i], lppsi->psPlane[i]);
+    EXPECT_EQ(1u, lppsi->nMixRules);
+    for (const auto &[iA, iB] : {std::pair{-1, 0}, std::pair{0, 3}, std::pair{4, 1}})
+        EXPECT_EQ(0u, SwapPlanes(lppsi, iA, iB));
+    EXPECT_EQ(apps[1], lppsi->psPlane[1]);
+    RemoveAllMixRules(lppsi);
+    Step();
+    EXPECT_EQ(&apps[2]->Info.hbmResolved, lppsi->phbmOutput);
+}
+
 TEST_F(PresetManager, PostProcessingNeverSeesThePictureOfAPlaneThatIsGone)
 {
     MakePreset(2);
