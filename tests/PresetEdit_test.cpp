@@ -12,12 +12,6 @@
 #include <random>
 #include <thread>
 
-// Until the document is there.
-__attribute__((weak)) void MarkPresetChanged()
-{
-    bPresetChanged = 1;
-}
-
 namespace {
 
 const u32 adwType[] = {CONTROLTYPE_GROUP,   CONTROLTYPE_INTEGER,    CONTROLTYPE_ITEMSELECT, CONTROLTYPE_FLOAT,
