@@ -2,6 +2,7 @@
 #include "app/FrameOutput.h"
 
 #include "output/pictures/PixelRows.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -70,6 +71,7 @@ void NoteWritten(const PictureResult &result, void *pv)
 
 PictureQueue *StartFrameOutput(const RenderOptions &ro, RenderStats *prs)
 {
+    ASSERT_MAIN_THREAD();
     PictureQueueOptions options = {};
     options.pfnDone = NoteWritten;
     options.pvContext = prs;

@@ -3,6 +3,7 @@
 
 #include "engine/FrameStep.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 
 #include <sys/timerfd.h>
 #include <unistd.h>
@@ -16,6 +17,7 @@ i64 nArmedFor = 0;
 
 int OpenPacer()
 {
+    ASSERT_MAIN_THREAD();
     if (fdTimer < 0)
         fdTimer = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
     nArmedFor = 0;
@@ -24,6 +26,7 @@ int OpenPacer()
 
 void ClosePacer()
 {
+    ASSERT_MAIN_THREAD();
     if (fdTimer >= 0)
         close(fdTimer);
     fdTimer = -1;
@@ -31,6 +34,7 @@ void ClosePacer()
 
 u32 ArmPacer()
 {
+    ASSERT_MAIN_THREAD();
     // The performance counter counts nanoseconds of the clock that the timer runs on.
     const i64 nWake = NextFrameCount() - PACER_POLL_NS;
     if (fdTimer < 0 || PerfCounter() >= nWake)
@@ -48,6 +52,7 @@ u32 ArmPacer()
 
 void DrainPacer()
 {
+    ASSERT_MAIN_THREAD();
     u64 qwExpirations;
     const ssize_t cb = read(fdTimer, &qwExpirations, sizeof qwExpirations);
     (void)cb; // nothing to read is fine

@@ -4,6 +4,7 @@
 #include "app/SettingsTable.h"
 #include "engine/XmlText.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
@@ -40,6 +41,7 @@ void SetAside(const std::u16string &path, std::string sWhy)
 
 u32 ReadGlobals(GlobalSettingsRecord *pgs)
 {
+    ASSERT_MAIN_THREAD();
     const std::u16string path = FolderPath(PATH_GLOBALS);
     std::string sWhy;
     XmlContext *pxc = XmlOpenFile(path, &sWhy);
@@ -53,12 +55,14 @@ u32 ReadGlobals(GlobalSettingsRecord *pgs)
 
 u32 ReadGlobalsText(GlobalSettingsRecord *pgs, std::string_view bytes)
 {
+    ASSERT_MAIN_THREAD();
     XmlContext *pxc = XmlOpenBytes(bytes);
     return pxc && ReadDocument(pxc, pgs);
 }
 
 u32 WriteGlobals(const GlobalSettingsRecord *pgs, std::string *psWhy)
 {
+    ASSERT_MAIN_THREAD();
     XmlContext *pxc = XmlCreate();
     if (!pxc)
         return 0;

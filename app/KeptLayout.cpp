@@ -1,6 +1,7 @@
 // KeptLayout.cpp -- carries the window layout from one settings file to the next in programs without windows
 #include "app/KeptLayout.h"
 
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <vector>
@@ -29,6 +30,7 @@ struct {
 
 u32 KeepLayout(XmlContext *pxc)
 {
+    ASSERT_MAIN_THREAD();
     Kept = {};
     Kept.bPresent = XmlReadString(pxc, u"DTRect", Kept.szDesktop);
     for (u32 i = 1; i <= WINDOWS_MAX && XmlEnterTag(pxc, NumberedTag(u"Window", i)); i++) {
@@ -46,6 +48,7 @@ u32 KeepLayout(XmlContext *pxc)
 
 u32 WriteKeptLayout(XmlContext *pxc)
 {
+    ASSERT_MAIN_THREAD();
     if (!Kept.bPresent)
         return 1;
     XmlWriteString(pxc, u"DTRect", Kept.szDesktop);

@@ -3,10 +3,10 @@
 
 #include "app/Startup.h"
 #include "engine/FrameStep.h"
-#include "engine/PresetDocument.h"
 #include "engine/PresetManager.h"
 #include "output/FrameRecorder.h"
 #include "output/Presenters.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 
 #include <algorithm>
@@ -17,8 +17,6 @@ namespace {
 FrameTimerHooks Hooks;
 std::vector<void *> ahwndHolder; // open dialogs, menus and drags; the first owns the frame timer
 u32 bFrameTimerRunning = 0;
-void (*pfnBeforeFrame)(void *pvContext) = nullptr;
-void *pvBeforeFrame = nullptr;
 
 void StartFrameTimer(void *hwnd)
 {
@@ -70,23 +68,18 @@ void ReleaseLoop(void *hwnd, bool bGone)
 
 } // namespace
 
+Listeners<void()> BeforeFrameListeners;
+
 u32 RunAndPresentFrame()
 {
-    if (pfnBeforeFrame)
-        pfnBeforeFrame(pvBeforeFrame);
-    ServePresetMark();
+    ASSERT_MAIN_THREAD();
+    BeforeFrameListeners.Tell();
     PaceRecorder();
     PresetState *lppsi = CurrentPreset();
     if (!RunFrameStep(lppsi))
         return 0;
     PresentFrame(lppsi->phbmOutput ? *lppsi->phbmOutput : nullptr);
     return 1;
-}
-
-void SetBeforeFrame(void (*pfn)(void *pvContext), void *pvContext)
-{
-    pfnBeforeFrame = pfn;
-    pvBeforeFrame = pvContext;
 }
 
 void SetFrameTimerHooks(const FrameTimerHooks &hooks)
@@ -96,6 +89,7 @@ void SetFrameTimerHooks(const FrameTimerHooks &hooks)
 
 u32 RunDialogFrames(void *hwnd, DialogMessage eMessage, u32 dwTimerId)
 {
+    ASSERT_MAIN_THREAD();
     switch (eMessage) {
     case DialogMessage::Init:
         HoldLoop(hwnd);

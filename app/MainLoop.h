@@ -2,14 +2,15 @@
 #pragma once
 
 #include "platform/BaseTypes.h"
+#include "platform/Listeners.h"
 
 // Runs the frame step on the current preset and presents the picture if there is a new one. Non-zero if there was.
 // [main-thread]
 u32 RunAndPresentFrame();
 
-// Called at the start of every turn, so that a window can bring the modules' view of it up to date: during the frame
-// that view stays as it is. Null for pfn: nothing is called. [main-thread]
-void SetBeforeFrame(void (*pfn)(void *pvContext), void *pvContext);
+// Told at the start of every turn, so that a window can bring the modules' view of it up to date: during the frame that
+// view stays as it is. [main-thread]
+extern Listeners<void()> BeforeFrameListeners;
 
 // What a dialog or the main window reports to RunDialogFrames.
 enum class DialogMessage { Init, Destroy, Timer, EnterMenuLoop, EnterSizeMove, ExitMenuLoop, ExitSizeMove, Other };

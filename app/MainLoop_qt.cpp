@@ -3,6 +3,7 @@
 
 #include "app/FramePacer.h"
 #include "app/MainLoop.h"
+#include "platform/MainThread.h"
 #include "platform/Signals.h"
 #include "toolkit/WindowEvents_qt.h"
 
@@ -43,6 +44,13 @@ void StartFrameTimer(void *hwnd, u32 dwTimerId, u32 nPeriodMs)
     FrameTimers().insert(hwnd, pTimer);
 }
 
+void HoldLoopFor(QObject *pDialog, void *)
+{
+    RunDialogFrames(pDialog, DialogMessage::Init, 0);
+    QObject::connect(pDialog, &QObject::destroyed,
+                     [](QObject *pGone) { RunDialogFrames(pGone, DialogMessage::Destroy, 0); });
+}
+
 void ServeEvents()
 {
     QCoreApplication::processEvents();
@@ -53,6 +61,7 @@ void ServeEvents()
 
 void RunMainLoop()
 {
+    ASSERT_MAIN_THREAD();
     QSocketNotifier pacerNotifier(OpenPacer(), QSocketNotifier::Read);
     QObject::connect(&pacerNotifier, &QSocketNotifier::activated, DrainPacer);
     const int fdSignals = OpenTerminationSignals();
@@ -72,19 +81,15 @@ void RunMainLoop()
 
 void RequestExit()
 {
+    ASSERT_MAIN_THREAD();
     bExitRequested = true;
     QCoreApplication::exit(); // ends the loops inside; the main loop is none of the toolkit's
 }
 
 void InstallFrameTimers()
 {
+    ASSERT_MAIN_THREAD();
     SetFrameTimerHooks({StartFrameTimer, KillFrameTimer});
-    pfnKeepFrames = KeepFramesDuring;
-}
-
-void KeepFramesDuring(QObject *pDialog)
-{
-    RunDialogFrames(pDialog, DialogMessage::Init, 0);
-    QObject::connect(pDialog, &QObject::destroyed,
-                     [](QObject *pGone) { RunDialogFrames(pGone, DialogMessage::Destroy, 0); });
+    KeepFramesListeners.Remove(HoldLoopFor);
+    KeepFramesListeners.Add(HoldLoopFor);
 }

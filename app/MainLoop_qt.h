@@ -1,8 +1,6 @@
 // MainLoop_qt.h -- the main loop on the toolkit's event queue
 #pragma once
 
-class QObject;
-
 // Takes events and runs frames until RequestExit. Between frames it waits in the event queue, so that no core is burnt
 // and no event waits; a termination signal counts as a request to end. [main-thread]
 void RunMainLoop();
@@ -10,8 +8,6 @@ void RunMainLoop();
 // Ends the main loop, and before it the loops of whatever dialogs and menus are open. [main-thread]
 void RequestExit();
 
-// Lets the toolkit's timers serve as frame timers while something else holds the event loop.
+// Lets the toolkit's timers serve as frame timers while something else holds the event loop: a menu, a drag, or a
+// dialog that called KeepFramesUnder. Once is enough, more do no harm.
 void InstallFrameTimers();
-
-// Keeps frames running for as long as the dialog lives, whatever loop it brings. Call before it is shown.
-void KeepFramesDuring(QObject *pDialog);

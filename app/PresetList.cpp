@@ -144,7 +144,8 @@ int ListPresets(const RenderOptions &ro)
         std::fprintf(stderr, "vorticade-render: the folder %s cannot be read\n", ro.list.c_str());
         return 1;
     }
-    StartHeadless(ro.start);
+    if (StartHeadless(ro.start))
+        return EXIT_HEADLESS;
     OpenPresetLibrary(folder, JoinPath(JoinPath(folder, u".."), u"Favorites.XML"));
     TellLeftOut();
     ScanPresetFolder(1);

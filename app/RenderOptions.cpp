@@ -4,6 +4,7 @@
 #include "app/CommandLine.h"
 #include "output/pictures/PictureFiles.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 #include "state/PresetState.h"
 
@@ -177,6 +178,7 @@ bool CheckOperands(RenderOptions *pro, const std::vector<std::string> &asOperand
 
 bool ReadRenderOptions(int argc, char **argv, RenderOptions *pro, std::string *psError)
 {
+    ASSERT_MAIN_THREAD();
     std::vector<std::string> asOperand;
     if (!ParseCommandLine(asOption, argc, argv, pro, &asOperand, psError))
         return false;

@@ -13,6 +13,7 @@
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Random.h"
 #include "platform/Signals.h"
 #include "platform/Text.h"
@@ -72,11 +73,13 @@ std::string LoadSong(RenderOptions *pro, Song *pSong)
     return {};
 }
 
-void SetUpRun(const RenderOptions &ro, const Song &song)
+// False: the start has failed and said why.
+bool SetUpRun(const RenderOptions &ro, const Song &song)
 {
     UseFixedClock(0);
     SeedAllRandom(ro.qwSeed);
-    StartHeadless(ro.start);
+    if (StartHeadless(ro.start))
+        return false;
     if (ro.bOnePass)
         SetupMixAccelerator();
     GlobalSettings.ThreadedPlanes = ro.bThreads;
@@ -90,6 +93,7 @@ void SetUpRun(const RenderOptions &ro, const Song &song)
         BindRenderSong(&GlobalSettings.Monitor, &song, TickOfFrame(ro, ro.nWarmup));
     else
         BindRenderSound(&GlobalSettings.Monitor, ro.qwSeed);
+    return true;
 }
 
 std::string CountText(const PictureReport &report)
@@ -183,13 +187,15 @@ std::string RunJob(const RenderOptions &ro)
 
 int RunRender(const RenderOptions &given)
 {
+    ASSERT_MAIN_THREAD();
     if (!given.list.empty())
         return ListPresets(given);
     RenderOptions ro = given;
     Song song = {};
     std::string sError = LoadSong(&ro, &song);
     if (sError.empty()) {
-        SetUpRun(ro, song);
+        if (!SetUpRun(ro, song))
+            return EXIT_HEADLESS;
         sError = LoadPreset(ro);
         if (sError.empty())
             sError = RunJob(ro);

@@ -3,6 +3,7 @@
 
 #include "app/KeptLayout.h"
 #include "output/RecorderCombos.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
 #include "toolkit/UIColors.h"
@@ -268,6 +269,7 @@ void WriteWindowLayout(XmlContext *pxc)
 
 void SetDefaultSettings()
 {
+    ASSERT_MAIN_THREAD();
     GlobalSettings = {};
     for (const SettingRow &row : asRow)
         DefaultRow(row, &GlobalSettings);
@@ -280,12 +282,14 @@ void SetDefaultSettings()
 
 void ReadSettings(XmlContext *pxc, GlobalSettingsRecord *pgs)
 {
+    ASSERT_MAIN_THREAD();
     ForEachRow([=](const char16_t *pszBranch) { return XmlEnterTag(pxc, pszBranch) != 0; }, [=] { XmlLeaveTag(pxc); },
                [=](const SettingRow &row) { ReadRow(row, pxc, pgs); });
 }
 
 void WriteSettings(XmlContext *pxc, const GlobalSettingsRecord *pgs)
 {
+    ASSERT_MAIN_THREAD();
     GlobalSettingsRecord gs = *pgs;
     ForEachRow([=](const char16_t *pszBranch) { return XmlBeginTag(pxc, pszBranch) != 0; }, [=] { XmlEndTag(pxc); },
                [&, pxc](const SettingRow &row) { WriteRow(row, pxc, &gs); });

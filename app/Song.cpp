@@ -2,6 +2,7 @@
 #include "app/Song.h"
 
 #include "app/SongLength.h"
+#include "platform/MainThread.h"
 #include "stock/shared/LevelMeter.h"
 
 #include <algorithm>
@@ -235,6 +236,7 @@ std::string ReadSound(Song *pSong, FILE *pFile)
 
 bool ReadSong(Song *pSong, const std::string &sPath, std::string *psError)
 {
+    ASSERT_MAIN_THREAD();
     *psError = CheckFile(sPath);
     if (!psError->empty())
         return false;

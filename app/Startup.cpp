@@ -25,6 +25,7 @@
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/GLWindow.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
@@ -260,14 +261,23 @@ constexpr Step asShutDownHeadless[] = {
 };
 // clang-format on
 
+// The step that fails is named on standard error.
+bool RunStartSteps(std::span<const Step> steps, const StartOptions &options)
+{
+    pOptions = &options;
+    const char *pszFailed = RunSteps(steps);
+    pOptions = nullptr;
+    if (pszFailed)
+        std::fprintf(stderr, "%s: the start failed at this step: %s\n", program_invocation_short_name, pszFailed);
+    return !pszFailed;
+}
+
 } // namespace
 
 int StartCore(const StartOptions &options)
 {
-    pOptions = &options;
-    const char *pszFailed = RunSteps(asStartCore);
-    pOptions = nullptr;
-    return pszFailed ? EXIT_MAPPING : 0;
+    ASSERT_MAIN_THREAD();
+    return RunStartSteps(asStartCore, options) ? 0 : EXIT_MAPPING;
 }
 
 void StartPreset(std::u16string_view path)
@@ -285,6 +295,7 @@ void StartPreset(std::u16string_view path)
 
 void RunPendingSteps()
 {
+    ASSERT_MAIN_THREAD();
     if (bAcceleratorsPending)
         SetupMixAccelerator();
     if (bOpenGLTestPending)
@@ -301,6 +312,7 @@ void SaveSettings()
 
 void ShutDown()
 {
+    ASSERT_MAIN_THREAD();
     RunSteps(asShutDown);
 }
 
@@ -312,15 +324,18 @@ std::string DescribeSound(const StartOptions &options)
     return s;
 }
 
-void StartHeadless(const StartOptions &options)
+int StartHeadless(const StartOptions &options)
 {
-    pOptions = &options;
-    RunSteps(asStartHeadless);
-    pOptions = nullptr;
+    ASSERT_MAIN_THREAD();
+    if (RunStartSteps(asStartHeadless, options))
+        return 0;
+    ShutDownHeadless();
+    return EXIT_HEADLESS;
 }
 
 void ShutDownHeadless()
 {
+    ASSERT_MAIN_THREAD();
     RunSteps(asShutDownHeadless);
 }
 

@@ -2,6 +2,7 @@
 #include "app/Toolkit_qt.h"
 
 #include "platform/Display.h"
+#include "platform/MainThread.h"
 #include "toolkit/DarkStyle_qt.h"
 
 #include <QStringList>
@@ -75,6 +76,7 @@ bool ChoosePlatform()
 
 std::unique_ptr<QApplication> StartToolkit()
 {
+    ASSERT_MAIN_THREAD();
     if (!ChoosePlatform()) {
         PrintMessage(QStringLiteral("there is no display; vorticade-render makes pictures without one"));
         return nullptr;

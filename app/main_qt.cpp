@@ -11,6 +11,7 @@
 #include "output/Presenters.h"
 #include "output/VisualsCommands.h"
 #include "output/VisualsWindow_qt.h"
+#include "platform/MainThread.h"
 #include "platform/Signals.h"
 #include "toolkit/ErrorBoxes_qt.h"
 #include "toolkit/FrameExtents_qt.h"
@@ -85,7 +86,7 @@ void RunShow(const StartOptions &options)
     AddPresenter(RecordStep, nullptr); // before the window: what is saved is what is shown next
     VisualsWindow window(RequestExit);
     OpenWindows(options, &window);
-    SetBeforeFrame(PublishWindow, &window);
+    BeforeFrameListeners.Add(PublishWindow, &window);
     if (std::getenv("VD_END_AT_FIRST_FRAME"))
         AddPresenter(EndAtFirstFrame, nullptr);
     AddPresenter(FinishStart, nullptr);
@@ -96,7 +97,7 @@ void RunShow(const StartOptions &options)
     RunMainLoop();
     FinishFrameRecorder();
     SaveSettings();
-    SetBeforeFrame(nullptr, nullptr);
+    BeforeFrameListeners.Remove(PublishWindow, &window);
     delete FindMainWindow();
 }
 
@@ -120,6 +121,7 @@ int RunDesktop(const StartOptions &options)
 
 int main(int argc, char **argv)
 {
+    ClaimMainThread();
     DesktopOptions options;
     std::string sError;
     if (!ReadDesktopOptions(argc, argv, &options, &sError)) {

@@ -1,12 +1,14 @@
 // render_main.cpp -- vorticade-render: the engine without any window
 #include "app/RenderOptions.h"
 #include "app/RenderRun.h"
+#include "platform/MainThread.h"
 #include "platform/Signals.h"
 
 #include <cstdio>
 
 int main(int argc, char **argv)
 {
+    ClaimMainThread();
     RenderOptions ro;
     std::string sError;
     if (!ReadRenderOptions(argc, argv, &ro, &sError)) {

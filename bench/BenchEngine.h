@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/Startup.h"
+#include "platform/Assert.h"
 #include "platform/Clock.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
@@ -13,7 +14,7 @@ inline void StartBenchEngine(i32 nWidth, i32 nHeight)
 {
     UseFixedClock(0);
     SeedAllRandom(1);
-    StartHeadless({FromUtf8(SOURCE_FOLDER "/data"), FromUtf8(STOCK_MODULE_FOLDER), {}});
+    VD_ASSERT(!StartHeadless({FromUtf8(SOURCE_FOLDER "/data"), FromUtf8(STOCK_MODULE_FOLDER), {}}));
     GlobalSettings.dwPlaneWaitMs = WAIT_FOREVER;
     GlobalSettings.nBufferWidth = nWidth;
     GlobalSettings.nBufferHeight = nHeight;

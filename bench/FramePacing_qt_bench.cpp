@@ -67,9 +67,9 @@ void RunLoop(Pacing *pp)
 {
     RunAndPresentFrame(); // opens the gate's next interval now
     LoopWatch watch = {pp, NextFrameCount(), RealNanoseconds() + SLICE_NS};
-    SetBeforeFrame(WatchTurn, &watch);
+    BeforeFrameListeners.Add(WatchTurn, &watch);
     RunMainLoop();
-    SetBeforeFrame(nullptr, nullptr);
+    BeforeFrameListeners.Remove(WatchTurn, &watch);
 }
 
 void SleepUntil(i64 nNs)

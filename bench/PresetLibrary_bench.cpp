@@ -4,7 +4,7 @@
 #include "library/PresetCache.h"
 #include "library/PresetLibrary.h"
 #include "library/PresetScan.h"
-#include "library/PresetSearch.h"
+#include "library/browser/PresetFilter.h"
 #include "library/PresetSummary.h"
 #include "library/PresetTable.h"
 #include "platform/Clock.h"

@@ -107,9 +107,9 @@ void MeasureShow(VisualsWindow *pWindow)
     GlobalSettings.nBufferHeight = 720;
     SwitchPreset(MakeDefaultPreset, nullptr);
     nShowEnd = RealNanoseconds() + SHOW_NS;
-    SetBeforeFrame(WatchShow, nullptr);
+    BeforeFrameListeners.Add(WatchShow);
     RunMainLoop();
-    SetBeforeFrame(nullptr, nullptr);
+    BeforeFrameListeners.Remove(WatchShow);
     SwitchPreset(nullptr, nullptr);
     ReportFigure("VisualsWindow/frames missed in a minute, 720p", nMissed, 0, "frames", BenchGoal::AT_MOST);
     ReportFigure("VisualsWindow/frames shown in that minute", nTurns, 0, "frames", BenchGoal::NONE);

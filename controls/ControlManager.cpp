@@ -1,14 +1,15 @@
 // ControlManager.cpp -- the control record: building, ownership, limits, comparison with the defaults
 #include "controls/ControlManager.h"
 
+#include "controls/ControlTypes.h"
 #include "controls/HostControl.h"
 #include "platform/Assert.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <iterator>
 
 std::atomic<u32> bPresetChanged{0};
 i32 nControlsShown = 0;
@@ -159,35 +160,35 @@ void RestoreTile(ControlRecord *pctl)
     FillTileMask(pctl);
 }
 
-// What a control type does. Null: nothing; without pfnIsDefault the type has no value and always counts as default.
-struct ControlTypeRow {
-    void (*pfnClamp)(ControlRecord *pctl);
-    bool (*pfnIsDefault)(const ControlRecord *pctl, bool bFixed);
-    void (*pfnRestore)(ControlRecord *pctl);
+// What a control type does. Null: nothing.
+struct TypeSteps {
+    u32 dwType;
+    void (*pfnClamp)(ControlRecord *pctl) = nullptr;
+    bool (*pfnIsDefault)(const ControlRecord *pctl, bool bFixed) = nullptr;
+    void (*pfnRestore)(ControlRecord *pctl) = nullptr;
 };
 
-constexpr ControlTypeRow asType[] = {
-    {}, // undefined
-    {}, // group
-    {ClampInteger, IntegerIsDefault, RestoreInteger},
-    {nullptr, ItemSelectIsDefault, RestoreItemSelect},
-    {ClampFloat, FloatIsDefault, RestoreFloat},
-    {ClampBoolean, BooleanIsDefault, RestoreBoolean},
-    {nullptr, FileSelectIsDefault, RestoreFileSelect},
-    {ClampTile, TileIsDefault, RestoreTile},
-};
-static_assert(std::size(asType) == CONTROLTYPE_TILE + 1);
+constexpr ControlTypeTable<TypeSteps> asSteps({
+    {CONTROLTYPE_UNDEFINED},
+    {CONTROLTYPE_GROUP},
+    {CONTROLTYPE_INTEGER, ClampInteger, IntegerIsDefault, RestoreInteger},
+    {CONTROLTYPE_ITEMSELECT, nullptr, ItemSelectIsDefault, RestoreItemSelect},
+    {CONTROLTYPE_FLOAT, ClampFloat, FloatIsDefault, RestoreFloat},
+    {CONTROLTYPE_BOOLEAN, ClampBoolean, BooleanIsDefault, RestoreBoolean},
+    {CONTROLTYPE_FILESELECT, nullptr, FileSelectIsDefault, RestoreFileSelect},
+    {CONTROLTYPE_TILE, ClampTile, TileIsDefault, RestoreTile},
+});
+static_assert(asSteps.EveryValueHas(&TypeSteps::pfnIsDefault) && asSteps.EveryValueHas(&TypeSteps::pfnRestore));
 
-const ControlTypeRow &TypeRow(const ControlRecord *pctl)
+const TypeSteps &StepsOf(const ControlRecord *pctl)
 {
-    const u32 dwType = pctl->Base.dwType;
-    return asType[dwType < std::size(asType) ? dwType : u32{CONTROLTYPE_UNDEFINED}];
+    return asSteps[pctl->Base.dwType];
 }
 
-void RunTypeStep(ControlRecord *pctl, void (*ControlTypeRow::*ppfnStep)(ControlRecord *))
+void RunTypeStep(ControlRecord *pctl, void (*TypeSteps::*ppfnStep)(ControlRecord *))
 {
-    if (TypeRow(pctl).*ppfnStep)
-        (TypeRow(pctl).*ppfnStep)(pctl);
+    if (StepsOf(pctl).*ppfnStep)
+        (StepsOf(pctl).*ppfnStep)(pctl);
 }
 
 bool SourceIsDefault(const ControlBase &Base)
@@ -222,6 +223,7 @@ void SetControlDefaults(ControlRecord *pctl)
 
 void BeginControls(ModuleSlot *pms)
 {
+    ASSERT_MAIN_THREAD();
     Build = {pms, 0};
     pms->nControls = nControlsShown = 0;
 }
@@ -240,6 +242,7 @@ ControlRecord *AllocControl(i32 *)
 
 void EndControls(ModuleSlot *pms)
 {
+    ASSERT_MAIN_THREAD();
     VD_ASSERT(Build.pms == pms);
     pms->nControls = Build.nControls;
     Build = {};
@@ -249,21 +252,21 @@ void EndControls(ModuleSlot *pms)
 
 bool ControlSupportsFluidSources(const ControlRecord *pctl)
 {
-    return pctl->Base.dwType != CONTROLTYPE_ITEMSELECT && (pctl->Base.dwSourceMask & FLUIDSOURCE_ANIMATED);
+    return TypeOf(pctl).bFollowsSources && (pctl->Base.dwSourceMask & FLUIDSOURCE_ANIMATED);
 }
 
 void ClampControl(ControlRecord *pctl)
 {
-    RunTypeStep(pctl, &ControlTypeRow::pfnClamp);
+    RunTypeStep(pctl, &TypeSteps::pfnClamp);
 }
 
 bool ControlIsDefault(const ControlRecord *pctl)
 {
-    const ControlTypeRow &Row = TypeRow(pctl);
-    if (!Row.pfnIsDefault)
+    const TypeSteps &Steps = StepsOf(pctl);
+    if (!Steps.pfnIsDefault)
         return true;
     return SourceIsDefault(pctl->Base) && PhaseIsDefault(pctl->Base) &&
-           Row.pfnIsDefault(pctl, pctl->Base.dwSource == FLUIDSOURCE_FIXED);
+           Steps.pfnIsDefault(pctl, pctl->Base.dwSource == FLUIDSOURCE_FIXED);
 }
 
 i32 CountChangedControls(const ModuleSlot *pms)
@@ -282,5 +285,5 @@ void RestoreControlDefaults(ControlRecord *pctl)
     Base.nSamples = Base.nDefaultSamples;
     Base.nWavePeriod = Base.nDefaultWavePeriod;
     Base.dwWaveType = Base.dwDefaultWaveType;
-    RunTypeStep(pctl, &ControlTypeRow::pfnRestore);
+    RunTypeStep(pctl, &TypeSteps::pfnRestore);
 }

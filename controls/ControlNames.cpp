@@ -1,6 +1,7 @@
 // ControlNames.cpp -- the dotted name of a control, and what its dependency on another control says
 #include "controls/ControlManager.h"
 
+#include "controls/ControlTypes.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -12,25 +13,29 @@ namespace {
 
 constexpr f32 DEPEND_TOLERANCE = 0.000001f;
 
-// How far the value lies above the comparand, both taken as f32; false for a type without a value.
+// How far the value lies above the comparand, both taken as f32; false for a type that nothing is compared with.
 bool DependDistance(const ControlRecord *pctl, const ControlBase &Base, f32 *pfDistance)
 {
-    switch (pctl->Base.dwType) {
-    case CONTROLTYPE_INTEGER:
-        *pfDistance = static_cast<f32>(pctl->Integer.nValue) - static_cast<f32>(Base.nDependValue);
+    const f32 fComparand = static_cast<f32>(Base.nDependValue);
+    switch (TypeOf(pctl).eValue) {
+    case ControlValue::INTEGER:
+        *pfDistance = static_cast<f32>(pctl->Integer.nValue) - fComparand;
         return true;
-    case CONTROLTYPE_ITEMSELECT:
-        *pfDistance = static_cast<f32>(pctl->ItemSelect.nCurrentItemValue) - static_cast<f32>(Base.nDependValue);
+    case ControlValue::ITEM:
+        *pfDistance = static_cast<f32>(pctl->ItemSelect.nCurrentItemValue) - fComparand;
         return true;
-    case CONTROLTYPE_BOOLEAN:
-        *pfDistance = static_cast<f32>(pctl->Boolean.bState) - static_cast<f32>(Base.nDependValue);
+    case ControlValue::BOOLEAN:
+        *pfDistance = static_cast<f32>(pctl->Boolean.bState) - fComparand;
         return true;
-    case CONTROLTYPE_FLOAT:
+    case ControlValue::FLOAT:
         *pfDistance = pctl->Float.fValue - Base.fDependValue;
         return true;
-    default:
+    case ControlValue::NONE:
+    case ControlValue::FILES:
+    case ControlValue::TILES:
         return false;
     }
+    return false;
 }
 
 bool IsEqual(f32 d)

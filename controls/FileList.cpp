@@ -2,8 +2,8 @@
 #include "controls/FileList.h"
 
 #include "controls/ControlManager.h"
-#include "controls/FluidSources.h"
 #include "controls/HostControl.h"
+#include "platform/MainThread.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
@@ -58,6 +58,7 @@ void ShowInRecord(HostControl *phc)
 
 void SetFileList(ControlRecord *pctl, char16_t *pszList)
 {
+    ASSERT_MAIN_THREAD();
     HostControl *phc = HostPart(pctl);
     FreeLineIndex(phc);
     std::free(phc->pszFileList);

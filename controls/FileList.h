@@ -4,6 +4,10 @@
 #include "include/control.h"
 #include "platform/BaseTypes.h"
 
+// Takes over a new list text from the global allocator, which becomes the record's; the old one is freed, and
+// szCurrentFile is empty until the next evaluation. Null or an empty text clears the list. [main-thread]
+void SetFileList(ControlRecord *pctl, char16_t *pszList);
+
 // Counts the lines again if nLines is all ones, and marks the preset changed when it did. Runs of CR and LF count as
 // one break; breaks before the first line count as none, so that every entry of the index names a line with text.
 // Allocates. Non-zero if it did. [plane-thread, main-thread]

@@ -1,8 +1,10 @@
 // FluidSources.cpp -- the evaluation of controls: fixed, random, wave, sound, periodic
 #include "controls/FluidSources.h"
 
+#include "controls/ControlTypes.h"
 #include "controls/FileList.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Random.h"
 #include "state/GlobalSettings.h"
 
@@ -210,17 +212,21 @@ void EvaluateFileSelect(ControlRecord *pctl, const Evaluation &now)
         TakeCurrentFile(pctl);
 }
 
-void EvaluateNothing(ControlRecord *, const Evaluation &)
-{
-}
-
-constexpr void (*apfnEvaluate[])(ControlRecord *pctl, const Evaluation &now) = {
-    EvaluateNothing, // undefined
-    EvaluateNothing, // group
-    EvaluateInteger, EvaluateItemSelect, EvaluateFloat, EvaluateBoolean, EvaluateFileSelect,
-    EvaluateNothing, // tile
+struct EvaluateRow {
+    u32 dwType;
+    void (*pfnEvaluate)(ControlRecord *pctl, const Evaluation &now) = nullptr; // null: nothing
 };
-static_assert(std::size(apfnEvaluate) == CONTROLTYPE_TILE + 1);
+
+constexpr ControlTypeTable<EvaluateRow> asEvaluate({
+    {CONTROLTYPE_UNDEFINED},
+    {CONTROLTYPE_GROUP},
+    {CONTROLTYPE_INTEGER, EvaluateInteger},
+    {CONTROLTYPE_ITEMSELECT, EvaluateItemSelect},
+    {CONTROLTYPE_FLOAT, EvaluateFloat},
+    {CONTROLTYPE_BOOLEAN, EvaluateBoolean},
+    {CONTROLTYPE_FILESELECT, EvaluateFileSelect},
+    {CONTROLTYPE_TILE},
+});
 
 void EvaluateAt(ControlRecord *pctl, Evaluation now)
 {
@@ -229,9 +235,8 @@ void EvaluateAt(ControlRecord *pctl, Evaluation now)
         now.bReset = true;
     if (now.bReset && Base.dwSource == FLUIDSOURCE_WAVE && Base.bRandomPhase)
         Base.fWavePhase = UnitRandom();
-    const u32 dwType = Base.dwType;
-    if (dwType < std::size(apfnEvaluate))
-        apfnEvaluate[dwType](pctl, now);
+    if (const auto pfnEvaluate = asEvaluate[Base.dwType].pfnEvaluate)
+        pfnEvaluate(pctl, now);
 }
 
 } // namespace
@@ -275,6 +280,7 @@ f32 SmoothedSoundLevel(const ControlRecord *pctl)
 
 void ShiftSoundHistory(u64 qwTick)
 {
+    ASSERT_MAIN_THREAD();
     if (qwTick - qwSoundHistoryTick <= HISTORY_STEP_MS)
         return;
     for (u32 i = SOUND_HISTORY - 1; i > 0; i--)

@@ -30,7 +30,3 @@ void ClearSoundHistory();
 
 // A number from 0 to 1.
 f32 UnitRandom();
-
-// Takes over a new list text from the global allocator, which becomes the record's; the old one is freed, and
-// szCurrentFile is empty until the next evaluation. Null or an empty text clears the list. [main-thread]
-void SetFileList(ControlRecord *pctl, char16_t *pszList);

@@ -2,11 +2,11 @@
 #include "controls/HostControl.h"
 
 #include "controls/ControlManager.h"
+#include "controls/ControlTypes.h"
 #include "platform/Assert.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <iterator>
 
 namespace {
 
@@ -32,8 +32,9 @@ void TakeBackItemSelect(HostControl *phc)
     Items.bOwnsItems = bSameRows ? phc->bOwnsItems : 0;
 }
 
-void FreeItemSelect(const ControlItemSelect &Items)
+void FreeItemSelect(HostControl *phc)
 {
+    const ControlItemSelect &Items = phc->Record.ItemSelect;
     if (!Items.bOwnsItems || !Items.pItems)
         return;
     for (u32 i = 0; i < Items.nItems; i++)
@@ -76,26 +77,28 @@ void TakeBackTile(HostControl *phc)
 }
 
 // What a control type needs of the host. Null: nothing.
-struct HostTypeRow {
-    void (*pfnPrepare)(HostControl *phc);
-    void (*pfnTakeBack)(HostControl *phc);
+struct HostSteps {
+    u32 dwType;
+    void (*pfnPrepare)(HostControl *phc) = nullptr;
+    void (*pfnTakeBack)(HostControl *phc) = nullptr;
+    void (*pfnFree)(HostControl *phc) = nullptr; // what the host did not allocate itself
 };
 
-constexpr HostTypeRow asType[] = {
-    {}, // undefined
-    {}, // group
-    {}, // integer
-    {PrepareItemSelect, TakeBackItemSelect},
-    {}, // float
-    {}, // boolean
-    {PrepareFileSelect, TakeBackFileSelect},
-    {PrepareTile, TakeBackTile},
-};
-static_assert(std::size(asType) == CONTROLTYPE_TILE + 1);
+constexpr ControlTypeTable<HostSteps> asSteps({
+    {CONTROLTYPE_UNDEFINED},
+    {CONTROLTYPE_GROUP},
+    {CONTROLTYPE_INTEGER},
+    {CONTROLTYPE_ITEMSELECT, PrepareItemSelect, TakeBackItemSelect, FreeItemSelect},
+    {CONTROLTYPE_FLOAT},
+    {CONTROLTYPE_BOOLEAN},
+    {CONTROLTYPE_FILESELECT, PrepareFileSelect, TakeBackFileSelect},
+    {CONTROLTYPE_TILE, PrepareTile, TakeBackTile},
+});
 
-const HostTypeRow &TypeRow(u32 dwType)
+void RunStep(HostControl *phc, void (*HostSteps::*ppfnStep)(HostControl *))
 {
-    return asType[dwType < std::size(asType) ? dwType : u32{CONTROLTYPE_UNDEFINED}];
+    if (const auto pfnStep = asSteps[phc->Record.Base.dwType].*ppfnStep)
+        pfnStep(phc);
 }
 
 bool SlotHasControl(const ModuleSlot *pms, const ControlRecord *pctl)
@@ -118,8 +121,7 @@ void TakeBackControl(HostControl *phc)
     Base.pDependsOn = phc->pDependsOn;
     Base.pOwner = phc->pOwner;
     EndTexts(&Base);
-    if (const auto pfnTakeBack = TypeRow(phc->dwType).pfnTakeBack)
-        pfnTakeBack(phc);
+    RunStep(phc, &HostSteps::pfnTakeBack);
 }
 
 } // namespace
@@ -139,8 +141,7 @@ void FreeControl(ControlRecord *pctl)
         return;
     HostControl *phc = HostPart(pctl);
     TakeBackControl(phc);
-    if (pctl->Base.dwType == CONTROLTYPE_ITEMSELECT)
-        FreeItemSelect(pctl->ItemSelect);
+    RunStep(phc, &HostSteps::pfnFree);
     std::free(phc->pTileMask);
     std::free(phc->pszFileList);
     std::free(phc->pLineOffsets);
@@ -157,8 +158,7 @@ void TakeOverControl(ModuleSlot *pms, ControlRecord *pctl)
         Base.pDependsOn = nullptr;
     phc->pDependsOn = Base.pDependsOn;
     phc->dwType = Base.dwType;
-    if (const auto pfnPrepare = TypeRow(Base.dwType).pfnPrepare)
-        pfnPrepare(phc);
+    RunStep(phc, &HostSteps::pfnPrepare);
     phc->bBuilt = 1;
 }
 

@@ -1,6 +1,7 @@
 // EditRules.cpp -- edits of the mixer's list of rules
 #include "editing/EditRows.h"
 
+#include "engine/MixRules.h"
 #include "output/mixer/PlaneMixer.h"
 #include "platform/Bitmap.h"
 

@@ -36,14 +36,15 @@ void SettleForLists(const std::vector<FieldWrite> &writes)
         SettlePlaneThreads();
 }
 
-// Where the writes go. What they write, which modules start over because of it, and which of those states are told.
+// Where writes go and what they make start over; each list is sorted.
 struct WritePlaces {
     std::vector<EditPlace> written;
     std::vector<EditPlace> asked;  // modules that a control or setting makes start over
     std::vector<EditPlace> resets; // these, and those whose reset is written itself
 };
 
-WritePlaces PlacesOfWrites(PresetState *lppsi, const std::vector<FieldWrite> &writes)
+// bResets: what the writes change makes modules start over; what is put back says itself which ones do.
+WritePlaces PlacesOfWrites(PresetState *lppsi, const std::vector<FieldWrite> &writes, bool bResets)
 {
     WritePlaces places;
     EditTarget target;
@@ -51,7 +52,7 @@ WritePlaces PlacesOfWrites(PresetState *lppsi, const std::vector<FieldWrite> &wr
         places.written.push_back(write.place);
         if (write.eField == EditField::ResetPending)
             places.resets.push_back(write.place);
-        else if (FindTarget(lppsi, write.place, &target) && WriteResets(target, write.eField))
+        else if (bResets && FindTarget(lppsi, write.place, &target) && WriteResets(target, write.eField))
             places.asked.push_back(ModulePlace(write.place, write.place.iModule));
     }
     SortPlaces(&places.written);
@@ -89,11 +90,11 @@ EditResult GiveBack(EditRun *pRun, std::vector<FieldWrite> kept)
     return EditResult::Done;
 }
 
-// Writes that have been found good. bResets: what they change makes modules start over.
+// Writes that have been found good.
 EditResult RunWrites(EditRun *pRun, const std::vector<FieldWrite> &writes, WriteFn pfnWrite, bool bResets)
 {
     PresetState *lppsi = pRun->lppsi;
-    WritePlaces places = PlacesOfWrites(lppsi, writes);
+    const WritePlaces places = PlacesOfWrites(lppsi, writes, bResets);
     std::vector<FieldWrite> kept = KeepBefore(lppsi, places, AnyList(writes));
     EditTarget target;
     for (const FieldWrite &write : writes) {
@@ -102,7 +103,7 @@ EditResult RunWrites(EditRun *pRun, const std::vector<FieldWrite> &writes, Write
         pRun->bMark |= FieldMarks(write.eField);
     }
     for (const EditPlace &module : places.asked)
-        if (bResets && FindTarget(lppsi, module, &target))
+        if (FindTarget(lppsi, module, &target))
             target.pms->bResetPending = 1;
     DropUnchanged(lppsi, places.resets, &kept);
     TellPlaces(lppsi, places.written);

@@ -52,19 +52,22 @@ void FreeBranch(TreeNode *pNode)
     delete pNode;
 }
 
-template <typename Matches> TreeNode *FindNode(TreeNode *pNode, const Matches &matches)
-{
-    if (!pNode || matches(pNode))
-        return pNode;
-    for (TreeNode *pChild : pNode->apChild)
-        if (TreeNode *pFound = FindNode(pChild, matches))
-            return pFound;
-    return nullptr;
-}
-
 bool FitsType(const TreeNode *pNode, u32 dwType)
 {
     return pNode->Info.dwType == dwType || (IsModuleType(dwType) && IsModuleType(pNode->Info.dwType));
+}
+
+// Only controls lie below modules: where something else is looked for, most of the tree is passed by.
+TreeNode *FindInBranch(TreeNode *pNode, u32 dwType, const void *pObject)
+{
+    if (pNode->Info.pObject == pObject && FitsType(pNode, dwType))
+        return pNode;
+    if (IsModuleType(pNode->Info.dwType) && !IsControlType(dwType))
+        return nullptr;
+    for (TreeNode *pChild : pNode->apChild)
+        if (TreeNode *pFound = FindInBranch(pChild, dwType, pObject))
+            return pFound;
+    return nullptr;
 }
 
 bool SetBranchExpanded(TreeNode *pNode, u32 bExpanded)
@@ -130,15 +133,18 @@ void EndTreeReset(PresetTree &tree)
 
 TreeNode *FindNodeByObject(const PresetTree &tree, TreeNode *pStart, const void *pObject)
 {
-    return FindNode(pStart ? pStart : tree.pRoot,
-                    [pObject](const TreeNode *pNode) { return pNode->Info.pObject == pObject; });
+    TreeNode *pNode = pStart ? pStart : tree.pRoot;
+    if (!pNode || pNode->Info.pObject == pObject)
+        return pNode;
+    for (TreeNode *pChild : pNode->apChild)
+        if (TreeNode *pFound = FindNodeByObject(tree, pChild, pObject))
+            return pFound;
+    return nullptr;
 }
 
 TreeNode *FindNodeOfType(const PresetTree &tree, u32 dwType, const void *pObject)
 {
-    return FindNode(tree.pRoot, [dwType, pObject](const TreeNode *pNode) {
-        return pNode->Info.pObject == pObject && FitsType(pNode, dwType);
-    });
+    return tree.pRoot ? FindInBranch(tree.pRoot, dwType, pObject) : nullptr;
 }
 
 TreeNode *ChildOfType(const TreeNode *pParent, u32 dwType)

@@ -1,6 +1,7 @@
 // BufferSize.cpp -- the size of all bitmaps of a preset
 #include "engine/BufferSize.h"
 
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 #include "state/PresetState.h"
 
@@ -43,6 +44,7 @@ BufferSize FitBufferSize(i32 nWindowWidth, i32 nWindowHeight, i32 nDetailScale, 
 
 u32 ComputeBufferSize(i32 nDetailScale)
 {
+    ASSERT_MAIN_THREAD();
     if (!GlobalSettings.bVisualsWindow)
         return 0;
     if (GlobalSettings.bRecording) {
@@ -61,6 +63,7 @@ u32 ComputeBufferSize(i32 nDetailScale)
 
 void SetStartBufferSize()
 {
+    ASSERT_MAIN_THREAD();
     if (WindowHasSize())
         StoreBufferSize(FitBufferSize(GlobalSettings.hwndVisuals.nWidth, GlobalSettings.hwndVisuals.nHeight,
                                       GlobalSettings.DetailScale, GlobalSettings.BufferCap));

@@ -2,13 +2,14 @@
 #include "engine/PresetFile.h"
 
 #include "controls/ControlManager.h"
+#include "controls/ControlTypes.h"
+#include "controls/FileList.h"
 #include "controls/FluidSources.h"
 #include "platform/Text.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <iterator>
 
 namespace {
 
@@ -201,27 +202,28 @@ void ReadTile(XmlContext *pxc, ControlRecord *pctl)
     }
 }
 
-struct ControlFileRow {
-    void (*pfnWrite)(XmlContext *pxc, const ControlRecord *pctl);
-    void (*pfnRead)(XmlContext *pxc, ControlRecord *pctl);
-    void (*pfnStore)(ControlRecord *pctl); // part of StoredForm; null: nothing
+struct FileSteps {
+    u32 dwType;
+    void (*pfnWrite)(XmlContext *pxc, const ControlRecord *pctl) = nullptr;
+    void (*pfnRead)(XmlContext *pxc, ControlRecord *pctl) = nullptr;
+    void (*pfnStore)(ControlRecord *pctl) = nullptr; // part of StoredForm; null: nothing
 };
 
-constexpr ControlFileRow asType[] = {
-    {}, // undefined
-    {}, // group
-    {WriteInteger, ReadInteger, nullptr},
-    {WriteItemSelect, ReadItemSelect, nullptr},
-    {WriteFloat, ReadFloat, StoreFloat},
-    {WriteBoolean, ReadBoolean, StoreBoolean},
-    {WriteFileSelect, ReadFileSelect, nullptr},
-    {WriteTile, ReadTile, nullptr},
-};
-static_assert(std::size(asType) == CONTROLTYPE_TILE + 1);
+constexpr ControlTypeTable<FileSteps> asSteps({
+    {CONTROLTYPE_UNDEFINED},
+    {CONTROLTYPE_GROUP},
+    {CONTROLTYPE_INTEGER, WriteInteger, ReadInteger},
+    {CONTROLTYPE_ITEMSELECT, WriteItemSelect, ReadItemSelect},
+    {CONTROLTYPE_FLOAT, WriteFloat, ReadFloat, StoreFloat},
+    {CONTROLTYPE_BOOLEAN, WriteBoolean, ReadBoolean, StoreBoolean},
+    {CONTROLTYPE_FILESELECT, WriteFileSelect, ReadFileSelect},
+    {CONTROLTYPE_TILE, WriteTile, ReadTile},
+});
+static_assert(asSteps.EveryValueHas(&FileSteps::pfnWrite) && asSteps.EveryValueHas(&FileSteps::pfnRead));
 
-const ControlFileRow &FileRow(const ControlRecord *pctl)
+const FileSteps &StepsOf(const ControlRecord *pctl)
 {
-    return asType[pctl->Base.dwType < std::size(asType) ? pctl->Base.dwType : 0u];
+    return asSteps[pctl->Base.dwType];
 }
 
 void WriteSource(XmlContext *pxc, const ControlBase &Base)
@@ -257,8 +259,8 @@ ControlRecord StoredForm(const ControlRecord &Control)
         Base.dwWaveType = Base.dwDefaultWaveType;
     }
     Base.fWavePhase = XmlStoredFloat(Base.fWavePhase);
-    if (FileRow(&ctl).pfnStore)
-        FileRow(&ctl).pfnStore(&ctl);
+    if (StepsOf(&ctl).pfnStore)
+        StepsOf(&ctl).pfnStore(&ctl);
     return ctl;
 }
 
@@ -303,8 +305,8 @@ void ReadFields(XmlContext *pxc, ControlRecord *pctl, const NameText &szName, Pr
     pctl->Base.dwSource = dwSource;
     if (IsAnimated(pctl))
         ReadAnimation(pxc, &pctl->Base);
-    if (FileRow(pctl).pfnRead)
-        FileRow(pctl).pfnRead(pxc, pctl);
+    if (StepsOf(pctl).pfnRead)
+        StepsOf(pctl).pfnRead(pxc, pctl);
 }
 
 } // namespace
@@ -317,8 +319,8 @@ void WriteControl(XmlContext *pxc, ControlRecord *pctl)
     const ControlRecord ctl = StoredForm(*pctl);
     XmlWriteString(pxc, u"Name", szName);
     WriteSource(pxc, ctl.Base);
-    if (FileRow(&ctl).pfnWrite)
-        FileRow(&ctl).pfnWrite(pxc, &ctl);
+    if (StepsOf(&ctl).pfnWrite)
+        StepsOf(&ctl).pfnWrite(pxc, &ctl);
 }
 
 bool ControlIsStored(const ControlRecord *pctl)

@@ -6,6 +6,7 @@
 #include "modules/ModuleCalls.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Random.h"
 #include "state/GlobalSettings.h"
 
@@ -99,6 +100,7 @@ void ResolvePlane(PlaneState *pps)
 
 void SetModuleTick(u64 qwTick)
 {
+    ASSERT_MAIN_THREAD();
     qwModuleTick.store(qwTick, std::memory_order_relaxed);
 }
 
@@ -142,6 +144,7 @@ void RunPlaneModules(PlaneState *pps, u32 dwSteps)
 
 void RunPresetModules(PresetState *lppsi, u32 dwSteps)
 {
+    ASSERT_MAIN_THREAD();
     for (PlaneState *pps : lppsi->psPlane) {
         if (!pps)
             break;
@@ -157,12 +160,14 @@ void RunPresetModules(PresetState *lppsi, u32 dwSteps)
 
 void EvaluateRuleWeights(PresetState *lppsi, bool bReset)
 {
+    ASSERT_MAIN_THREAD();
     for (u32 i = 0; i < lppsi->nMixRules; i++)
         EvaluateControl(&lppsi->asMixRule[i].BlendWeight, bReset);
 }
 
 void RunPostProcessing(PresetState *lppsi, u32 dwSteps)
 {
+    ASSERT_MAIN_THREAD();
     if (lppsi->phbmOutput)
         lppsi->piPostProc.hbmDraw = *lppsi->phbmOutput;
     for (i32 i = 0; i < lppsi->nPostProc; i++)

@@ -7,6 +7,7 @@
 #include "engine/SoundSampling.h"
 #include "output/mixer/PlaneMixer.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 
 #include <algorithm>
@@ -82,6 +83,7 @@ u32 StepOnThreads(PresetState *lppsi)
 
 u32 RunFrameStep(PresetState *lppsi)
 {
+    ASSERT_MAIN_THREAD();
     if (!FrameIsDue() || !lppsi)
         return 0;
     nStepStart = RealNanoseconds();

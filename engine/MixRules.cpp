@@ -4,6 +4,7 @@
 #include "controls/ControlManager.h"
 #include "engine/PresetNews.h"
 #include "platform/Bitmap.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <cstring>
@@ -40,6 +41,7 @@ void TellRules(PresetState *lppsi)
 
 MixRule *AddMixRule(PresetState *lppsi)
 {
+    ASSERT_MAIN_THREAD();
     if (!lppsi || !lppsi->hbmFinal || !RuleFits(lppsi))
         return nullptr;
     HostBitmap *hbm = CreateBitmap(lppsi->hbmFinal->nWidth, lppsi->hbmFinal->nHeight);
@@ -56,6 +58,7 @@ MixRule *AddMixRule(PresetState *lppsi)
 
 u32 RemoveMixRule(PresetState *lppsi, u32 iRule)
 {
+    ASSERT_MAIN_THREAD();
     if (!lppsi || iRule >= lppsi->nMixRules)
         return 0;
     DeleteBitmap(lppsi->asMixRule[iRule].hbmRule);
@@ -69,6 +72,7 @@ u32 RemoveMixRule(PresetState *lppsi, u32 iRule)
 
 void RemoveAllMixRules(PresetState *lppsi)
 {
+    ASSERT_MAIN_THREAD();
     if (!lppsi)
         return;
     for (MixRule &rule : lppsi->asMixRule) {

@@ -10,6 +10,7 @@
 #include "modules/ModuleRegistry.h"
 #include "modules/ShaderList.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 
 #include <algorithm>
@@ -162,6 +163,7 @@ u32 RemoveList(PresetState *lppsi, const SlotList &list)
 ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u32 dwModuleType, u32 dwShader,
                       u32 bInitialize)
 {
+    ASSERT_MAIN_THREAD();
     SettlePlaneThreads();
     ModuleRecord *pmr = dll.empty() ? nullptr : FindModuleRecord(dll);
     const SlotList list = FindList(lppsi, iPlane, dwModuleType);
@@ -186,6 +188,7 @@ ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u
 
 u32 RemoveModule(PresetState *lppsi, ModuleSlot *pms)
 {
+    ASSERT_MAIN_THREAD();
     SettlePlaneThreads();
     if (pms) {
         const SlotList list = ListOfSlot(lppsi, pms);
@@ -205,12 +208,14 @@ u32 RemoveModule(PresetState *lppsi, ModuleSlot *pms)
 
 void RemovePlaneModules(PlaneState *pps)
 {
+    ASSERT_MAIN_THREAD();
     for (u32 i = 0; i < MODULEINDEX_MIXER; i++)
         EmptyList(pps->lppsi, PlaneList(pps, i));
 }
 
 u32 SwapModuleSlots(PresetState *lppsi, ModuleSlot *pmsA, ModuleSlot *pmsB)
 {
+    ASSERT_MAIN_THREAD();
     if (!pmsA || !pmsB || pmsA->ppsOwner != pmsB->ppsOwner)
         return 0;
     SettlePlaneThreads();

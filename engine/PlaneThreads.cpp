@@ -4,6 +4,7 @@
 #include "engine/DrawPipeline.h"
 #include "platform/Clock.h"
 #include "platform/GLWindow.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Threads.h"
 
@@ -32,12 +33,14 @@ struct PlaneThreadParms {
     Event evDone;  // the plane is finished
     Event evEnded; // the thread has ended
     std::thread thread;
+    bool bHangTold = false; // of the frame that it has been in ever since; the main thread's
 };
 
 std::unique_ptr<PlaneThreadParms> apParms[PLANES_MAX];      // the running threads; all or none
 std::vector<std::unique_ptr<PlaneThreadParms>> apAbandoned; // stopped threads that are stuck in a module
 u32 dwFrameGeneration = 0;
 u32 nCallsToSkip = 0; // before threads are asked for again
+bool bShortageTold = false;
 
 u32 ThreadSeed(u32 i)
 {
@@ -111,6 +114,23 @@ u32 RemainingMs(i64 nStart, u32 nWaitMs)
     return nPassed >= nWaitMs ? 0 : nWaitMs - static_cast<u32>(nPassed);
 }
 
+// Once a hang, however many frames it takes.
+void TellHang(PlaneThreadParms *pParms)
+{
+    if (pParms->bHangTold)
+        return;
+    pParms->bHangTold = true;
+    AddNotice("plane " + std::to_string(pParms->iPlane + 1) +
+              " hangs in a module: frames are dropped until it returns");
+}
+
+void TellShortage()
+{
+    if (!bShortageTold)
+        AddNotice("the planes are drawn one after the other: the system has no threads to give");
+    bShortageTold = true;
+}
+
 u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
 {
     const i64 nStart = RealNanoseconds();
@@ -119,9 +139,10 @@ u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
         while (pParms->dwFrameDone != dwFrameGeneration)
             if (!pParms->evDone.Wait(RemainingMs(nStart, nWaitMs)) && RemainingMs(nStart, nWaitMs) == 0 &&
                 pParms->dwFrameDone != dwFrameGeneration) {
-                AddNotice("plane " + std::to_string(i + 1) + " hangs in a module: frames are dropped until it returns");
+                TellHang(pParms);
                 return 0;
             }
+        pParms->bHangTold = false;
     }
     return 1;
 }
@@ -130,6 +151,7 @@ u32 WaitForPlanes(i32 nPlanes, u32 nWaitMs)
 
 u32 StartPlaneThreads()
 {
+    ASSERT_MAIN_THREAD();
     if (apParms[0] || (nCallsToSkip && nCallsToSkip--))
         return 0;
     ReapAbandonedThreads();
@@ -139,9 +161,10 @@ u32 StartPlaneThreads()
             continue;
         StopPlaneThreads();
         nCallsToSkip = CALLS_UNTIL_RETRY;
-        AddNotice("the planes are drawn one after the other: the system has no threads to give");
+        TellShortage();
         return 0;
     }
+    bShortageTold = false;
     return 1;
 }
 
@@ -152,6 +175,7 @@ bool PlaneThreadsRun()
 
 u32 DrawPlanesOnThreads(PresetState *lppsi, u32 nWaitMs)
 {
+    ASSERT_MAIN_THREAD();
     dwFrameGeneration++;
     for (auto &pParms : apParms) {
         pParms->lppsi = lppsi;
@@ -164,6 +188,7 @@ u32 DrawPlanesOnThreads(PresetState *lppsi, u32 nWaitMs)
 
 void StopPlaneThreads()
 {
+    ASSERT_MAIN_THREAD();
     for (auto &pParms : apParms)
         if (pParms)
             pParms->bStop = 1;
@@ -183,6 +208,7 @@ void StopPlaneThreads()
 
 void SettlePlaneThreads()
 {
+    ASSERT_MAIN_THREAD();
     if (apParms[0] && !WaitForPlanes(PLANES_MAX, STOP_WAIT_MS))
         StopPlaneThreads();
 }
@@ -194,6 +220,7 @@ bool PlaneIsBusy(PlaneState *pps)
 
 bool AnyThreadIsStuck()
 {
+    ASSERT_MAIN_THREAD();
     ReapAbandonedThreads();
     return !apAbandoned.empty();
 }

@@ -14,7 +14,6 @@ namespace {
 NameText szPresetName = u"Tempname.VD";
 std::u16string presetPath;   // absolute; empty: none yet
 u32 bStoredChoiceIsKept = 0; // the settings name a preset that could not be read at start
-u32 bMarkTold = 0;           // bPresetChanged as it was told last
 
 struct OpenRequest {
     std::u16string path;
@@ -36,7 +35,6 @@ void SetMark(u32 bChanged)
 
 void TellMarked()
 {
-    bMarkTold = bPresetChanged;
     TellPresetNews({NewsKind::Marked, CurrentPreset(), nullptr, nullptr, nullptr});
 }
 
@@ -124,12 +122,6 @@ void MarkPresetChanged()
 {
     if (!bPresetChanged)
         SetPresetChanged(szPresetName, 1);
-}
-
-void ServePresetMark()
-{
-    if (bPresetChanged != bMarkTold)
-        TellMarked();
 }
 
 void NewPreset()

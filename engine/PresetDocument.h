@@ -20,10 +20,9 @@ const char16_t *PresetPath();
 
 // Sets the mark, reduces the name to file name and extension, stores it as the current preset's name and tells Marked.
 void SetPresetChanged(std::u16string_view name, u32 bChanged);
-// What every editing path calls: the same with the present name, if the mark is not set yet.
+// What every editing path calls: the same with the present name, if the mark is not set yet. A module's list of files
+// that is counted anew sets it too, without any news.
 void MarkPresetChanged();
-// Tells Marked where something else than a command set the mark, such as a module's list of files. Once a turn.
-void ServePresetMark();
 
 // Replaces the current preset by one without planes and rules, named UNTITLED_PRESET, unmarked.
 void NewPreset();

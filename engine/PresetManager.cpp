@@ -11,6 +11,7 @@
 #include "platform/Assert.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 
 #include <algorithm>
@@ -187,6 +188,7 @@ bool AnyPlaneIsBusy(PresetState *lppsi)
 
 PresetState *AllocatePresetState()
 {
+    ASSERT_MAIN_THREAD();
     auto *lppsi = static_cast<PresetState *>(std::calloc(1, sizeof(PresetState)));
     VD_ASSERT(lppsi);
     lppsi->hbmFinal = NewBufferBitmap();
@@ -196,6 +198,7 @@ PresetState *AllocatePresetState()
 
 PresetState *CreatePresetState(u32 bDefaults)
 {
+    ASSERT_MAIN_THREAD();
     ComputeBufferSize(GlobalSettings.DetailScale);
     PresetState *lppsi = AllocatePresetState();
     if (bDefaults)
@@ -208,6 +211,7 @@ PresetState *CreatePresetState(u32 bDefaults)
 
 void SetUpPostProcessing(PresetState *lppsi)
 {
+    ASSERT_MAIN_THREAD();
     PlaneInfo *ppi = &lppsi->piPostProc;
     ppi->nWidth = GlobalSettings.nBufferWidth;
     ppi->nHeight = GlobalSettings.nBufferHeight;
@@ -223,6 +227,7 @@ void SetUpPostProcessing(PresetState *lppsi)
 
 u32 DestroyPresetState(PresetState *lppsi)
 {
+    ASSERT_MAIN_THREAD();
     if (!lppsi)
         return 0;
     VD_ASSERT(lppsi != lppsiCurrent);
@@ -238,6 +243,7 @@ u32 DestroyPresetState(PresetState *lppsi)
 
 PlaneState *AddPlane(PresetState *lppsi, u32 bIndexed, u32 bDefaultModules)
 {
+    ASSERT_MAIN_THREAD();
     const i32 iPlane = lppsi->nPlanes;
     if (iPlane >= PLANES_MAX)
         return nullptr;
@@ -270,6 +276,7 @@ PlaneState *AddPlane(PresetState *lppsi, u32 bIndexed, u32 bDefaultModules)
 
 u32 RemovePlane(PresetState *lppsi, PlaneState *pps)
 {
+    ASSERT_MAIN_THREAD();
     SettlePlaneThreads();
     if (!pps)
         return RemoveAllPlanes(lppsi);
@@ -301,6 +308,7 @@ u32 SwapPlanes(PresetState *lppsi, i32 iPlaneA, i32 iPlaneB)
 
 u32 ResizePresetBuffers(PresetState *lppsi, i32 nDetailScale)
 {
+    ASSERT_MAIN_THREAD();
     if (!lppsi)
         return 0;
     if (AnyPlaneIsBusy(lppsi)) {
@@ -320,16 +328,19 @@ u32 ResizePresetBuffers(PresetState *lppsi, i32 nDetailScale)
 
 u32 BitmapGeneration()
 {
+    ASSERT_MAIN_THREAD();
     return nBitmapGeneration;
 }
 
 PresetState *CurrentPreset()
 {
+    ASSERT_MAIN_THREAD();
     return lppsiCurrent;
 }
 
 PresetState *SwitchPreset(PresetState *(*pfnMake)(const void *pvArgument), const void *pvArgument)
 {
+    ASSERT_MAIN_THREAD();
     PresetState *lppsiOld = lppsiCurrent;
     lppsiCurrent = nullptr;
     if (lppsiOld)

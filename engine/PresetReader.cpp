@@ -11,6 +11,7 @@
 #include "platform/Assert.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
 
@@ -285,6 +286,7 @@ PlaneState *ReadPlane(XmlContext *pxc, PresetState *lppsi, u32 iPlane, PresetRep
 
 PresetState *LoadPresetFile(std::u16string_view name, PresetReport *pReport)
 {
+    ASSERT_MAIN_THREAD();
     if (name.empty())
         return nullptr;
     PresetReport report = {};

@@ -1,6 +1,7 @@
 // PresetWriter.cpp -- writes a preset, its planes and its modules
 #include "engine/PresetFile.h"
 
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -113,6 +114,7 @@ void WritePreset(XmlContext *pxc, PresetState *lppsi)
 
 u32 SavePresetFile(PresetState *lppsi, std::u16string_view path, std::string *psWhy)
 {
+    ASSERT_MAIN_THREAD();
     XmlContext *pxc = lppsi ? XmlCreate() : nullptr;
     if (!pxc)
         return 0;

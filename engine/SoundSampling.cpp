@@ -3,6 +3,7 @@
 
 #include "controls/FluidSources.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Random.h"
 #include "state/GlobalSettings.h"
 
@@ -46,6 +47,7 @@ void FillSoundFrame(SoundFrame *psf, f32 fLevel)
 
 void SampleSound()
 {
+    ASSERT_MAIN_THREAD();
     const SoundMonitorBinding &monitor = GlobalSettings.Monitor;
     f32 fLevel = 0;
     if (monitor.pfnGetLevel && GlobalSettings.pSound &&

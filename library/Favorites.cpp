@@ -6,6 +6,7 @@
 #include "library/PresetScan.h"
 #include "library/PresetTable.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -73,6 +74,7 @@ void WriteFave(XmlContext *pxc, u32 iFave, const Fave &fave)
 
 u32 ServeFavorPresses(u32 *pbPending)
 {
+    ASSERT_MAIN_THREAD();
     if (!*pbPending)
         return 0;
     *pbPending = 0;
@@ -81,7 +83,7 @@ u32 ServeFavorPresses(u32 *pbPending)
     PresetInfo *lppi = GetPresetInfo(FindPresetFile(JoinPath(PresetFolder(), name)));
     if (lppi && lppi->nFavor < std::numeric_limits<i32>::max()) {
         lppi->nFavor++;
-        lppi->bChanged = 1;
+        MarkPresetChanged(lppi);
     }
     return 1;
 }

@@ -2,6 +2,7 @@
 #include "library/FolderWatch.h"
 
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 #include "platform/Threads.h"
 
@@ -192,6 +193,7 @@ void (*lpfnWatchError)(const char16_t *pszText) = nullptr;
 
 i32 WatchFolder(std::u16string_view folder, WatchChangeFn pfnChange, WatchLostFn pfnLost)
 {
+    ASSERT_MAIN_THREAD();
     const std::lock_guard lock(csWatchTable);
     FolderWatch *pWatch = FindFreeRecord();
     *pWatch = {};
@@ -210,6 +212,7 @@ i32 WatchFolder(std::u16string_view folder, WatchChangeFn pfnChange, WatchLostFn
 
 void StopAllWatches()
 {
+    ASSERT_MAIN_THREAD();
     const std::lock_guard lock(csWatchTable);
     for (const auto &pBlock : WatchTable)
         for (FolderWatch &watch : *pBlock) {

@@ -17,9 +17,9 @@ struct PresetInfo {
     i32 nFavor;                      // how often the user favored it, 0 and up
     u32 bModuleUsed[PRESET_MODULES]; // the preset uses the module at this place of the module table
     u32 bDeleted;                    // the file is gone: ignore the entry
-    u32 bChanged;                    // since the browser last listed it
+    u32 bChanged;                    // since the browser last listed it: see MarkPresetChanged
     u32 bSummarized;                 // bSoundSync, bModuleUsed and bCompatible are valid
-    u32 bFiltered;                   // the browser's: it does not match the search
+    u32 bFiltered;                   // the browser's alone: it does not match the search
     u32 bCompatible;                 // no used module is unavailable
 };
 static_assert(std::is_trivially_copyable_v<PresetInfo> && sizeof(PresetInfo) == 816);

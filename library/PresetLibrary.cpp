@@ -8,9 +8,11 @@
 #include "library/PresetSummary.h"
 #include "library/PresetTable.h"
 #include "library/PresetWatch.h"
+#include "platform/MainThread.h"
 
 void OpenPresetLibrary(std::u16string_view folder, std::u16string_view favorites)
 {
+    ASSERT_MAIN_THREAD();
     SetPresetFolder(folder);
     AllowPresetScans();
     PrepareSummaries();
@@ -24,12 +26,14 @@ void OpenPresetLibrary(std::u16string_view folder, std::u16string_view favorites
 
 u32 WatchPresets()
 {
+    ASSERT_MAIN_THREAD();
     ForgetPresetNames();
     return WatchFolder(PresetFolder(), PresetFolderCallback, PresetFolderLost) != WATCH_ID_FAILED;
 }
 
 void ScanPresets()
 {
+    ASSERT_MAIN_THREAD();
     StartPresetScanThread();
 }
 

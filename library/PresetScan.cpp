@@ -5,6 +5,7 @@
 #include "library/PresetTable.h"
 #include "library/SummaryPool.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Text.h"
 #include "platform/Threads.h"
@@ -273,6 +274,7 @@ void PresetScanThread()
 
 void SetPresetFolder(std::u16string_view folder)
 {
+    ASSERT_MAIN_THREAD();
     sFolder = FromUtf8(NativePath(WithoutTrailingSeparators(folder)));
 }
 
@@ -336,6 +338,7 @@ u32 RescanPresetFolder()
 
 void SummarizeFromCache()
 {
+    ASSERT_MAIN_THREAD();
     ForEachPreset([](i32 iSlot, PresetInfo *lppi) {
         PresetSummary summary;
         const FileFacts facts = {lppi->ftLastWrite, lppi->dwSize, PresetFileId(iSlot)};
@@ -359,6 +362,7 @@ std::string DescribePresetsLeftOut()
 // Where no thread can be had the presets are listed without summaries.
 void StartPresetScanThread()
 {
+    ASSERT_MAIN_THREAD();
     try {
         ScanThread = std::thread(PresetScanThread);
     } catch (const std::system_error &) {

@@ -3,6 +3,7 @@
 
 #include "platform/Assert.h"
 #include "platform/Files.h"
+#include "platform/Listeners.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -35,9 +36,7 @@ struct PresetTableRecord {
     u32 nLive;
     std::vector<SlotChunk *> apChunk;
     std::vector<i32> aiBucket; // first slot of each bucket; a power of two of them
-    void *hNotifyWnd;
-    u32 uNotifyMsg;
-    PostPresetNoticeFn pfnPost;
+    Listeners<void()> PostNotice;
     std::atomic<u64> qwScanState; // bScanDone, and above it the bits of fScanProgress
 };
 
@@ -142,24 +141,28 @@ i32 TakeSlot()
     return EntryAt(iSlot) ? iSlot : NO_SLOT;
 }
 
-// What a record without a summary does not know stays with the entry. A stored favor count stays behind once the entry
-// has one of this run.
+void CopySummary(PresetInfo *lppi, const PresetInfo &info)
+{
+    lppi->bSoundSync = info.bSoundSync;
+    std::memcpy(lppi->bModuleUsed, info.bModuleUsed, sizeof lppi->bModuleUsed);
+    lppi->bCompatible = info.bCompatible;
+}
+
+// What a record without a summary does not know stays with the entry, and so does the browser's mark. A stored favor
+// count stays behind once the entry has one of this run.
 void CopyInto(PresetInfo *lppi, const PresetInfo &info, u32 bFavorKnown)
 {
-    const PresetInfo before = *lppi;
-    const bool bSameFile = PathOf(&before) == PathOf(&info);
-    *lppi = info;
-    if (!bFavorKnown || (bSameFile && before.bSummarized))
-        lppi->nFavor = before.nFavor;
-    lppi->bFiltered = before.bFiltered;
-    if (!info.bSummarized) {
-        lppi->bSoundSync = before.bSoundSync;
-        std::memcpy(lppi->bModuleUsed, before.bModuleUsed, sizeof lppi->bModuleUsed);
-        lppi->bCompatible = before.bCompatible;
-        lppi->bSummarized = before.bSummarized && bSameFile;
-    }
-    lppi->bChanged = 1;
+    const bool bKnown = lppi->bSummarized && PathOf(lppi) == PathOf(&info);
+    if (bFavorKnown && !bKnown)
+        lppi->nFavor = info.nFavor;
+    if (info.bSummarized)
+        CopySummary(lppi, info);
+    lppi->bSummarized = info.bSummarized || bKnown;
+    CopyText(lppi->szPath, PathOf(&info));
+    lppi->ftLastWrite = info.ftLastWrite;
+    lppi->dwSize = info.dwSize;
     lppi->bDeleted = 0;
+    MarkPresetChanged(lppi);
 }
 
 // The first slot of the live entries for which pfn holds, among those with the folded name of the path.
@@ -264,7 +267,7 @@ void MovePreset(i32 iSlot, std::u16string_view path)
     VD_ASSERT(lppi);
     UnlinkSlot(iSlot);
     CopyText(lppi->szPath, path);
-    lppi->bChanged = 1;
+    MarkPresetChanged(lppi);
     ChunkOf(iSlot)->adwHash[InChunk(iSlot)] = HashName(PathOf(lppi));
     LinkSlot(iSlot);
 }
@@ -278,7 +281,13 @@ void DropPreset(i32 iSlot)
     ChunkOf(iSlot)->aqwTaken[InChunk(iSlot) / 64] &= ~(1ull << InChunk(iSlot) % 64);
     PresetTable.iFirstFree = std::min(PresetTable.iFirstFree, iSlot);
     PresetTable.nLive--;
-    lppi->bDeleted = lppi->bChanged = 1;
+    lppi->bDeleted = 1;
+    MarkPresetChanged(lppi);
+}
+
+void MarkPresetChanged(PresetInfo *lppi)
+{
+    lppi->bChanged = 1;
 }
 
 u64 PresetFileId(i32 iSlot)
@@ -302,19 +311,22 @@ f32 PresetScanProgress()
     return std::bit_cast<f32>(static_cast<u32>(PresetTable.qwScanState >> 32));
 }
 
-void SetPresetNotice(void *hNotifyWnd, u32 uNotifyMsg, PostPresetNoticeFn pfnPost)
+void AddPresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd)
 {
     const PresetTableLock lock;
-    PresetTable.hNotifyWnd = hNotifyWnd;
-    PresetTable.uNotifyMsg = uNotifyMsg;
-    PresetTable.pfnPost = pfnPost;
+    PresetTable.PostNotice.Add(pfnPost, hNotifyWnd);
+}
+
+void RemovePresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd)
+{
+    const PresetTableLock lock;
+    PresetTable.PostNotice.Remove(pfnPost, hNotifyWnd);
 }
 
 void NotifyPresetChange()
 {
     const PresetTableLock lock;
-    if (PresetTable.hNotifyWnd && PresetTable.uNotifyMsg && PresetTable.pfnPost)
-        PresetTable.pfnPost(PresetTable.hNotifyWnd, PresetTable.uNotifyMsg);
+    PresetTable.PostNotice.Tell();
 }
 
 void FreePresetTable()
@@ -328,6 +340,6 @@ void FreePresetTable()
     PresetTable.aiBucket = {};
     PresetTable.nSlots = PresetTable.iFirstFree = 0;
     PresetTable.nLive = 0;
-    SetPresetNotice(nullptr, 0, nullptr);
+    PresetTable.PostNotice = {};
     StorePresetScanState(0, 0);
 }

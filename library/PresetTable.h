@@ -58,6 +58,9 @@ u32 UpdatePreset(const PresetInfo &info, u64 qwFileId, u32 bFavorKnown);
 void MovePreset(i32 iSlot, std::u16string_view path);
 // The file is gone.
 void DropPreset(i32 iSlot);
+// Says that the entry is no longer as the browser last listed it. Only the browser asks for that and takes it back: it
+// stands in the entry because any thread may change one. Under the lock.
+void MarkPresetChanged(PresetInfo *lppi);
 u64 PresetFileId(i32 iSlot);
 
 // The detail pass: whether one has finished, and the fraction of the running one. Both are one store.
@@ -65,11 +68,13 @@ void StorePresetScanState(u32 bScanDone, f32 fScanProgress);
 u32 PresetScanDone();
 f32 PresetScanProgress();
 
-// Where notices of changes go. pfnPost is called on any thread with the table locked; it must only post, and do nothing
-// for a window that is gone. Null: nowhere. [main-thread]
-using PostPresetNoticeFn = void (*)(void *hNotifyWnd, u32 uNotifyMsg);
-void SetPresetNotice(void *hNotifyWnd, u32 uNotifyMsg, PostPresetNoticeFn pfnPost);
+// Where notices of changes go. This list of listeners belongs to the table's lock, not to a thread: all three functions
+// take it, and pfnPost is called on any thread under it. It must only post, wait for nobody, and ask the table for
+// nothing. When RemovePresetNotice returns, it is called no more: a window removes itself before it goes. [any-thread]
+using PostPresetNoticeFn = void (*)(void *hNotifyWnd);
+void AddPresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd);
+void RemovePresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd);
 void NotifyPresetChange();
 
-// Frees everything. After the last thread that uses the table has ended.
+// Frees everything, the list of listeners too. After the last thread that uses the table has ended.
 void FreePresetTable();

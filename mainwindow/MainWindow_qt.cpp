@@ -3,8 +3,9 @@
 
 #include "editing/PresetTreeView_qt.h"
 #include "editing/TreeMenu_qt.h"
-#include "editing/TreeTexts.h"
+#include "editing/TreeFollower.h"
 #include "engine/PresetDocument.h"
+#include "engine/PresetManager.h"
 #include "mainwindow/SoundMeter_qt.h"
 #include "mainwindow/StatusStrip.h"
 #include "modules/SoundMonitor.h"
@@ -17,6 +18,7 @@
 #include "toolkit/WindowLayouts_qt.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -94,17 +96,19 @@ MainWindow::MainWindow(void (*pfn)()) : pfnExit(pfn)
     pLayout->addWidget(MakeStatusStrip());
     resize(FIRST_SIZE);
     ConnectTree();
-    PresetListeners.Add(HearPreset, this);
+    FollowPreset(Tree);
     BuildPresetTree(Tree, CurrentPreset());
+    PresetListeners.Add(HearPreset, this);
     connect(&StatusTimer, &QTimer::timeout, this, [this] { UpdateStatus(); });
-    ShowMark();
+    setWindowTitle(TitleText(MainWindowTitle()));
     pTreeView->setFocus();
 }
 
 MainWindow::~MainWindow()
 {
     PresetListeners.Remove(HearPreset, this);
-    BuildPresetTree(Tree, nullptr);
+    UnfollowPreset(Tree);
+    delete pTreeView; // while the tree is there
 }
 
 QWidget *MainWindow::MakeToolButtons()
@@ -166,32 +170,15 @@ void MainWindow::OpenTreeMenu(TreeNode *pNode, const QPoint &place)
 void MainWindow::HearPreset(const PresetNews &news, void *pv)
 {
     MainWindow *pWindow = WindowOf(pv);
-    switch (news.eKind) {
-    case NewsKind::Going: // what was to be saved is gone
-        BuildPresetTree(pWindow->Tree, nullptr);
-        if (pWindow->pChooser)
-            pWindow->pChooser->close();
-        break;
-    case NewsKind::Came:
-        BuildPresetTree(pWindow->Tree, news.lppsi);
-        break;
-    case NewsKind::Marked:
-        pWindow->ShowMark();
-        break;
-    default:
-        break;
-    }
+    if (news.eKind == NewsKind::Going && pWindow->pChooser)
+        pWindow->pChooser->close(); // what was to be saved is gone
+    if (news.eKind == NewsKind::Marked)
+        pWindow->setWindowTitle(TitleText(MainWindowTitle()));
 }
 
 void MainWindow::SelectRoot()
 {
     pTreeView->SelectNode(Tree.pRoot);
-}
-
-void MainWindow::ShowMark()
-{
-    setWindowTitle(TitleText(MainWindowTitle()));
-    SetTreeTitle(Tree, PresetName(), bPresetChanged != 0);
 }
 
 void MainWindow::New()

@@ -43,7 +43,6 @@ class MainWindow : public QWidget {
     void Open();
     void SaveAs();
     void Save(const std::u16string &path);
-    void ShowMark();
     void OpenTreeMenu(TreeNode *pNode, const QPoint &place);
     void UpdateStatus();
     void ShowSound(bool bQuiet);

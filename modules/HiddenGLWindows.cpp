@@ -2,6 +2,7 @@
 #include "modules/HiddenGLWindows.h"
 
 #include "platform/GLWindow.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@ HostGLWindow *ahwndGL[HIDDEN_GL_WINDOWS_MAX]; // null: empty
 
 HostGLWindow *CreateHiddenGLWindow()
 {
+    ASSERT_MAIN_THREAD();
     const auto itEmpty = std::find(std::begin(ahwndGL), std::end(ahwndGL), nullptr);
     if (itEmpty == std::end(ahwndGL))
         return nullptr;
@@ -23,6 +25,7 @@ HostGLWindow *CreateHiddenGLWindow()
 
 void DestroyHiddenGLWindow(HostGLWindow *hwndGL)
 {
+    ASSERT_MAIN_THREAD();
     if (!hwndGL)
         return;
     std::replace(std::begin(ahwndGL), std::end(ahwndGL), hwndGL, static_cast<HostGLWindow *>(nullptr));
@@ -31,6 +34,7 @@ void DestroyHiddenGLWindow(HostGLWindow *hwndGL)
 
 void ResizeHiddenGLWindows(i32 nWidth, i32 nHeight)
 {
+    ASSERT_MAIN_THREAD();
     for (HostGLWindow *hwndGL : ahwndGL)
         if (hwndGL)
             ResizeGLWindow(hwndGL, nWidth, nHeight);

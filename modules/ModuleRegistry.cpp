@@ -2,6 +2,7 @@
 #include "modules/ModuleRegistry.h"
 
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
@@ -101,6 +102,7 @@ bool NeedsOpenGL(const ModuleDescription &md)
 
 u32 LoadModule(std::u16string_view path)
 {
+    ASSERT_MAIN_THREAD();
     if (Table.nCount >= Table.nCapacity && !GrowTable())
         return 0;
     if (path.empty())
@@ -128,6 +130,7 @@ u32 LoadModule(std::u16string_view path)
 
 void LoadModuleFolder()
 {
+    ASSERT_MAIN_THREAD();
     for (const std::u16string &path : ListFiles(FolderPath(PATH_MODULES_PATTERN)))
         if (!LoadModule(path))
             break;

@@ -6,6 +6,7 @@
 #include "modules/HiddenGLWindows.h"
 #include "modules/ModuleRegistry.h"
 #include "platform/GLWindow.h"
+#include "platform/MainThread.h"
 #include "platform/SharedLibrary.h"
 
 #include <cstdio>
@@ -90,6 +91,7 @@ bool TestCurrentContext()
 
 void ProbeOpenGL()
 {
+    ASSERT_MAIN_THREAD();
     const TestWindow window = OpenTestWindow();
     bool bPassed = false;
     if (window.hwndGL) {

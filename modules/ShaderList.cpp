@@ -3,6 +3,7 @@
 
 #include "platform/Assert.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
@@ -50,6 +51,7 @@ ShaderList *NeedList()
 
 const ShaderEntry *GetShaderEntry(u32 iShader)
 {
+    ASSERT_MAIN_THREAD();
     const ShaderList *psl = NeedList();
     return psl && iShader < static_cast<u32>(psl->nCount) ? &psl->asEntry[iShader] : nullptr;
 }

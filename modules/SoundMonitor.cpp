@@ -3,6 +3,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
@@ -12,7 +13,7 @@
 #include <cstdlib>
 #include <thread>
 
-void (*pfnShowError)(const char16_t *pszTitle, const char16_t *pszText) = nullptr;
+Listeners<void(const char16_t *pszTitle, const char16_t *pszText)> ErrorListeners;
 
 namespace {
 
@@ -28,10 +29,10 @@ QuietTimer Quiet;
 
 void ShowMissingFile(const char16_t *pszPath)
 {
-    if (pfnShowError)
-        pfnShowError(MISSING_TITLE, pszPath);
-    else
+    if (ErrorListeners.IsEmpty())
         AddNotice(ToUtf8(MISSING_TITLE) + " " + ToUtf8(pszPath));
+    else
+        ErrorListeners.Tell(MISSING_TITLE, pszPath);
 }
 
 void ReportNoSound(const char16_t *pszPath, const std::string &sCause)
@@ -83,6 +84,7 @@ u32 DescribeFrom(SharedLibrary *pLibrary, void *hMonitor, std::string *psText)
 
 void BindSoundMonitor(SoundMonitorBinding *pBinding)
 {
+    ASSERT_MAIN_THREAD();
     if (pBinding->dwMonitorMark == SOUND_MONITOR_MARK)
         return;
     *pBinding = {};
@@ -106,6 +108,7 @@ void BindSoundMonitor(SoundMonitorBinding *pBinding)
 
 void UnbindSoundMonitor(SoundMonitorBinding *pBinding)
 {
+    ASSERT_MAIN_THREAD();
     if (pBinding->dwMonitorMark != SOUND_MONITOR_MARK)
         return;
     pBinding->pfnStop(pBinding->hMonitor);
@@ -117,6 +120,7 @@ void UnbindSoundMonitor(SoundMonitorBinding *pBinding)
 
 u32 SoundIsQuiet()
 {
+    ASSERT_MAIN_THREAD();
     const SoundMonitorBinding &monitor = GlobalSettings.Monitor;
     f32 fLevel = 0;
     if (!monitor.pfnGetLevel || !monitor.pfnGetLevel(monitor.hMonitor, VOLUMETYPE_DYNAMIC, &fLevel))
@@ -132,6 +136,7 @@ u32 SoundIsQuiet()
 
 void SetMonitorTimeScale(u32 nScale)
 {
+    ASSERT_MAIN_THREAD();
     const SoundMonitorBinding &monitor = GlobalSettings.Monitor;
     if (monitor.pfnSetSimScale && nScale >= 1 && nScale <= MONITOR_TIME_SCALE_MAX)
         monitor.pfnSetSimScale(monitor.hMonitor, nScale);
@@ -139,6 +144,7 @@ void SetMonitorTimeScale(u32 nScale)
 
 u32 DescribeSoundSource(std::string *psText)
 {
+    ASSERT_MAIN_THREAD();
     const SoundMonitorBinding &monitor = GlobalSettings.Monitor;
     if (monitor.hMonitorLib)
         return DescribeFrom(monitor.hMonitorLib, monitor.hMonitor, psText);

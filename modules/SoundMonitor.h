@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/BaseTypes.h"
+#include "platform/Listeners.h"
 #include "state/GlobalSettings.h"
 
 #include <string>
@@ -12,8 +13,8 @@ constexpr f32 SILENT_LEVEL = 0.0003f;      // dynamic level below which there is
 constexpr u32 SILENT_AFTER_MS = 1000;      // and for how long until that counts
 constexpr u32 MONITOR_TIME_SCALE_MAX = 99; // a larger time scale is not passed on
 
-// Shows an error to the user. Null: the error becomes a line on standard error. Set once at start.
-extern void (*pfnShowError)(const char16_t *pszTitle, const char16_t *pszText);
+// They show an error to the user. Where nobody listens it becomes a notice.
+extern Listeners<void(const char16_t *pszTitle, const char16_t *pszText)> ErrorListeners;
 
 // Loads the library that the path table names, starts it and completes the binding. On failure the binding is all
 // zero again, the cause stands on standard error (a missing file: in a message), and the program goes on without

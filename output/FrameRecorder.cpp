@@ -10,6 +10,7 @@
 #include "output/pictures/PictureQueue.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Random.h"
 #include "platform/Text.h"
@@ -43,8 +44,7 @@ i64 nRestStart = 0;                // performance count; 0: no frame yet
 
 void ShowStatus(std::u16string_view text)
 {
-    if (pfnRecorderStatus)
-        pfnRecorderStatus(std::u16string(text).c_str());
+    RecorderStatusListeners.Tell(std::u16string(text).c_str());
 }
 
 std::u16string Number(u64 n)
@@ -267,11 +267,12 @@ u64 qwRecordStartTick = 0;
 u32 nRecordFrame = 1;
 u32 nRecordLimit = 0;
 u64 qwSavedTimeScale = 1;
-void (*pfnRecorderStatus)(const char16_t *pszText) = nullptr;
+Listeners<void(const char16_t *pszText)> RecorderStatusListeners;
 SavePictureFn pfnRecorderSave = nullptr;
 
 void ToggleFrameRecorder(u32 dwDelayMs, u32 dwSeconds)
 {
+    ASSERT_MAIN_THREAD();
     if (GlobalSettings.bRecording)
         Stop();
     else
@@ -280,6 +281,7 @@ void ToggleFrameRecorder(u32 dwDelayMs, u32 dwSeconds)
 
 void FinishFrameRecorder()
 {
+    ASSERT_MAIN_THREAD();
     if (GlobalSettings.bRecording)
         Stop();
     if (pEnding)
@@ -289,6 +291,7 @@ void FinishFrameRecorder()
 
 void PaceRecorder()
 {
+    ASSERT_MAIN_THREAD();
     ServeEnding();
     if (pCaptures && AllIsWritten(pCaptures))
         CloseCaptures();
@@ -301,12 +304,14 @@ void PaceRecorder()
 
 void AdjustRest()
 {
+    ASSERT_MAIN_THREAD();
     if (GlobalSettings.bRecording && nRestStart)
         HoldFrames(RestEnd());
 }
 
 u32 RecordStep(const HostBitmap *hbm, void *)
 {
+    ASSERT_MAIN_THREAD();
     if (bCaptureRequested) {
         bCaptureRequested = 0;
         Capture(hbm);

@@ -4,6 +4,7 @@
 #include "include/hosttypes.h"
 #include "output/pictures/PictureQueue.h"
 #include "platform/BaseTypes.h"
+#include "platform/Listeners.h"
 
 #include <string>
 #include <string_view>
@@ -19,8 +20,8 @@ extern u32 nRecordFrame;      // number of the next frame, from 1
 extern u32 nRecordLimit;      // last frame number; RECORD_LIMIT_ENDLESS: none
 extern u64 qwSavedTimeScale;  // the time scale before the recording
 
-// Where the recorder tells how it goes; the text is valid during the call. Null: nobody listens.
-extern void (*pfnRecorderStatus)(const char16_t *pszText);
+// Told how it goes; the text is valid during the call.
+extern Listeners<void(const char16_t *pszText)> RecorderStatusListeners;
 // Saves the pictures of the next recording; null: SavePicture. For tests.
 extern SavePictureFn pfnRecorderSave;
 

@@ -4,6 +4,7 @@
 #include "engine/PresetDocument.h"
 #include "engine/PresetNews.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 
 #include <algorithm>
@@ -29,6 +30,7 @@ void OnPresetNews(const PresetNews &news, void *)
 
 void CountShownFrame()
 {
+    ASSERT_MAIN_THREAD();
     qwFramesTotal++;
     qwFramesRecent++;
     GlobalSettings.dwFramesShown++;

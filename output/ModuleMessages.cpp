@@ -1,6 +1,7 @@
 // ModuleMessages.cpp -- texts that modules show: the mailbox, and the colours that stand in them as numbers
 #include "output/ModuleMessages.h"
 
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -69,6 +70,7 @@ u32 ShowModuleMessage(const char16_t *pszText)
 
 u32 TakeModuleMessage(char16_t (&szText)[MESSAGE_CHARS])
 {
+    ASSERT_MAIN_THREAD();
     const std::lock_guard lock(csMailbox);
     if (!bWaiting)
         return 0;

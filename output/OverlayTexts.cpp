@@ -7,6 +7,7 @@
 #include "output/Overlays.h"
 #include "output/mixer/PlaneMixer.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 #include "state/GlobalSettings.h"
 #include "toolkit/UIColors.h"
@@ -89,16 +90,19 @@ void ForgetOverlayTexts()
 
 void UpdatePresetName()
 {
+    ASSERT_MAIN_THREAD();
     SetPlainText(OVERLAY_PRESET_NAME, PresetName());
 }
 
 void UpdateKeyHelp()
 {
+    ASSERT_MAIN_THREAD();
     SetPlainText(OVERLAY_KEY_HELP, KEY_HELP);
 }
 
 void UpdateFrameRate()
 {
+    ASSERT_MAIN_THREAD();
     if (qwFramesTotal < FRAMES_NEEDED) {
         nOverallShown = nRecentShown = NO_FIGURE;
         SetPlainText(OVERLAY_FRAME_RATE, u"Calculating...");
@@ -117,6 +121,7 @@ void UpdateFrameRate()
 
 void UpdateMetrics()
 {
+    ASSERT_MAIN_THREAD();
     const HostWindow &window = GlobalSettings.hwndVisuals;
     SetPlainText(OVERLAY_METRICS,
                  Format("Buffer: %lu x %lu x %lu BPP\nWindow: %lu x %lu x %lu BPP\nGPU: %s (%s)\nOpenGL v%s\nCPU: %s",
@@ -129,6 +134,7 @@ void UpdateMetrics()
 
 void UpdateMessages()
 {
+    ASSERT_MAIN_THREAD();
     VWWindowParms *pvw = &asOverlay[OVERLAY_MESSAGES];
     TakeModuleMessage(pvw->szText);
     if (!GlobalSettings.nMessageSeconds && !bMessagePinned)

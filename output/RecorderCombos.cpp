@@ -1,6 +1,7 @@
 // RecorderCombos.cpp -- the named key combinations that start and stop external screen recorders
 #include "output/RecorderCombos.h"
 
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -20,6 +21,7 @@ std::u16string_view NameOf(const RecorderCombo &combo)
 
 u32 PrepareRecorderCombos()
 {
+    ASSERT_MAIN_THREAD();
     if (RecorderCombos.bPrepared)
         return 1;
     RecorderCombos.bPrepared = 1;
@@ -32,6 +34,7 @@ u32 PrepareRecorderCombos()
 
 u32 AddRecorderCombo(std::u16string_view name, std::u16string_view start, std::u16string_view stop)
 {
+    ASSERT_MAIN_THREAD();
     if (RecorderCombos.nCount >= RECORDER_COMBOS_MAX)
         return 0;
     name = name.substr(0, RECORDER_TEXT_CHARS - 1);

@@ -4,13 +4,13 @@
 #include "output/FrameRecorder.h"
 #include "output/RecordingSettings.h"
 #include "platform/Files.h"
+#include "state/GlobalSettings.h"
+#include "toolkit/DialogPieces_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 #include "toolkit/WindowLayouts_qt.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>
-#include <QDir>
-#include <QFileDialog>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -46,13 +46,12 @@ class RecordingDialog : public QDialog {
     QWidget *MakeRecorderGroup();
     QGroupBox *MakeSizeGroup();
     QGroupBox *MakeRestGroup();
-    QHBoxLayout *MakeFolderRow();
+    QWidget *MakeFolderRow();
     QHBoxLayout *MakeDemoRow();
     RecordingChoice Choice() const;
     void Fill(const RecordingChoice &choice);
     void ShowCheck();
     void ShowTrouble();
-    void PickFolder();
     void CreateFolder();
     void Store();
 
@@ -63,22 +62,6 @@ class RecordingDialog : public QDialog {
     QSpinBox *pWidth, *pHeight, *pDelay;
     QSlider *pRest;
 };
-
-QSpinBox *MakeNumber(int nMin, int nMax, const QString &name)
-{
-    auto *pBox = new QSpinBox;
-    pBox->setRange(nMin, nMax);
-    pBox->setAccessibleName(name);
-    return pBox;
-}
-
-QLineEdit *MakeLine(const char *pszName)
-{
-    auto *pLine = new QLineEdit;
-    pLine->setMaxLength(TEXT_CHARS_MAX);
-    pLine->setObjectName(QLatin1String(pszName));
-    return pLine;
-}
 
 // The combinations are edited elsewhere; here they only stand in their place.
 QGroupBox *MakeKeystrokeGroup()
@@ -117,7 +100,8 @@ QWidget *RecordingDialog::MakeRecorderGroup()
     auto *pAbout = new QLabel(Text(ABOUT_RECORDER));
     pAbout->setWordWrap(true);
     pAbout->setMinimumWidth(WIDEST_TEXT);
-    pFormat = MakeLine("format");
+    pFormat = MakeTextField(TEXT_CHARS_MAX, QStringLiteral("Filename/number format"));
+    pFormat->setObjectName(QStringLiteral("format"));
     auto *pForm = new QFormLayout;
     pForm->addRow(QStringLiteral("Frame folder"), MakeFolderRow());
     pForm->addRow(QStringLiteral("Filename/number format"), pFormat);
@@ -133,15 +117,14 @@ QWidget *RecordingDialog::MakeRecorderGroup()
     return pGroup;
 }
 
-QHBoxLayout *RecordingDialog::MakeFolderRow()
+QWidget *RecordingDialog::MakeFolderRow()
 {
-    pFolder = MakeLine("folder");
-    auto *pPick = new QPushButton(QStringLiteral("..."));
-    connect(pPick, &QPushButton::clicked, this, [this] { PickFolder(); });
-    auto *pRow = new QHBoxLayout;
-    pRow->addWidget(pFolder);
-    pRow->addWidget(pPick);
-    return pRow;
+    const PathField field = MakeFolderField(QStringLiteral("Frame folder"),
+                                            QStringLiteral("Select the folder where you want to save the frame files."),
+                                            TEXT_CHARS_MAX, [this] { ShowCheck(); });
+    pFolder = field.pLine;
+    pFolder->setObjectName(QStringLiteral("folder"));
+    return field.pRow;
 }
 
 QHBoxLayout *RecordingDialog::MakeDemoRow()
@@ -149,6 +132,7 @@ QHBoxLayout *RecordingDialog::MakeDemoRow()
     pDemo = new QLineEdit;
     pDemo->setReadOnly(true);
     pDemo->setObjectName(QStringLiteral("demo"));
+    pDemo->setAccessibleName(QStringLiteral("Sample path"));
     auto *pButton = new QPushButton(QStringLiteral("Demo"));
     connect(pButton, &QPushButton::clicked, this, [this] { ShowCheck(); });
     pTrouble = new QLabel;
@@ -171,8 +155,8 @@ QGroupBox *RecordingDialog::MakeSizeGroup()
 {
     auto *pGroup = new QGroupBox(QStringLiteral("Recording Resolution"));
     auto *pLayout = new QHBoxLayout(pGroup);
-    pWidth = MakeNumber(RECORD_SIDE_MIN, RECORD_SIDE_MAX, QStringLiteral("H"));
-    pHeight = MakeNumber(RECORD_SIDE_MIN, RECORD_SIDE_MAX, QStringLiteral("V"));
+    pWidth = MakeNumberField(RECORD_SIDE_MIN, RECORD_SIDE_MAX, QStringLiteral("H"));
+    pHeight = MakeNumberField(RECORD_SIDE_MIN, RECORD_SIDE_MAX, QStringLiteral("V"));
     for (const RecordingSize &size : RecordingSizes()) {
         auto *pButton = new QPushButton(Text(size.pszName));
         connect(pButton, &QPushButton::clicked, this, [this, size] {
@@ -200,17 +184,13 @@ QGroupBox *RecordingDialog::MakeRestGroup()
     auto *pGroup = new QGroupBox(QStringLiteral("GPU Rest Between frames to prevent overheating"));
     auto *pLayout = new QHBoxLayout(pGroup);
     pRest = new QSlider(Qt::Horizontal);
-    pRest->setRange(0, RECORD_DELAY_MAX_MS);
-    pRest->setSingleStep(LINE_STEP_MS);
-    pRest->setPageStep(PAGE_STEP_MS);
-    pDelay = MakeNumber(0, RECORD_DELAY_MAX_MS, QStringLiteral("ms"));
+    pDelay = new QSpinBox;
+    InitTrackBar(pRest, pDelay, {0, RECORD_DELAY_MAX_MS, LINE_STEP_MS, PAGE_STEP_MS}, GlobalSettings.FrameRecordDelay,
+                 QStringLiteral("ms"));
     pLayout->addWidget(pRest);
     pLayout->addWidget(pDelay);
     pLayout->addWidget(new QLabel(QStringLiteral("ms")));
-    connect(pRest, &QSlider::valueChanged, this, [this](int n) {
-        pDelay->setValue(n);
-        StoreRecordingDelay(n);
-    });
+    connect(pRest, &QSlider::valueChanged, this, [](int n) { StoreRecordingDelay(n); });
     return pGroup;
 }
 
@@ -249,21 +229,6 @@ void RecordingDialog::ShowTrouble()
     const RecordingChoice choice = Choice();
     pTrouble->setText(QString::fromStdU16String(DescribeRecordingTrouble(choice)));
     pCreate->setVisible(!choice.folder.empty() && !FolderExists(choice.folder));
-}
-
-void RecordingDialog::PickFolder()
-{
-    auto *pPicker = new QFileDialog(this, QStringLiteral("Select the folder where you want to save the frame files."),
-                                    pFolder->text());
-    pPicker->setAttribute(Qt::WA_DeleteOnClose);
-    KeepFramesUnder(pPicker);
-    pPicker->setFileMode(QFileDialog::Directory);
-    pPicker->setOption(QFileDialog::ShowDirsOnly);
-    connect(pPicker, &QFileDialog::fileSelected, this, [this](const QString &path) {
-        pFolder->setText(QDir::toNativeSeparators(path));
-        ShowCheck();
-    });
-    pPicker->open();
 }
 
 void RecordingDialog::CreateFolder()

@@ -4,6 +4,7 @@
 #include "output/FrameRecorder.h"
 #include "output/pictures/PictureFiles.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 #include "state/GlobalSettings.h"
 
@@ -44,6 +45,7 @@ RecordingChoice CurrentRecordingChoice()
 // Bitmaps are made anew, which resets every module, only where their size is another one.
 void StoreRecordingChoice(const RecordingChoice &choice)
 {
+    ASSERT_MAIN_THREAD();
     const RecordingChoice before = CurrentRecordingChoice();
     GlobalSettings.FrameRecordMethod = std::clamp(choice.nMethod, RECORD_METHOD_KEYSTROKES, RECORD_METHOD_FRAMES);
     GlobalSettings.FrameRecordWidth = std::clamp(choice.nWidth, RECORD_SIDE_MIN, RECORD_SIDE_MAX);
@@ -59,6 +61,7 @@ void StoreRecordingChoice(const RecordingChoice &choice)
 
 void StoreRecordingDelay(i32 nDelayMs)
 {
+    ASSERT_MAIN_THREAD();
     GlobalSettings.FrameRecordDelay = std::clamp(nDelayMs, 0, RECORD_DELAY_MAX_MS);
     AdjustRest();
 }

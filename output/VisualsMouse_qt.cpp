@@ -60,7 +60,7 @@ void VisualsWindow::mouseMoveEvent(QMouseEvent *pEvent)
 // A press on an overlay is no module's.
 void VisualsWindow::mousePressEvent(QMouseEvent *pEvent)
 {
-    nNoticesRead = NoticeCount();
+    DismissNotices();
     TakeMouse(pEvent);
     if (OverlayPainter::OverlayAt(pEvent->position()) == OVERLAYS)
         dwMouseButtons |= ButtonsOf(pEvent->button());

@@ -15,7 +15,7 @@ void VisualsWindow::ShowStatus(const QString &text)
 // What the user must know stands at the bottom until a click or a key says that it was read.
 void VisualsWindow::PaintNotices(QPainter *pPainter)
 {
-    if (nNoticesRead == NoticeCount())
+    if (NoticeText().empty())
         return;
     const QString text = QString::fromStdString(NoticeText()).trimmed();
     const QRect inner = rect().adjusted(24, 24, -24, -24);

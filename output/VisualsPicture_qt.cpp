@@ -85,7 +85,7 @@ bool VisualsWindow::ComposeAside(QPainter *pPainter)
 void VisualsWindow::paintEvent(QPaintEvent *)
 {
     bDrawn = ComposeDirectly();
-    if (bDrawn && nNoticesRead == NoticeCount())
+    if (bDrawn && NoticeText().empty())
         return;
     QPainter painter(this);
     if (!bDrawn)

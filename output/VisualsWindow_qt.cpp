@@ -30,7 +30,7 @@ u32 PresentToWindow(const HostBitmap *hbm, void *pv)
 }
 
 // A notice must also show while a module that hangs keeps frames from coming.
-void RepaintWindows()
+void RepaintWindows(void *)
 {
     for (QWidget *pWindow : QApplication::topLevelWidgets())
         pWindow->update();
@@ -38,12 +38,9 @@ void RepaintWindows()
 
 constexpr WindowKind Kind = {u"Visuals", WindowUse::Main, nullptr, &WidgetFunctions};
 
-VisualsWindow *pShown = nullptr; // there is one at most
-
-void ShowStatusInTitle(const char16_t *pszText)
+void ShowStatusInTitle(const char16_t *pszText, void *pv)
 {
-    if (pShown)
-        pShown->ShowStatus(QString::fromUtf16(pszText));
+    static_cast<VisualsWindow *>(pv)->ShowStatus(QString::fromUtf16(pszText));
 }
 
 } // namespace
@@ -66,17 +63,15 @@ VisualsWindow::VisualsWindow(void (*pfn)()) : pfnClosed(pfn)
     FollowWindow(Kind.pszName, this);
     AddPresenter(PresentToWindow, this);
     GlobalSettings.bVisualsWindow = 1;
-    pfnNoticeAdded = RepaintWindows;
-    pfnRecorderStatus = ShowStatusInTitle;
-    pShown = this;
+    NoticeListeners.Add(RepaintWindows);
+    RecorderStatusListeners.Add(ShowStatusInTitle, this);
 }
 
 VisualsWindow::~VisualsWindow()
 {
     qApp->removeNativeEventFilter(this);
-    pfnNoticeAdded = nullptr;
-    pfnRecorderStatus = nullptr;
-    pShown = nullptr;
+    NoticeListeners.Remove(RepaintWindows);
+    RecorderStatusListeners.Remove(ShowStatusInTitle, this);
     GlobalSettings.bVisualsWindow = 0;
     GlobalSettings.hwndVisuals.bVisible = 0;
     GlobalSettings.hwndVisuals.qwNativeId = 0;
@@ -114,10 +109,6 @@ void VisualsWindow::InstallHooks()
             },
         .pfnSetTopmost = [](void *pv, u32 bOn) { static_cast<VisualsWindow *>(pv)->SetTopmost(bOn); },
         .pfnFrameChanged = [](void *pv) { static_cast<VisualsWindow *>(pv)->FrameChanged(); },
-        .pfnRecordingOptions =
-            [](void *pv) {
-                RunWindowCommand(RecordingDialogKind.pszName, static_cast<QWidget *>(static_cast<VisualsWindow *>(pv)));
-            },
         .pfnClose = [](void *pv) { static_cast<VisualsWindow *>(pv)->close(); },
     });
 }
@@ -150,7 +141,7 @@ void VisualsWindow::closeEvent(QCloseEvent *pEvent)
 
 void VisualsWindow::keyPressEvent(QKeyEvent *pEvent)
 {
-    nNoticesRead = NoticeCount();
+    DismissNotices();
     if (HandleVisualsKey(KeyEventOf(*pEvent)))
         TickOverlayTexts();
 }

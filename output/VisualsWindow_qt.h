@@ -102,7 +102,6 @@ class VisualsWindow : public QWidget, private QAbstractNativeEventFilter {
     QSize AskedSize;          // by the menu, until it has been looked at; invalid: none
     bool bResizeOwed = false; // a resize of the buffer that a move of the window put off
     u64 qwPresented = 0;      // tick of the last frame
-    u32 nNoticesRead = 0;     // notices that stood there when the user last pressed something
     bool bCovered = false;
     bool bDrawn = false; // the frame that is being presented
 };

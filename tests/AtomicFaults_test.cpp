@@ -2,6 +2,7 @@
 #include "platform/AtomicFile.h"
 
 #include "platform/Text.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,6 @@
 #include <csignal>
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sstream>
@@ -42,34 +42,27 @@ const std::string NEW(90000, 'n');
 
 class AtomicFaults : public ::testing::TestWithParam<bool> {
   protected:
-    fs::path folder, file;
+    TempFolder folder;
+    fs::path file = folder / "A.VD";
 
     void SetUp() override
     {
-        std::string s = (fs::temp_directory_path() / "vd-fault-XXXXXX").string();
-        ASSERT_TRUE(mkdtemp(s.data()));
-        folder = s;
-        file = folder / "A.VD";
-        SetSaveFolder(GetParam() ? FromUtf8(s + "/.saving") : u"");
+        SetSaveFolder(GetParam() ? folder.Wide(".saving") : u"");
         Restore();
     }
     void TearDown() override
     {
         SetSaveFolder(u"");
-        fs::remove_all(folder);
     }
     // What a killed save left is gone too: each one looks through it for what is old.
     void Restore()
     {
         fs::remove_all(folder);
-        fs::create_directory(folder);
-        std::ofstream(file) << OLD;
+        folder.Write("A.VD", OLD);
     }
     std::string Contents() const
     {
-        std::ostringstream s;
-        s << std::ifstream(file).rdbuf();
-        return s.str();
+        return folder.Read("A.VD");
     }
     [[noreturn]] void SaveAndEnd() const
     {

@@ -3,6 +3,7 @@
 
 #include "platform/Text.h"
 #include "platform/WholeFile.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -21,22 +22,18 @@ namespace {
 
 class AtomicFile : public ::testing::TestWithParam<bool> {
   protected:
-    fs::path folder;
+    TempFolder folder;
     std::string sWhy;
 
     // With and without a folder for what is being written.
     void SetUp() override
     {
-        std::string s = (fs::temp_directory_path() / "vd-save-XXXXXX").string();
-        ASSERT_TRUE(mkdtemp(s.data()));
-        folder = s;
         fs::create_directory(folder / "Presets");
-        SetSaveFolder(GetParam() ? FromUtf8(s + "/.saving") : u"");
+        SetSaveFolder(GetParam() ? folder.Wide(".saving") : u"");
     }
     void TearDown() override
     {
         SetSaveFolder(u"");
-        fs::remove_all(folder);
     }
     u32 Save(const fs::path &path, std::string_view bytes)
     {
@@ -184,18 +181,16 @@ TEST_P(AtomicFile, AReaderSeesOneOfTheTwoContentsAtEveryMoment)
 
 TEST(WholeFile, RefusesMoreThanItsCallerCanTake)
 {
-    std::string s = (fs::temp_directory_path() / "vd-whole-XXXXXX").string();
-    const int fd = mkstemp(s.data());
-    ASSERT_EQ(write(fd, "12345678", 8), 8);
-    close(fd);
+    const TempFolder folder;
+    const std::u16string path = FromUtf8(folder.Write("a", "12345678").string());
     std::string bytes, sWhy;
-    EXPECT_TRUE(ReadWholeFile(FromUtf8(s), 8, &bytes, &sWhy));
+    EXPECT_TRUE(ReadWholeFile(path, 8, &bytes, &sWhy));
     EXPECT_EQ(bytes, "12345678");
-    EXPECT_FALSE(ReadWholeFile(FromUtf8(s), 7, &bytes, &sWhy));
+    EXPECT_FALSE(ReadWholeFile(path, 7, &bytes, &sWhy));
     EXPECT_NE(sWhy, "");
     EXPECT_EQ(bytes, "");
-    fs::remove(s);
+    fs::remove(folder / "a");
     sWhy.clear();
-    EXPECT_FALSE(ReadWholeFile(FromUtf8(s), 7, &bytes, &sWhy));
+    EXPECT_FALSE(ReadWholeFile(path, 7, &bytes, &sWhy));
     EXPECT_EQ(sWhy, "");
 }

@@ -1,6 +1,8 @@
 // ControlManager_test.cpp -- building by good and bad modules, limits, defaults, dependencies, names
 #include "controls/ControlManager.h"
 
+#include "controls/ControlTypes.h"
+#include "controls/FileList.h"
 #include "controls/FluidSources.h"
 #include "platform/Text.h"
 
@@ -375,9 +377,9 @@ TEST(ControlManager, DependenciesReadTheValueOfTheirTypeWhileItIsFixed)
     for (u32 dwType = CONTROLTYPE_INTEGER; dwType <= CONTROLTYPE_BOOLEAN; dwType++) {
         ctlOther.Base.dwType = dwType;
         apfnSet[dwType](true);
-        EXPECT_TRUE(ControlIsActive(&ctl)) << dwType;
+        EXPECT_TRUE(ControlIsActive(&ctl)) << TypeOf(&ctlOther).pszName;
         apfnSet[dwType](false);
-        EXPECT_FALSE(ControlIsActive(&ctl)) << dwType;
+        EXPECT_FALSE(ControlIsActive(&ctl)) << TypeOf(&ctlOther).pszName;
     }
     ctlOther.Base.dwSource = FLUIDSOURCE_WAVE;
     EXPECT_TRUE(ControlIsActive(&ctl));

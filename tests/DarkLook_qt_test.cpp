@@ -1,5 +1,6 @@
 // DarkLook_qt_test.cpp -- tests DarkStyle_qt.cpp and ControlColors_qt.cpp on the real controls, without a display
 #include "tests/LookGallery_qt.h"
+#include "tests/WindowFixture.h"
 #include "toolkit/ControlColors_qt.h"
 #include "toolkit/DarkPaint_qt.h"
 #include "toolkit/DarkStyle_qt.h"
@@ -34,14 +35,7 @@ constexpr u32 TEXT = 0x8CFFFF;
 constexpr u32 BACK = 0x000000;
 
 // The user's colours are the program's own at the start of each test.
-class DarkLook : public testing::Test {
-  protected:
-    void TearDown() override
-    {
-        SetDefaultUIColors();
-        QCoreApplication::processEvents();
-    }
-};
+class DarkLook : public WindowTest {};
 
 QImage Paint(QWidget *pWidget)
 {
@@ -396,7 +390,7 @@ int main(int argc, char **argv)
     testing::InitGoogleTest(&argc, argv);
     const bool bGallery = argc > 1 && std::strcmp(argv[1], "--gallery") == 0;
     if (!bGallery || argc > 2)
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+        UseNoDisplay("1");
     QApplication app(argc, argv);
     InstallDarkLook(&app);
     if (bGallery)

@@ -1,12 +1,12 @@
 // DesktopLoop_qt_test.cpp -- tests MainLoop_qt.cpp and VisualsWindow_qt.cpp inside the process, without a display
 #include "app/MainLoop.h"
 #include "app/MainLoop_qt.h"
-#include "app/SettingsTable.h"
 #include "engine/PresetManager.h"
 #include "output/Presenters.h"
 #include "output/VisualsWindow_qt.h"
 #include "state/Folders.h"
-#include "state/GlobalSettings.h"
+#include "tests/WindowFixture.h"
+#include "toolkit/WindowEvents_qt.h"
 
 #include <gtest/gtest.h>
 
@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr i32 GIVE_UP_MS = 60000;
-
 u32 nFrames = 0;
 
 u32 CountFrame(const HostBitmap *, void *)
@@ -29,12 +27,12 @@ u32 CountFrame(const HostBitmap *, void *)
     return 1;
 }
 
-class Desktop : public testing::Test {
+class Desktop : public WindowTest {
   protected:
     void SetUp() override
     {
         InitFolders({u"/nowhere/vorticade", {}, {}});
-        SetDefaultSettings();
+        WindowTest::SetUp();
         GlobalSettings.nBufferWidth = GlobalSettings.nBufferHeight = 128;
         GlobalSettings.ThreadedPlanes = 0;
         GlobalSettings.pSound = &Sound;
@@ -47,7 +45,7 @@ class Desktop : public testing::Test {
     {
         RemovePresenter(CountFrame, nullptr);
         SwitchPreset(nullptr, nullptr);
-        GlobalSettings = {};
+        WindowTest::TearDown();
     }
 
     SoundFrame Sound = {};
@@ -57,7 +55,7 @@ class Desktop : public testing::Test {
 template <typename Fn> void RunModalBox(Fn act)
 {
     QMessageBox box;
-    KeepFramesDuring(&box);
+    KeepFramesUnder(&box);
     const u32 nBefore = nFrames;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {
@@ -77,7 +75,7 @@ TEST_F(Desktop, FramesGoOnUnderAModalBoxAndTheEndOfTheProgramClosesIt)
         RunModalBox([](QMessageBox *) { RequestExit(); });
         nBoxesClosed++;
     });
-    QTimer::singleShot(GIVE_UP_MS, [] { RequestExit(); });
+    QTimer::singleShot(3 * GIVE_UP_MS, [] { RequestExit(); });
     RunMainLoop();
     EXPECT_EQ(2u, nBoxesClosed);
     EXPECT_GE(nFrames, 10u);
@@ -146,9 +144,5 @@ TEST_F(Desktop, AHiddenWindowTakesNoFramesAndAMovingOnePutsTheBufferOff)
 
 int main(int argc, char **argv)
 {
-    testing::InitGoogleTest(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_SCALE_FACTOR", "2");
-    QApplication app(argc, argv);
-    return RUN_ALL_TESTS();
+    return RunWindowTests(argc, argv, "2");
 }

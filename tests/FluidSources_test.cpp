@@ -2,17 +2,18 @@
 #include "controls/FluidSources.h"
 
 #include "controls/ControlManager.h"
+#include "controls/FileList.h"
 #include "platform/Clock.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
 #include "state/GlobalSettings.h"
+#include "tests/TempFolder.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <deque>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 #include <numeric>
@@ -504,18 +505,16 @@ TEST_F(FluidSources, ClearingAListEmptiesTheCurrentFileAndStopsTheWalk)
 
 TEST_F(FluidSources, FilesAreFoundInTheDataFoldersAndOtherNamesStayAsTheyAre)
 {
-    const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "FluidSources_test";
-    std::filesystem::create_directories(folder / "Images");
-    std::ofstream(folder / "Images" / "there.png") << "x";
-    InitFolders({.program = {}, .data = folder.u16string(), .modules = {}});
+    const TempFolder folder;
+    const std::filesystem::path there = folder.Write("Images/there.png");
+    InitFolders({.program = {}, .data = folder.Wide(), .modules = {}});
     Make(CONTROLTYPE_FILESELECT, FLUIDSOURCE_FIXED);
     const std::u16string longName(300, u'n');
     SetFileList(pctl, CopyOfText(longName + u"\r\nC:\\moved\\there.png\r\n/elsewhere/not here.png"));
     EvaluateControl(pctl, true);
-    EXPECT_EQ(std::u16string(pctl->FileSelect.szCurrentFile), (folder / "Images" / "there.png").u16string());
+    EXPECT_EQ(std::u16string(pctl->FileSelect.szCurrentFile), there.u16string());
     EvaluateControl(pctl, true);
     EXPECT_EQ(std::u16string(pctl->FileSelect.szCurrentFile), u"/elsewhere/not here.png");
     EvaluateControl(pctl, true);
     EXPECT_EQ(std::u16string(pctl->FileSelect.szCurrentFile), longName.substr(0, 259));
-    std::filesystem::remove_all(folder);
 }

@@ -2,6 +2,7 @@
 #include "library/FolderWatch.h"
 
 #include "platform/Text.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -123,16 +124,12 @@ class FolderWatch : public testing::Test {
   protected:
     void SetUp() override
     {
-        char szFolder[] = "/tmp/vd-watch-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        folder = szFolder;
         sLog.clear();
         nLost = 0;
     }
     void TearDown() override
     {
         StopAllWatches();
-        fs::remove_all(folder);
     }
     i32 Watch(const fs::path &path)
     {
@@ -157,9 +154,9 @@ class FolderWatch : public testing::Test {
     }
     void Touch(const std::string &sName) const
     {
-        std::ofstream(folder / sName) << "x";
+        folder.Write(sName);
     }
-    fs::path folder;
+    TempFolder folder;
 };
 
 TEST_F(FolderWatch, CallsBackForEachKindOfChangeAndNotForFolders)
@@ -259,7 +256,7 @@ TEST_F(WatchWithErrors, NoticesThatCannotBeReadDoNotEndTheWatch)
 {
     ASSERT_GT(Watch(folder), 0);
     const int fdNotify = FindOpenFile("anon_inode:inotify");
-    const int fdFolder = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    const int fdFolder = open(folder.string().c_str(), O_RDONLY | O_DIRECTORY);
     ASSERT_GE(fdNotify, 0);
     ASSERT_GE(syscall(SYS_dup3, fdFolder, fdNotify, 0), 0); // always ready, and never to be read
     close(fdFolder);

@@ -1,12 +1,12 @@
 // Folders_test.cpp -- how the program finds its folders, and files in them
 #include "platform/Text.h"
 #include "state/Folders.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace fs = std::filesystem;
@@ -30,23 +30,11 @@ class Folders : public testing::Test {
   protected:
     void SetUp() override
     {
-        std::string sTemplate = (fs::temp_directory_path() / "vd-folders-XXXXXX").string();
-        ASSERT_NE(mkdtemp(sTemplate.data()), nullptr);
-        folder = sTemplate;
         setenv("XDG_DATA_HOME", (folder / "share").c_str(), 1);
-    }
-    void TearDown() override
-    {
-        fs::remove_all(folder);
     }
     void UseData(const fs::path &data) const
     {
         InitFolders({u"/media/stick/vorticade", FromUtf8(data.string()), {}});
-    }
-    void Write(const fs::path &name) const
-    {
-        fs::create_directories((folder / name).parent_path());
-        std::ofstream(folder / name) << "x";
     }
     // The path that is found, or a note that the buffer was left as it was.
     std::string Find(std::u16string_view path) const
@@ -66,7 +54,7 @@ class Folders : public testing::Test {
         return (bDone ? "" : "kept: ") + ToUtf8(sz);
     }
 
-    fs::path folder;
+    TempFolder folder;
 };
 
 } // namespace
@@ -137,13 +125,13 @@ TEST_F(Folders, ADataFileIsFoundInTheFirstFolderThatHasIt)
 {
     UseData(folder);
     for (const char *psz : {"Presets/a.png", "Shaders/a.png", "ScreenShots/a.png", "Palettes/a.png", "Images/a.png"}) {
-        Write(psz); // each later one comes before the others
+        folder.Write(psz); // each later one comes before the others
         EXPECT_EQ(Find(u"C:\\Old\\Place\\a.png"), psz);
         EXPECT_EQ(Find(u"A.PNG"), psz);
     }
-    Write("Objects/b.png");
+    folder.Write("Objects/b.png");
     fs::create_directories(folder / "Images/c.png");
-    Write("Presets/c.png");
+    folder.Write("Presets/c.png");
     EXPECT_EQ(Find(u"b.png"), "not found");
     EXPECT_EQ(Find(u"/old/c.png"), "Presets/c.png"); // a folder of that name is no file
     EXPECT_EQ(Find(u"a.png/"), "not found");

@@ -6,6 +6,7 @@
 #include "platform/Files.h"
 #include "platform/Notices.h"
 #include "tests/EngineFixture.h"
+#include "tests/TempFolder.h"
 
 #include <algorithm>
 #include <atomic>
@@ -21,13 +22,16 @@ namespace fs = std::filesystem;
 
 std::vector<std::string> asStatus;
 
+void KeepStatus(const char16_t *psz, void *)
+{
+    asStatus.push_back(ToUtf8(psz));
+}
+
 class FrameRecorder : public EngineTest {
   protected:
     void SetUp() override
     {
         EngineTest::SetUp();
-        folder = fs::temp_directory_path() / ("recorder-" + std::to_string(getpid()));
-        fs::remove_all(folder);
         fs::create_directories(folder / "100% of it");
         GlobalSettings.bVisualsWindow = 1;
         GlobalSettings.hwndVisuals.nWidth = 150;
@@ -35,20 +39,19 @@ class FrameRecorder : public EngineTest {
         GlobalSettings.AutoAdjustBuffer = 1;
         StoreRecordingChoice({RECORD_METHOD_FRAMES, 160, 128, 0, Folder("100% of it//\\"), u"f-%03d.ppm"});
         asStatus.clear();
-        pfnRecorderStatus = [](const char16_t *psz) { asStatus.push_back(ToUtf8(psz)); };
+        RecorderStatusListeners.Add(KeepStatus);
         MakePreset(1);
         Add(MODULEINDEX_DRAWPAINTER);
     }
     void TearDown() override
     {
         FinishFrameRecorder();
-        pfnRecorderStatus = nullptr;
-        fs::remove_all(folder);
+        RecorderStatusListeners.Remove(KeepStatus);
         EngineTest::TearDown();
     }
     std::u16string Folder(const char *pszName) const
     {
-        return FromUtf8((folder / pszName).string());
+        return folder.Wide(pszName);
     }
     // One frame that goes the way of the show.
     void Show(u64 nMs = 16)
@@ -80,7 +83,7 @@ class FrameRecorder : public EngineTest {
         return as;
     }
 
-    fs::path folder;
+    TempFolder folder;
 };
 
 TEST_F(FrameRecorder, TenSecondsAreSixHundredFramesOfTheRecordingsOwnSize)
@@ -185,7 +188,7 @@ TEST_F(FrameRecorder, NothingWaitsForPicturesThatAreStillBeingWritten)
 {
     static std::atomic<bool> bHold;
     bHold = true;
-    InitFolders({u"/nowhere/vorticade", FromUtf8(folder.string()), {}});
+    InitFolders({u"/nowhere/vorticade", folder.Wide(), {}});
     pfnRecorderSave = [](const HostBitmap *, const char16_t *, u32) -> u32 {
         while (bHold)
             usleep(100);
@@ -222,7 +225,7 @@ TEST_F(FrameRecorder, NothingWaitsForPicturesThatAreStillBeingWritten)
 
 TEST_F(FrameRecorder, ACaptureAndAFrameOfOneMomentAreBothSaved)
 {
-    InitFolders({u"/nowhere/vorticade", FromUtf8(folder.string()), {}});
+    InitFolders({u"/nowhere/vorticade", folder.Wide(), {}});
     ToggleFrameRecorder(0, 10);
     Show();
     Show();

@@ -225,8 +225,12 @@ TEST_F(FrameStep, ALatePlaneDropsFramesAndDoesNotCompleteALaterOne)
     rb.bHold = 1;
     Behave(pmsLate, rb);
     TakeLog();
+    DismissNotices();
     EXPECT_EQ(0u, Step()) << "dropped";
+    EXPECT_NE(std::string::npos, NoticeText().find("plane 1 hangs"));
+    DismissNotices();
     EXPECT_EQ(0u, Step()) << "and the next one too";
+    EXPECT_EQ("", NoticeText()) << "a hang is told of once";
     EXPECT_TRUE(PlaneIsBusy(lppsi->psPlane[0]));
     EXPECT_FALSE(PlaneIsBusy(lppsi->psPlane[1]));
     EXPECT_EQ("D", CallsOf(TakeLog(), pmsLate->pvContext)) << "nobody else enters the plane";

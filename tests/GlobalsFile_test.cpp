@@ -7,6 +7,7 @@
 #include "platform/Text.h"
 #include "platform/WholeFile.h"
 #include "state/Folders.h"
+#include "tests/TempFolder.h"
 #include "toolkit/UIColors.h"
 
 #include <gtest/gtest.h>
@@ -15,8 +16,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -25,26 +26,18 @@ namespace {
 
 class Globals : public ::testing::Test {
   protected:
-    fs::path folder;
+    TempFolder folder;
 
     void SetUp() override
     {
-        std::string s = (fs::temp_directory_path() / "vd-globals-XXXXXX").string();
-        ASSERT_TRUE(mkdtemp(s.data()));
-        folder = s;
-        InitFolders({.program = {}, .data = FromUtf8(s), .modules = {}});
+        InitFolders({.program = {}, .data = folder.Wide(), .modules = {}});
         RecorderCombos = {};
         CurrentCombo = {};
-        pfnUIColorChanged = nullptr;
         SetDefaultSettings();
-    }
-    void TearDown() override
-    {
-        fs::remove_all(folder);
     }
     u32 Read(const std::string &sBody)
     {
-        std::ofstream(folder / "Globals.XML") << "<?xml version=\"1.0\"?>\n<Globals>\n" + sBody + "</Globals>";
+        folder.Write("Globals.XML", "<?xml version=\"1.0\"?>\n<Globals>\n" + sBody + "</Globals>");
         return ReadGlobals(&GlobalSettings);
     }
     std::string Written()
@@ -252,12 +245,14 @@ TEST_F(Globals, TheKeysInUseAreTheStoredOnesOrThoseOfTheFirstCombination)
 
 TEST_F(Globals, ColoursAreFoundUnderTheirUnderscoresAlone)
 {
-    static u32 dwBackground;
-    dwBackground = 0;
-    pfnUIColorChanged = [](u32 iRow) {
+    static u32 dwBackground, nTold;
+    dwBackground = nTold = 0;
+    constexpr auto pfnTake = [](u32 iRow, void *) {
+        nTold++;
         if (iRow == UICOLOR_WINDOW_BACKGROUND)
             dwBackground = UIColorTable[iRow].dwColor;
     };
+    UIColorListeners.Add(pfnTake);
     Read("\t<UIColors>\n<Meter High>1</Meter High><Meter_Low>2</Meter_Low><window_background>-1</window_background>"
          "<Timer>x</Timer></UIColors>\n");
     EXPECT_EQ(UIColorTable[UICOLOR_METER_HIGH].dwColor, 0x5050FAu);
@@ -267,9 +262,11 @@ TEST_F(Globals, ColoursAreFoundUnderTheirUnderscoresAlone)
     EXPECT_EQ(SetUIColor(UICOLORS, 5), 0u);
     EXPECT_EQ(SetUIColor(UICOLOR_METER_LOW, 0xFF000003), 2u);
     EXPECT_EQ(UIColorTable[UICOLOR_METER_LOW].dwColor, 3u);
-    pfnUIColorChanged = [](u32) { FAIL() << "nothing has changed"; };
+    const u32 nChanges = std::exchange(nTold, 0u);
     SetUIColor(UICOLOR_METER_LOW, 3);
-    pfnUIColorChanged = nullptr;
+    UIColorListeners.Remove(pfnTake);
+    EXPECT_EQ(nChanges, 4u);
+    EXPECT_EQ(nTold, 0u) << "nothing has changed";
 }
 
 TEST_F(Globals, TheWindowLayoutSurvivesAProgramWithoutWindows)
@@ -293,7 +290,7 @@ TEST_F(Globals, AFileThatIsNoSettingsFileLeavesTheDefaultsAndIsKept)
     const GlobalSettingsRecord gs = GlobalSettings;
     for (const char *pszText :
          {"", "x", "<?xml?>\n<Preset><FPSTarget>30</FPSTarget></Preset>", "\xFF\xFE\n<Globals>"}) {
-        std::ofstream(folder / "Globals.XML") << pszText;
+        folder.Write("Globals.XML", pszText);
         EXPECT_EQ(ReadGlobals(&GlobalSettings), 1u);
         CopyText(GlobalSettings.FrameRecordStart, u"");
         CopyText(GlobalSettings.FrameRecordStop, u"");

@@ -1,5 +1,6 @@
 // Hostile_test.cpp -- modules that break the rules; meant to run under an address sanitizer
 #include "controls/ControlManager.h"
+#include "controls/FileList.h"
 #include "controls/FluidSources.h"
 #include "platform/Threads.h"
 #include "tests/EngineFixture.h"

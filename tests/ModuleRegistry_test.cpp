@@ -2,12 +2,12 @@
 #include "modules/ModuleRegistry.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <string>
 #include <vector>
@@ -20,15 +20,11 @@ class ModuleRegistry : public testing::Test {
   protected:
     void SetUp() override
     {
-        std::string sTemplate = (fs::temp_directory_path() / "vd-modules-XXXXXX").string();
-        ASSERT_TRUE(mkdtemp(sTemplate.data()));
-        folder = sTemplate;
-        InitFolders({u"/nowhere/vorticade", {}, FromUtf8(folder.string())});
+        InitFolders({u"/nowhere/vorticade", {}, folder.Wide()});
     }
     void TearDown() override
     {
         UnloadModules();
-        fs::remove_all(folder);
     }
 
     // Puts a copy of a test module into the folder.
@@ -51,7 +47,7 @@ class ModuleRegistry : public testing::Test {
         return as;
     }
 
-    fs::path folder;
+    TempFolder folder;
 };
 
 using Strings = std::vector<std::string>;
@@ -87,7 +83,7 @@ TEST_F(ModuleRegistry, WhatIsNoModuleIsPassedOverAndABrokenOneIsNamed)
     Place("MissingEntryPoint.dll", "B.dll");
     Place("NoModule.dll", "C.dll");
     Place("MinimalPainter.dll", "D.DLL");
-    std::ofstream(folder / "E.txt") << "not looked at";
+    folder.Write("E.txt", "not looked at");
 
     const std::string sSaid = LoadAndListen();
     EXPECT_EQ((Strings{"A.dll", "D.DLL"}), Names());
@@ -100,7 +96,7 @@ TEST_F(ModuleRegistry, WhatIsNoModuleIsPassedOverAndABrokenOneIsNamed)
 TEST_F(ModuleRegistry, AFileThatIsNoLibraryEndsTheSearchAndIsNamed)
 {
     Place("Idle.dll", "A.dll");
-    std::ofstream(folder / "NotALibrary.dll") << "#!/bin/sh\necho no library\n";
+    folder.Write("NotALibrary.dll", "#!/bin/sh\necho no library\n");
     Place("Idle.dll", "Z.dll");
 
     const std::string sSaid = LoadAndListen();
@@ -108,7 +104,7 @@ TEST_F(ModuleRegistry, AFileThatIsNoLibraryEndsTheSearchAndIsNamed)
     EXPECT_NE(std::string::npos, sSaid.find("NotALibrary.dll")) << sSaid;
     testing::internal::CaptureStderr();
     EXPECT_EQ(0u, LoadModule(u""));
-    EXPECT_EQ(0u, LoadModule(FromUtf8((folder / "NotALibrary.dll").string())));
+    EXPECT_EQ(0u, LoadModule(folder.Wide("NotALibrary.dll")));
     testing::internal::GetCapturedStderr();
 }
 

@@ -109,4 +109,31 @@ TEST(Presenters, EveryFrameGoesToAllOfThemInOrderAndCountsAsShownOnce)
     RemovePresenter(pfn, szB);
 }
 
+TEST(Presenters, OneThatRemovesItselfDoesNotMakeTheNextMissItsFrame)
+{
+    static u32 nFirst, nRest;
+    nFirst = nRest = 0;
+    static PresenterFn pfnOnce = [](const HostBitmap *, void *pv) {
+        RemovePresenter(pfnOnce, pv);
+        nFirst++;
+        return 0u;
+    };
+    const PresenterFn pfn = [](const HostBitmap *, void *) {
+        nRest++;
+        return 0u;
+    };
+    constexpr u32 COUNT = 20;
+    char acContext[COUNT];
+    AddPresenter(pfnOnce, nullptr);
+    for (char &c : acContext)
+        AddPresenter(pfn, &c);
+    HostBitmap hbm = {};
+    PresentFrame(&hbm);
+    PresentFrame(&hbm);
+    EXPECT_EQ(1u, nFirst);
+    EXPECT_EQ(2 * COUNT, nRest);
+    for (char &c : acContext)
+        RemovePresenter(pfn, &c);
+}
+
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -77,19 +78,9 @@ void ExpectRefused(const std::string &bytes)
 
 class PaletteFile : public ::testing::Test {
   protected:
-    void SetUp() override
-    {
-        folder = std::filesystem::temp_directory_path() / ("palettes-" + std::to_string(getpid()));
-        std::filesystem::create_directories(folder);
-    }
-    void TearDown() override
-    {
-        std::filesystem::remove_all(folder);
-    }
     std::u16string Write(const char *pszName, const std::string &bytes) const
     {
-        std::ofstream(folder / pszName, std::ios::binary) << bytes;
-        return FromUtf8((folder / pszName).string());
+        return FromUtf8(folder.Write(pszName, bytes).string());
     }
     static Palette Read(const std::u16string &path)
     {
@@ -97,7 +88,7 @@ class PaletteFile : public ::testing::Test {
         pal.bRead = ReadPaletteFile(path, &pal.nColors, pal.abRed, pal.abGreen, pal.abBlue);
         return pal;
     }
-    std::filesystem::path folder;
+    TempFolder folder;
 };
 
 // ---- Resampling once more, in double precision: between the ends the parabola of Lagrange through each colour and the

@@ -3,6 +3,7 @@
 #include "platform/Bitmap.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -51,14 +52,11 @@ class PictureFiles : public testing::Test {
   protected:
     void SetUp() override
     {
-        folder = fs::temp_directory_path() / ("pictures-" + std::to_string(getpid()));
-        fs::create_directories(folder);
         hbm = MakePicture(61, 33, NoisyPixel);
     }
     void TearDown() override
     {
         DeleteBitmap(hbm);
-        fs::remove_all(folder);
     }
     static HostBitmap *MakePicture(i32 nWidth, i32 nHeight, u32 (*pfnPixel)(std::mt19937 *, i32, i32))
     {
@@ -76,7 +74,7 @@ class PictureFiles : public testing::Test {
     }
     std::u16string Path(const char *pszName) const
     {
-        return FromUtf8((folder / pszName).string());
+        return folder.Wide(pszName);
     }
     u32 Save(const char *pszName, u32 nQuality = 90) const
     {
@@ -110,7 +108,7 @@ class PictureFiles : public testing::Test {
         return rgba;
     }
 
-    fs::path folder;
+    TempFolder folder;
     HostBitmap *hbm = nullptr;
 };
 
@@ -264,7 +262,7 @@ TEST_F(PictureFiles, WhatCannotBeSavedReturnsZeroAndLeavesNoFile)
 
 TEST_F(PictureFiles, AnExistingFileIsOverwritten)
 {
-    std::ofstream(folder / "a.png") << std::string(100000, 'x');
+    folder.Write("a.png", std::string(100000, 'x'));
     ASSERT_EQ(Save("a.png"), 1u);
     EXPECT_LT(fs::file_size(folder / "a.png"), 20000u);
     EXPECT_EQ(Bytes("a.png").substr(1, 3), "PNG");

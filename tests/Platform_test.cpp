@@ -6,6 +6,7 @@
 #include "platform/SharedMemory.h"
 #include "platform/Text.h"
 #include "platform/Threads.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <semaphore.h>
 #include <set>
@@ -94,24 +94,13 @@ namespace {
 
 class Files : public testing::Test {
   protected:
-    void SetUp() override
-    {
-        std::string sTemplate = (fs::temp_directory_path() / "vd-files-XXXXXX").string();
-        ASSERT_NE(mkdtemp(sTemplate.data()), nullptr);
-        folder = sTemplate;
-    }
-    void TearDown() override
-    {
-        fs::remove_all(folder);
-    }
     void Write(const fs::path &name)
     {
-        fs::create_directories((folder / name).parent_path());
-        std::ofstream(folder / name) << name.string();
+        folder.Write(name, name.string());
     }
     std::u16string Path(std::u16string_view tail) const
     {
-        return FromUtf8(folder.string()) + u"/" + std::u16string(tail);
+        return folder.Wide() + u"/" + std::u16string(tail);
     }
     std::vector<std::string> Names(std::u16string_view pattern) const
     {
@@ -123,7 +112,7 @@ class Files : public testing::Test {
         return asName;
     }
 
-    fs::path folder;
+    TempFolder folder;
 };
 
 using Strings = std::vector<std::string>;

@@ -172,16 +172,12 @@ TEST_F(Document, TheMarkIsToldOnceHoweverOftenItIsSet)
     TakeTold();
     MarkPresetChanged();
     MarkPresetChanged();
-    ServePresetMark();
     EXPECT_EQ("marked: *One.VD Presets/One.VD\n", TakeTold());
     SetPresetChanged(u"/some/where\\Else.VD", 0);
     EXPECT_EQ("marked: Else.VD Presets/One.VD\n", TakeTold());
     bPresetChanged = 1; // as a list of files does that finds its lines
     MarkPresetChanged();
     EXPECT_EQ("", TakeTold());
-    ServePresetMark();
-    ServePresetMark();
-    EXPECT_EQ("marked: *Else.VD Presets/One.VD\n", TakeTold());
 }
 
 // What the start says about a preset of that name in the settings, or of that path on the command line.

@@ -12,12 +12,6 @@
 #include <random>
 #include <thread>
 
-// Until the document is there.
-__attribute__((weak)) void MarkPresetChanged()
-{
-    bPresetChanged = 1;
-}
-
 namespace {
 
 const u32 adwType[] = {CONTROLTYPE_GROUP,   CONTROLTYPE_INTEGER,    CONTROLTYPE_ITEMSELECT, CONTROLTYPE_FLOAT,
@@ -62,6 +56,15 @@ class PresetEdits : public EngineTest {
     bool Heard(NewsKind eKind) const
     {
         return std::any_of(heard.begin(), heard.end(), [=](const PresetNews &news) { return news.eKind == eKind; });
+    }
+
+    PresetNews LastOf(NewsKind eKind) const
+    {
+        PresetNews last = {};
+        for (const PresetNews &news : heard)
+            if (news.eKind == eKind)
+                last = news;
+        return last;
     }
 
     // Two planes with modules, a post-processing module and two rules.
@@ -455,17 +458,16 @@ TEST_F(PresetEdits, AControlThatCannotBeAnimatedRestartsItsModule)
     EXPECT_EQ(EditResult::Done, Set(WriteNumber(Control(STIFF), EditField::IntegerValue, 9999)));
     EXPECT_EQ(1, pmsPainter->bResetPending);
     EXPECT_EQ(100, Ctl(STIFF).Integer.nValue) << "moved to the nearer limit";
-    ASSERT_FALSE(heard.empty());
-    EXPECT_EQ(NewsKind::Control, heard.back().eKind);
-    EXPECT_EQ(&Ctl(STIFF), heard.back().pctl);
-    EXPECT_EQ(pmsPainter, heard.back().pms);
+    EXPECT_EQ(&Ctl(STIFF), LastOf(NewsKind::Control).pctl);
+    EXPECT_EQ(pmsPainter, LastOf(NewsKind::Control).pms);
     UndoGives(before);
     EXPECT_EQ(EditResult::Done, Set(WriteNumber(Control(TILES), EditField::Tile, 0, 5)));
     EXPECT_EQ(EditResult::Done, Set(WriteNumber(Control(ITEM), EditField::Item, 2)));
     EXPECT_EQ(1, pmsPainter->bResetPending);
     EXPECT_EQ(EditResult::Done, Set(WriteNumber(WeightPlace(1), EditField::IntegerValue, 300)));
     EXPECT_EQ(255, lppsi->asMixRule[1].BlendWeight.Integer.nValue);
-    EXPECT_EQ(nullptr, heard.back().pms);
+    EXPECT_EQ(&lppsi->asMixRule[1].BlendWeight, LastOf(NewsKind::Control).pctl);
+    EXPECT_EQ(nullptr, LastOf(NewsKind::Control).pms);
 }
 
 TEST_F(PresetEdits, UndoingWhatAModuleHasTakenInRestartsItOnceMore)
@@ -699,4 +701,34 @@ TEST_F(PresetEdits, NothingIsDoneToAPlaneThatAThreadHangsIn)
     while (PlaneIsBusy(lppsi->psPlane[0]) || AnyThreadIsStuck())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     EXPECT_EQ(EditResult::Done, Run(aEdit[7]));
+}
+
+TEST_F(PresetEdits, APlaneThatAThreadHangsInCanBeRemovedAndComesBackAsANewOne)
+{
+    FillPreset();
+    GlobalSettings.ThreadedPlanes = 1;
+    GlobalSettings.dwPlaneWaitMs = 50;
+    RecorderBehaviour rb = {};
+    rb.bHold = 1;
+    Behave(pmsPainter, rb);
+    EXPECT_EQ(0u, Step());
+    PlaneState *ppsStuck = lppsi->psPlane[0];
+    ASSERT_TRUE(PlaneIsBusy(ppsStuck));
+    const PresetSnapshot before(lppsi);
+    EXPECT_EQ(EditResult::Done, Run(EditKind::RemovePlane, PlanePlace(0)));
+    EXPECT_EQ(1, lppsi->nPlanes);
+    UndoGives(before);
+    EXPECT_NE(ppsStuck, lppsi->psPlane[0]);
+    EXPECT_FALSE(PlaneIsBusy(lppsi->psPlane[0]));
+    rb.bHold = 0;
+    Behave(pmsPainter, rb);
+    while (AnyThreadIsStuck())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    RemovePlaneModules(ppsStuck); // what was left alone
+    DeleteBitmap(ppsStuck->Info.hbmDraw);
+    DeleteBitmap(ppsStuck->Info.hbmResolved);
+    DeleteContext(ppsStuck->Info.hdc);
+    std::free(ppsStuck->Info.lpColorTable);
+    std::free(ppsStuck->Info.pPaletteInfo);
+    std::free(ppsStuck);
 }

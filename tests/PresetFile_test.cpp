@@ -2,11 +2,12 @@
 #include "engine/PresetFile.h"
 
 #include "controls/ControlManager.h"
+#include "controls/FileList.h"
 #include "controls/FluidSources.h"
 #include "tests/EngineFixture.h"
+#include "tests/TempFolder.h"
 
 #include <filesystem>
-#include <fstream>
 #include <random>
 
 namespace {
@@ -472,19 +473,18 @@ TEST_F(PresetFile, TheOuterTagMayStandInTheLineThatIsSkipped)
 
 TEST_F(PresetFile, APresetIsFoundByPathAndByNameInThePresetFolder)
 {
-    std::string s = (std::filesystem::temp_directory_path() / "vd-preset-XXXXXX").string();
-    ASSERT_TRUE(mkdtemp(s.data()));
-    InitFolders({u"/nowhere/vorticade", FromUtf8(s), FromUtf8(TEST_MODULE_FOLDER)});
-    std::filesystem::create_directory(s + "/Presets");
+    const TempFolder folder;
+    InitFolders({u"/nowhere/vorticade", folder.Wide(), FromUtf8(TEST_MODULE_FOLDER)});
+    std::filesystem::create_directory(folder / "Presets");
     MakePreset(2);
     AddMixRule(lppsi);
     std::string sWhy;
-    EXPECT_TRUE(SavePresetFile(lppsi, FromUtf8(s + "/Presets/Mine.VD"), &sWhy)) << sWhy;
-    EXPECT_FALSE(SavePresetFile(lppsi, FromUtf8(s + "/Missing/Mine.VD"), &sWhy));
+    EXPECT_TRUE(SavePresetFile(lppsi, folder.Wide("Presets/Mine.VD"), &sWhy)) << sWhy;
+    EXPECT_FALSE(SavePresetFile(lppsi, folder.Wide("Missing/Mine.VD"), &sWhy));
     EXPECT_NE(sWhy, "");
-    EXPECT_FALSE(SavePresetFile(nullptr, FromUtf8(s + "/Presets/Mine.VD")));
+    EXPECT_FALSE(SavePresetFile(nullptr, folder.Wide("Presets/Mine.VD")));
     for (const std::u16string &name :
-         {FromUtf8(s + "/Presets/Mine.VD"), std::u16string(u"Mine.VD"), std::u16string(u"mine.vd")}) {
+         {folder.Wide("Presets/Mine.VD"), std::u16string(u"Mine.VD"), std::u16string(u"mine.vd")}) {
         PresetState *lppsiLoaded = LoadPresetFile(name);
         ASSERT_TRUE(lppsiLoaded) << ToUtf8(name);
         EXPECT_EQ(lppsiLoaded->nPlanes, 2);
@@ -492,7 +492,6 @@ TEST_F(PresetFile, APresetIsFoundByPathAndByNameInThePresetFolder)
     }
     EXPECT_EQ(LoadPresetFile(u"Gone.VD"), nullptr);
     EXPECT_EQ(LoadPresetFile(u""), nullptr);
-    std::filesystem::remove_all(s);
 }
 
 TEST_F(PresetFile, EveryModuleIsUpAfterLoadingAndResetsRightAfterItsFirstFrame)

@@ -8,6 +8,7 @@
 #include "modules/ModuleRegistry.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -27,10 +28,6 @@ class PresetFolderTest : public testing::Test {
   protected:
     void SetUp() override
     {
-        char szFolder[] = "/tmp/vd-presets-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        data = szFolder;
-        presets = data / "Presets";
         fs::create_directory(presets);
         UseModules({"Alpha.dll", "Beta.dll", "Gamma.dll"});
     }
@@ -38,7 +35,6 @@ class PresetFolderTest : public testing::Test {
     {
         FreePresetLibrary();
         UnloadModules();
-        fs::remove_all(data);
     }
 
     // The same library under each of the names, in this order; in the place of those before.
@@ -59,14 +55,11 @@ class PresetFolderTest : public testing::Test {
     }
     void Write(const std::string &sName, const std::string &sText) const
     {
-        std::ofstream(presets / sName, std::ios::binary | std::ios::trunc) << sText;
+        data.Write(presets / sName, sText);
     }
     std::string Read(const fs::path &path) const
     {
-        std::ifstream file(path, std::ios::binary);
-        std::stringstream s;
-        s << file.rdbuf();
-        return s.str();
+        return data.Read(path);
     }
     void Open() const
     {
@@ -130,5 +123,6 @@ class PresetFolderTest : public testing::Test {
         return false;
     }
 
-    fs::path data, presets;
+    TempFolder data;
+    fs::path presets = data / "Presets";
 };

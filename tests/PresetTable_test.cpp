@@ -1,7 +1,7 @@
-// PresetTable_test.cpp -- tests PresetTable.cpp and PresetSearch.cpp without files: slots, lookups, growth, threads
+// PresetTable_test.cpp -- tests PresetTable.cpp without files: slots, lookups, growth, threads
 #include "library/PresetTable.h"
 
-#include "library/PresetSearch.h"
+#include "library/browser/PresetFilter.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
 
@@ -11,6 +11,7 @@
 #include <atomic>
 #include <chrono>
 #include <map>
+#include <memory>
 #include <random>
 #include <set>
 #include <string>
@@ -129,37 +130,40 @@ TEST_F(PresetTable, AgreesWithAMapOverTwentyThousandEntries)
     }
 }
 
-TEST_F(PresetTable, ChangesAreToldToTheWindowThatAskedForThem)
+TEST_F(PresetTable, ChangesAreToldToAllWindowsThatAskedForThem)
 {
-    static u32 nTold;
-    nTold = 0;
+    constexpr PostPresetNoticeFn pfnPost = [](void *hwnd) { ++*static_cast<u32 *>(hwnd); };
+    u32 nFirst = 0, nSecond = 0;
     NotifyPresetChange();
-    SetPresetNotice(&nTold, 5, [](void *hwnd, u32 uMsg) { nTold += hwnd == &nTold ? uMsg : 0; });
+    AddPresetNotice(pfnPost, &nFirst);
+    AddPresetNotice(pfnPost, &nSecond);
     NotifyPresetChange();
-    SetPresetNotice(&nTold, 0, nullptr);
+    RemovePresetNotice(pfnPost, &nFirst);
     NotifyPresetChange();
-    EXPECT_EQ(5u, nTold);
+    EXPECT_EQ(1u, nFirst);
+    EXPECT_EQ(2u, nSecond);
 }
 
-TEST_F(PresetTable, SearchesFindTheirPartsInOrderWithoutRegardToAsciiCase)
+TEST_F(PresetTable, AWindowThatIsRemovedIsToldNoMoreWhicheverThreadTells)
 {
-    for (const char *pszName : {"Storm over Fjord.VD", "storm.VD", "Fjord storm.VD", "\u00c4rger.VD", ".VD"})
-        Place(pszName, 0, 0, 1);
-    EXPECT_EQ(4u, ApplySearch(u"", 0)) << "a name that is only an extension never matches";
-    EXPECT_EQ(4u, ApplySearch(u"*", 0));
-    EXPECT_EQ(3u, ApplySearch(u"STORM", 0));
-    EXPECT_EQ(1u, ApplySearch(u"storm*fjord", 0));
-    EXPECT_EQ(0u, GetPresetInfo(0)->bFiltered);
-    EXPECT_EQ(1u, GetPresetInfo(2)->bFiltered);
-    EXPECT_EQ(0u, ApplySearch(u"\u00e4rger", 0));
-    EXPECT_EQ(1u, ApplySearch(u"\u00c4RGER", 0));
-    EXPECT_EQ(0u, ApplySearch(u"vd", 0)) << "the extension is not searched";
-    EXPECT_EQ(0u, ApplySearch(std::u16string(300, u'x'), 0));
-    ForEachPreset([](i32, PresetInfo *lppi) { lppi->bChanged = 0; });
-    GetPresetInfo(1)->bSummarized = 0;
-    EXPECT_EQ(1u, ApplySearch(u"nothing", 1)) << "it may yet match by a module";
-    GetPresetInfo(2)->bChanged = 1;
-    EXPECT_EQ(5u, ApplySearch(u"nothing", 1));
+    std::atomic<bool> bEnd = false;
+    std::thread scan([&] {
+        while (!bEnd)
+            NotifyPresetChange();
+    });
+    for (i32 i = 0; i < 1000; i++) {
+        auto hwnd = std::make_unique<u32>(0); // gone as soon as it is removed
+        constexpr PostPresetNoticeFn pfnPost = [](void *pv) { ++*static_cast<u32 *>(pv); };
+        AddPresetNotice(pfnPost, hwnd.get());
+        NotifyPresetChange();
+        RemovePresetNotice(pfnPost, hwnd.get());
+        const u32 nTold = *hwnd;
+        NotifyPresetChange();
+        ASSERT_GE(nTold, 1u);
+        ASSERT_EQ(nTold, *hwnd);
+    }
+    bEnd = true;
+    scan.join();
 }
 
 // One thread adds and removes, one renames and favors, one lists and searches.

@@ -1,5 +1,6 @@
 // Render_test.cpp -- runs vorticade-render the way a user does
 #include "platform/BaseTypes.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -40,17 +41,6 @@ std::string ReadAll(const fs::path &path)
 
 class Render : public testing::Test {
   protected:
-    void SetUp() override
-    {
-        char szFolder[] = "/tmp/vd-render-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        folder = szFolder;
-    }
-    void TearDown() override
-    {
-        fs::remove_all(folder);
-    }
-
     // Runs the program with the stock data and modules.
     RunResult Run(const std::string &sArguments) const
     {
@@ -111,7 +101,7 @@ class Render : public testing::Test {
         return std::count(s.begin(), s.end(), '\n');
     }
 
-    fs::path folder;
+    TempFolder folder;
 };
 
 TEST_F(Render, TheSameCallGivesTheSameBytesInBothThreadModesAndBothMixers)
@@ -194,8 +184,8 @@ TEST_F(Render, ASongMovesThePictureAndItsSilenceCalmsIt)
 
 TEST_F(Render, ASongThatCannotBeReadEndsWithOneAndOneLine)
 {
-    std::ofstream(folder / "empty.wav").close();
-    std::ofstream(folder / "text.mp3") << std::string(100000, 'x');
+    folder.Write("empty.wav", "");
+    folder.Write("text.mp3", std::string(100000, 'x'));
     fs::create_directory(folder / "folder");
     for (const char *pszSong : {"empty.wav", "text.mp3", "folder", "missing.wav"}) {
         const RunResult result = Run(std::string("default --size 128x128 --out f-%d.png --sound ") + pszSong);
@@ -347,8 +337,8 @@ TEST_F(Render, ListsThePresetsOfAFolderByReadingThem)
 {
     fs::create_directory(folder / "p");
     std::ofstream(folder / "p" / "b.VD") << "<ModuleDLL>pmarc.DLL</ModuleDLL><Source>8</Source><ModuleDLL>CMShift.dll";
-    std::ofstream(folder / "p" / "a \"q\"\t.vd") << "x";
-    std::ofstream(folder / "p" / "c.txt") << "x";
+    folder.Write("p/a \"q\"\t.vd");
+    folder.Write("p/c.txt");
     std::ofstream(folder / "Favorites.XML") << "<x>\n<Favorites><Entries>1</Entries><Fave0><Name>b.VD</Name>"
                                                "<Favor>3</Favor></Fave0></Favorites>";
     const timespec ats[] = {{1000000000, 1234500}, {1000000000, 1234500}};

@@ -126,16 +126,16 @@ TEST_F(ShaderDrawing, SaysWhatFilesAndDriversSayLetterByLetter)
 TEST_F(ShaderDrawing, IncludesOnlyFromItsFolderAndEachFileOnce)
 {
     Write("Include/a.glsl", "#include \"sub/b.glsl\"\nfloat a() { return b(); }\n");
-    std::filesystem::create_directories(folder + "/Include/sub");
+    std::filesystem::create_directories(folder / "Include/sub");
     Write("Include/sub/b.glsl", "#include \"a.glsl\"\n#include <sub\\b.glsl>\nfloat b() { return 1.0; }\n");
     const auto p = Open("#include \"a.glsl\"\n  #  include \"sub/b.glsl\"\n" + RedIf("a() + b() == 2.0"));
     p->Draw();
     EXPECT_EQ(RED, p->Middle()) << LastMessage();
 
     Write("secret.glsl", "const float secret = 1.0;\n");
-    std::filesystem::create_symlink(folder + "/secret.glsl", folder + "/Include/link.glsl");
+    std::filesystem::create_symlink(folder / "secret.glsl", folder / "Include/link.glsl");
     for (const std::string &name :
-         {std::string("../secret.glsl"), folder + "/secret.glsl", std::string("sub/../../secret.glsl"),
+         {std::string("../secret.glsl"), (folder / "secret.glsl").string(), std::string("sub/../../secret.glsl"),
           std::string("link.glsl"), std::string("."), std::string("sub")}) {
         SCOPED_TRACE(name);
         ShaderMessages.clear();
@@ -170,12 +170,12 @@ TEST_F(ShaderDrawing, ReadsTheFileAgainWhenItChanges)
     p->Draw(3, 300);
     EXPECT_EQ(RED, p->Middle());
 
-    std::filesystem::remove(folder + "/Test.glsl");
+    std::filesystem::remove(folder / "Test.glsl");
     p->Draw(3, 300);
     EXPECT_EQ(RED, p->Middle()) << "without its file it runs on";
     // It comes back by a rename, is cut short, and comes back with its input under another name.
     const std::string renamed = "/*{\"INPUTS\":[{\"NAME\":\"z\",\"TYPE\":\"float\",\"DEFAULT\":0.5}]}*/";
-    std::filesystem::rename(Write("Next.glsl", RedIf("false")), folder + "/Test.glsl");
+    std::filesystem::rename(Write("Next.glsl", RedIf("false")), folder / "Test.glsl");
     p->Draw(3, 300);
     EXPECT_NE(RED, p->Middle());
     Write("Test.glsl", "");

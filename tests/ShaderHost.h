@@ -5,12 +5,12 @@
 #include "platform/GLWindow.h"
 #include "platform/Text.h"
 #include "tests/PainterHost.h"
+#include "tests/TempFolder.h"
 #include "toolkit/RichText.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 
@@ -84,23 +84,18 @@ class ShaderTest : public testing::Test {
   protected:
     void SetUp() override
     {
-        char szFolder[] = "/tmp/vd-shaders-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        folder = szFolder;
-        std::filesystem::create_directories(folder + "/Include");
-        setenv("FOLDER_SHADERINCLUDE", (folder + "/Include").c_str(), 1);
+        std::filesystem::create_directories(folder / "Include");
+        setenv("FOLDER_SHADERINCLUDE", (folder / "Include").c_str(), 1);
         ShaderMessages.clear();
     }
     void TearDown() override
     {
-        std::filesystem::remove_all(folder);
         unsetenv("FOLDER_SHADERINCLUDE");
         CloseGLDisplay();
     }
     std::string Write(const std::string &name, const std::string &text)
     {
-        std::ofstream(folder + "/" + name, std::ios::binary) << text;
-        return folder + "/" + name;
+        return folder.Write(name, text).string();
     }
     std::unique_ptr<ShaderInstance> Open(const std::string &text, int32_t nWidth = 16, int32_t nHeight = 8,
                                          bool bIndexed = false, int32_t nColors = 256)
@@ -108,7 +103,7 @@ class ShaderTest : public testing::Test {
         return std::make_unique<ShaderInstance>(Write("Test.glsl", text), nWidth, nHeight, bIndexed, nColors);
     }
 
-    std::string folder;
+    TempFolder folder;
 };
 
 // Where drawing is what is tested.

@@ -2,11 +2,11 @@
 #include "modules/ShaderList.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace fs = std::filesystem;
@@ -17,24 +17,20 @@ class ShaderFiles : public testing::Test {
   protected:
     void SetUp() override
     {
-        std::string sTemplate = (fs::temp_directory_path() / "vd-shaders-XXXXXX").string();
-        ASSERT_NE(mkdtemp(sTemplate.data()), nullptr);
-        folder = sTemplate;
         fs::create_directories(folder / "Shaders" / "Folder.glsl"); // a folder is no shader
-        InitFolders({u"/tmp/vorticade", FromUtf8(folder.string()), {}});
+        InitFolders({u"/tmp/vorticade", folder.Wide(), {}});
         FreeShaderList();
     }
     void TearDown() override
     {
         FreeShaderList();
-        fs::remove_all(folder);
     }
     void Write(const std::string &sName)
     {
-        std::ofstream(folder / "Shaders" / sName) << "void main() {}\n";
+        folder.Write("Shaders/" + sName, "void main() {}\n");
     }
 
-    fs::path folder;
+    TempFolder folder;
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 // Song_test.cpp -- sound files of many kinds, and their levels against the live meter
 #include "app/Song.h"
 #include "stock/shared/LevelMeter.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -32,16 +33,6 @@ f32 Sample(double fSecond)
 
 class SongFile : public testing::Test {
   protected:
-    void SetUp() override
-    {
-        char szFolder[] = "/tmp/vd-song-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        folder = szFolder;
-    }
-    void TearDown() override
-    {
-        fs::remove_all(folder);
-    }
     std::vector<f32> Write(const std::string &sName, int nFormat, int nRate, int nChannels) const
     {
         SF_INFO info = {};
@@ -72,7 +63,7 @@ class SongFile : public testing::Test {
         return LevelAt(&reading, &tempo, VOLUMETYPE_DYNAMIC, fMs);
     }
 
-    fs::path folder;
+    TempFolder folder;
     Song song = {};
 };
 
@@ -136,8 +127,8 @@ TEST_F(SongFile, ALengthThatItsWriterDidNotKnowPromisesNothing)
 
 TEST_F(SongFile, WhatIsNoSoundFileIsToldAndADamagedOneIsTakenAsFarAsItGoes)
 {
-    std::ofstream(folder / "empty.wav").close();
-    std::ofstream(folder / "text.mp3") << std::string(200000, 'x');
+    folder.Write("empty.wav", "");
+    folder.Write("text.mp3", std::string(200000, 'x'));
     fs::create_directory(folder / "folder.wav");
     ASSERT_EQ(0, mkfifo((folder / "pipe.wav").c_str(), 0600));
     for (const char *pszName : {"empty.wav", "text.mp3", "folder.wav", "pipe.wav", "missing.wav"})

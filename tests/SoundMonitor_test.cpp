@@ -6,6 +6,7 @@
 #include "platform/SharedLibrary.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
+#include "tests/TempFolder.h"
 #include "tests/modules/SoundFake.h"
 
 #include <dlfcn.h>
@@ -14,7 +15,6 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace {
@@ -22,7 +22,7 @@ namespace {
 std::string sShownTitle, sShownText;
 int nShown;
 
-void RememberError(const char16_t *pszTitle, const char16_t *pszText)
+void RememberError(const char16_t *pszTitle, const char16_t *pszText, void *)
 {
     sShownTitle = ToUtf8(pszTitle);
     sShownText = ToUtf8(pszText);
@@ -34,23 +34,17 @@ class SoundMonitor : public testing::Test {
   protected:
     void SetUp() override
     {
-        folder =
-            std::filesystem::temp_directory_path() / ("vd-monitor-" + std::to_string(getpid()) + "-" +
-                                                      testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(folder);
-        const std::u16string modules = FromUtf8(folder.string());
-        InitFolders({{}, {}, modules});
+        InitFolders({{}, {}, folder.Wide()});
         GlobalSettings.Monitor = {};
-        pfnShowError = RememberError;
+        ErrorListeners.Add(RememberError);
         nShown = 0;
     }
 
     void TearDown() override
     {
         UnbindSoundMonitor(&GlobalSettings.Monitor);
-        pfnShowError = nullptr;
+        ErrorListeners.Remove(RememberError);
         UseSystemClock();
-        std::filesystem::remove_all(folder);
     }
 
     std::filesystem::path LibraryPath() const
@@ -87,7 +81,7 @@ class SoundMonitor : public testing::Test {
         return pHandle != nullptr;
     }
 
-    std::filesystem::path folder;
+    TempFolder folder;
     FakeSoundLog log = {};
 };
 
@@ -149,13 +143,13 @@ TEST_F(SoundMonitor, AMissingLibraryIsShownWithItsPathAndTheProgramGoesOn)
     Bind();
     EXPECT_EQ(nShown, 2);
 
-    pfnShowError = nullptr;
+    ErrorListeners.Remove(RememberError);
     ExpectOneLine(Bind(), LibraryPath().string(), "Critical file not found!");
 }
 
 TEST_F(SoundMonitor, ABrokenLibraryLeavesOneLineAndNothingElse)
 {
-    std::ofstream(LibraryPath()) << "this is no library\n";
+    folder.Write(LibraryPath(), "this is no library\n");
     ExpectOneLine(Bind(), LibraryPath().string(), "no sound");
     EXPECT_TRUE(IsCleared(GlobalSettings.Monitor));
 
@@ -246,7 +240,7 @@ TEST_F(SoundMonitor, ADescriptionThatFillsItsFieldIsEnded)
     std::filesystem::remove(LibraryPath());
     EXPECT_FALSE(DescribeSoundSource(&sText));
     EXPECT_NE(sText.find(LibraryPath().string()), std::string::npos);
-    std::ofstream(LibraryPath()) << "this is no library\n";
+    folder.Write(LibraryPath(), "this is no library\n");
     EXPECT_FALSE(DescribeSoundSource(&sText));
     EXPECT_NE(sText, "");
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/BaseTypes.h"
+#include "tests/TempFolder.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -92,14 +93,12 @@ class Helper {
 // Points this process and its helpers at a server in a folder of its own, which runs after StartServer.
 class SoundServer {
   public:
-    explicit SoundServer(const std::string &sName)
-        : folder(std::filesystem::temp_directory_path() / ("vd-" + sName + "-" + std::to_string(getpid())))
+    explicit SoundServer(const std::string &sName) : folder(sName)
     {
-        std::filesystem::create_directories(folder);
         setenv("PULSE_SERVER", ("unix:" + Socket()).c_str(), 1);
-        setenv("HOME", folder.c_str(), 1);
-        setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
-        setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
+        setenv("HOME", folder.string().c_str(), 1);
+        setenv("XDG_RUNTIME_DIR", folder.string().c_str(), 1);
+        setenv("XDG_CONFIG_HOME", folder.string().c_str(), 1);
         unsetenv("PULSE_COOKIE");
     }
 
@@ -107,8 +106,6 @@ class SoundServer {
     {
         player.End();
         server.End();
-        std::error_code ignored;
-        std::filesystem::remove_all(folder, ignored);
     }
 
     static bool IsInstalled()
@@ -179,6 +176,6 @@ class SoundServer {
             .write(reinterpret_cast<const char *>(af.data()), static_cast<std::streamsize>(af.size() * sizeof(f32)));
     }
 
-    std::filesystem::path folder;
+    TempFolder folder;
     Helper server, player;
 };

@@ -1,11 +1,14 @@
 // Startup_test.cpp -- tests Startup.cpp, SharedStatus.cpp and MainLoop.cpp
 #include "app/MainLoop.h"
+#include "app/RenderOptions.h"
+#include "app/RenderRun.h"
 #include "app/SharedStatus.h"
 #include "app/Startup.h"
 #include "app/Steps.h"
-#include "controls/ControlManager.h"
-#include "engine/PresetNews.h"
+#include "platform/Sanitizers.h"
+#include "platform/Text.h"
 #include "state/GlobalSettings.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +18,25 @@
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
+
+static size_t cbToFail = 0;
+
+#if defined(VD_ADDRESS_SANITIZER) || defined(VD_THREAD_SANITIZER)
+constexpr bool CAN_FAIL_CALLOC = false;
+#else
+constexpr bool CAN_FAIL_CALLOC = true;
+extern "C" {
+void *__libc_calloc(size_t n, size_t cb);
+
+// Takes the place of the system's, for one record of that size.
+void *calloc(size_t n, size_t cb)
+{
+    return n == 1 && cb == cbToFail ? nullptr : __libc_calloc(n, cb);
+}
+}
+#endif
 
 namespace {
 
@@ -24,14 +45,7 @@ class SharedStatus : public testing::Test {
   protected:
     void SetUp() override
     {
-        char szFolder[] = "/tmp/vd-startup-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        sFolder = szFolder;
-        setenv("XDG_RUNTIME_DIR", szFolder, 1);
-    }
-    void TearDown() override
-    {
-        rmdir(sFolder.c_str());
+        setenv("XDG_RUNTIME_DIR", folder.string().c_str(), 1);
     }
 
     static const u8 *Bytes()
@@ -54,7 +68,7 @@ class SharedStatus : public testing::Test {
         waitpid(pid, &nStatus, 0);
         return WEXITSTATUS(nStatus);
     }
-    std::string sFolder;
+    TempFolder folder;
 };
 
 TEST_F(SharedStatus, ANewBlockHoldsItsSizeVersionAndMarkAndZeroOtherwise)
@@ -95,6 +109,50 @@ TEST_F(SharedStatus, AProgramOfAnotherVersionKeepsThisOneOut)
     pssb->cbSize = 5922;
     EXPECT_EQ(1, OpenInChild());
     CloseSharedStatus();
+}
+
+// Exit code of the function in another process, and what it said on standard error.
+template <typename Fn> std::pair<int, std::string> RunInChild(Fn run)
+{
+    testing::internal::CaptureStderr();
+    const pid_t pid = fork();
+    if (pid == 0)
+        _exit(run());
+    int nStatus = 0;
+    waitpid(pid, &nStatus, 0);
+    return {WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1, testing::internal::GetCapturedStderr()};
+}
+
+TEST_F(SharedStatus, TheStartSaysThatTheBlockKeptItOut)
+{
+    ASSERT_NE(0u, OpenSharedStatus());
+    static_cast<SharedStatusBlock *>(GlobalSettings.pSharedStatus)->dwVersion = 13;
+    const auto [nExit, sSaid] = RunInChild([&] {
+        const std::u16string data = FromUtf8(sFolder);
+        return StartCore({data, data, {}});
+    });
+    CloseSharedStatus();
+    EXPECT_EQ(static_cast<u8>(EXIT_MAPPING), nExit);
+    EXPECT_EQ("Startup_test: the start failed at this step: shared block\n", sSaid);
+}
+
+TEST_F(SharedStatus, ARendererWithoutMemoryForItsSoundEndsWithOneAndOneLine)
+{
+    if (!CAN_FAIL_CALLOC)
+        GTEST_SKIP() << "the allocator is the sanitizer's";
+    RenderOptions render;
+    render.preset = "default";
+    render.start.data = render.start.modules = FromUtf8(sFolder);
+    RenderOptions list = render;
+    list.list = sFolder;
+    for (const RenderOptions &ro : {render, list}) {
+        const auto [nExit, sSaid] = RunInChild([&] {
+            cbToFail = sizeof(SoundFrame);
+            return RunRender(ro);
+        });
+        EXPECT_EQ(1, nExit);
+        EXPECT_EQ("Startup_test: the start failed at this step: sound block\n", sSaid);
+    }
 }
 
 // What the frame timer was told, as text: "+7" started on window 7, "-7" killed.
@@ -180,19 +238,19 @@ TEST_F(DialogFrames, ThePeriodFollowsTheTargetWithinTenToAHundredMilliseconds)
     }
 }
 
-TEST(Startup, ATurnOfTheLoopTellsOfAMarkThatNoCommandSet)
+TEST(MainLoop, ATurnBeginsWithThoseWhoWaitForItAlsoWithoutAFrame)
 {
-    u32 nTold = 0;
-    const auto pfnCount = [](const PresetNews &news, void *pv) {
-        *static_cast<u32 *>(pv) += news.eKind == NewsKind::Marked;
-    };
-    PresetListeners.Add(pfnCount, &nTold);
-    for (const u32 bChanged : {1u, 1u, 0u}) {
-        bPresetChanged = bChanged;
-        RunAndPresentFrame();
-    }
-    PresetListeners.Remove(pfnCount, &nTold);
-    EXPECT_EQ(2u, nTold);
+    static std::string sTold;
+    sTold.clear();
+    constexpr auto pfnTell = [](void *pv) { sTold += static_cast<const char *>(pv); };
+    char szA[] = "a", szB[] = "b";
+    BeforeFrameListeners.Add(pfnTell, szA);
+    BeforeFrameListeners.Add(pfnTell, szB);
+    EXPECT_EQ(0u, RunAndPresentFrame()) << "there is no preset";
+    BeforeFrameListeners.Remove(pfnTell, szA);
+    RunAndPresentFrame();
+    BeforeFrameListeners.Remove(pfnTell, szB);
+    EXPECT_EQ("abb", sTold);
 }
 
 TEST(Startup, TimerNumbersAreNeverTheSameAndNeverZero)

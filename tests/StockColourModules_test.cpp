@@ -2,12 +2,12 @@
 #include "tests/ColourHost.h"
 
 #include "stock/common/PaletteColor.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <set>
 
 #include <unistd.h>
@@ -30,15 +30,6 @@ void SetBoolean(const ColourModule *pModule, std::u16string_view szName, bool bS
 // A plane on which Palette Files walks through a list as the host does: one file on at each reset.
 class PaletteFiles : public ::testing::Test {
   protected:
-    void SetUp() override
-    {
-        folder = std::filesystem::temp_directory_path() / ("palettefiles-" + std::to_string(getpid()));
-        std::filesystem::create_directories(folder);
-    }
-    void TearDown() override
-    {
-        std::filesystem::remove_all(folder);
-    }
     // A full palette of a few colours.
     std::u16string Write(const std::string &name, const std::vector<uint32_t> &adw) const
     {
@@ -46,8 +37,7 @@ class PaletteFiles : public ::testing::Test {
         bytes += {(char)adw.size(), 0, 0, 0};
         for (const uint32_t dw : adw)
             bytes += {(char)(dw >> 16), (char)(dw >> 8), (char)dw};
-        std::ofstream(folder / name, std::ios::binary) << bytes;
-        return (folder / name).u16string();
+        return folder.Write(name, bytes).u16string();
     }
     void Start(std::vector<std::u16string> aList)
     {
@@ -84,7 +74,7 @@ class PaletteFiles : public ::testing::Test {
         return adw;
     }
 
-    std::filesystem::path folder;
+    TempFolder folder;
     std::vector<std::u16string> aFile;
     ColourHost host{4, 4, 3};
     ColourModule *pFiles = nullptr;
@@ -143,7 +133,7 @@ TEST_F(PaletteFiles, TheFirstFrameShowsTheFileAndTheNextFollowsWhenItIsWanted)
 TEST_F(PaletteFiles, BrokenAndVanishedFilesArePassedOverAndThePaletteStays)
 {
     const std::vector<uint32_t> adwRed = {0, 0x300000, 0xF00000}, adwBlue = {0, 0x40, 0xF0};
-    std::ofstream(folder / "bad.pal") << "no palette";
+    folder.Write("bad.pal", "no palette");
     Start({Write("red.pal", adwRed), (folder / "bad.pal").u16string(), u"/nowhere/at all.pal", Write("none.pal", {}),
            Write("blue.pal", adwBlue)});
     Frames(70);

@@ -3,6 +3,7 @@
 
 #include "output/pictures/PictureFiles.h"
 #include "platform/Text.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -153,15 +154,9 @@ class StockPictures : public testing::Test {
   protected:
     void SetUp() override
     {
-        char szFolder[] = "/tmp/vd-pictures-XXXXXX";
-        folder = mkdtemp(szFolder);
         plane.context.bFixedClock = 1;
         plane.info.pfnShowMessage = CountMessage;
         nMessages = 0;
-    }
-    void TearDown() override
-    {
-        fs::remove_all(folder);
     }
     std::string Save(const char *szName)
     {
@@ -175,8 +170,7 @@ class StockPictures : public testing::Test {
     }
     std::string Write(const char *szName, const std::string &bytes)
     {
-        std::ofstream(folder / szName, std::ios::binary) << bytes;
-        return (folder / szName).string();
+        return folder.Write(szName, bytes).string();
     }
     // Shows the file as it is, without motion.
     void Show(TestModule &picture, const std::string &path)
@@ -206,7 +200,7 @@ class StockPictures : public testing::Test {
         return true;
     }
 
-    fs::path folder;
+    TempFolder folder;
     TestPlane plane{128, 96, false, 256};
 };
 

@@ -36,7 +36,7 @@ class StockPresets : public testing::Test {
     {
         UseFixedClock(0);
         SeedAllRandom(3);
-        StartHeadless({FromUtf8(SOURCE_FOLDER "/data"), FromUtf8(STOCK_MODULE_FOLDER), {}});
+        ASSERT_EQ(0, StartHeadless({FromUtf8(SOURCE_FOLDER "/data"), FromUtf8(STOCK_MODULE_FOLDER), {}}));
         GlobalSettings.ThreadedPlanes = 0;
         GlobalSettings.nBufferWidth = GlobalSettings.hwndVisuals.nWidth = 160;
         GlobalSettings.nBufferHeight = GlobalSettings.hwndVisuals.nHeight = 120;

@@ -1,5 +1,6 @@
 // StockPresets_test.cpp -- tests data/Presets with the stock modules: complete, stable, alive
 #include "tests/StockPresetsFixture.h"
+#include "tests/TempFolder.h"
 
 #include <set>
 
@@ -52,7 +53,8 @@ void ExpectRulesInOrder(const PresetState *lppsi)
 
 TEST_F(StockPresets, LoadWholeAndAreSavedAsTheyWere)
 {
-    const auto copy = std::filesystem::path(testing::TempDir()) / "StockPresets_test.VD";
+    const TempFolder folder;
+    const std::u16string copy = folder.Wide("Copy.VD");
     for (const std::u16string &path : paths) {
         SCOPED_TRACE(ToUtf8(path));
         Load(path);
@@ -60,11 +62,10 @@ TEST_F(StockPresets, LoadWholeAndAreSavedAsTheyWere)
         // Also after it has run: animated values and drawn phases are no part of the file.
         for (i32 nFrames : {0, 3}) {
             Run(nFrames);
-            ASSERT_TRUE(SavePresetFile(CurrentPreset(), FromUtf8(copy.string())));
-            EXPECT_TRUE(BytesOf(path) == BytesOf(FromUtf8(copy.string()))) << nFrames << " frames";
+            ASSERT_TRUE(SavePresetFile(CurrentPreset(), copy));
+            EXPECT_TRUE(BytesOf(path) == BytesOf(copy)) << nFrames << " frames";
         }
     }
-    std::filesystem::remove(copy);
 }
 
 TEST_F(StockPresets, UseBetweenThemWhatTheHostCanDo)

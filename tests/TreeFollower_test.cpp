@@ -36,6 +36,8 @@ class TreeFollowerTest : public TreeTest {
         BuildPresetTree(fresh, lppsi);
         return Outline(fresh.pRoot);
     }
+
+    u32 nRead = 0; // objects that stood when their nodes went
 };
 
 // Reads what the node stands for; memory that is gone shows in a run with the address sanitizer.
@@ -57,7 +59,6 @@ TEST_F(TreeFollowerTest, APresetThatComesIsShownAndOneThatGoesIsGivenUpFirst)
     EXPECT_EQ(tree.lppsi, lppsi);
     GiveControls(Add(MODULEINDEX_DRAWFULL, 1, u"Idle.dll"), {{u"Outer", u"Speed"}});
     BuildPresetTree(tree, lppsi);
-    u32 nRead = 0;
     tree.NodeListeners.Add(ReadObject, &nRead);
     SwitchPreset(nullptr, nullptr);
     lppsi = nullptr;
@@ -72,7 +73,6 @@ TEST_F(TreeFollowerTest, WhateverTheEngineDoesTheTreeShowsItAndKeepsTheOtherNode
 {
     UsePreset(2);
     std::mt19937 random(5);
-    u32 nRead = 0;
     tree.NodeListeners.Add(ReadObject, &nRead);
     for (u32 i = 0; i < 300; i++) {
         const i32 iPlane = static_cast<i32>(random() % 5) - 1;

@@ -1,7 +1,6 @@
 // VisualsWindow_qt_test.cpp -- tests VisualsWindow_qt.cpp, its overlays and its menu with simulated keys and mouse
 #include "output/VisualsWindow_qt.h"
 
-#include "app/SettingsTable.h"
 #include "engine/PresetDocument.h"
 #include "output/FrameStats.h"
 #include "output/Presenters.h"
@@ -9,9 +8,9 @@
 #include "output/VisualsCommands.h"
 #include "platform/Bitmap.h"
 #include "platform/Text.h"
-#include "state/GlobalSettings.h"
+#include "tests/WindowFixture.h"
 #include "toolkit/CommandMenus_qt.h"
-#include "toolkit/UIColors.h"
+#include "toolkit/WindowLayouts.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +18,6 @@
 #include <QApplication>
 #include <QBackingStore>
 #include <QDialog>
-#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -34,17 +32,15 @@
 
 namespace {
 
-constexpr int GIVE_UP_MS = 20000;
 constexpr u32 PICTURE_COLOR = 0xFF4080C0;
 
 u32 nClosed = 0;
 
-class Visuals : public testing::Test {
+class Visuals : public WindowTest {
   protected:
     void SetUp() override
     {
-        SetDefaultSettings();
-        SetDefaultUIColors();
+        WindowTest::SetUp();
         SetPresetChanged(u"Some Preset.VD", 0);
         bFullScreen = bAlwaysOnTop = 0;
         nClosed = 0;
@@ -59,15 +55,7 @@ class Visuals : public testing::Test {
     {
         pWindow.reset();
         DeleteBitmap(hbm);
-        GlobalSettings = {};
-    }
-    template <typename Fn> static void WaitFor(Fn isSo)
-    {
-        QElapsedTimer timer;
-        timer.start();
-        while (!isSo() && timer.elapsed() < GIVE_UP_MS)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        EXPECT_TRUE(isSo());
+        WindowTest::TearDown();
     }
     void Key(int nKey, Qt::KeyboardModifiers modifiers = Qt::NoModifier, bool bRepeat = false)
     {
@@ -234,10 +222,7 @@ TEST_F(Visuals, TheBufferFollowsAWindowThatRestsButNotDuringARecording)
     const auto settle = [&] {
         pWindow->resize(pWindow->width() + 2, 300);
         EXPECT_EQ(0u, GlobalSettings.bResizePending);
-        QElapsedTimer timer;
-        timer.start();
-        while (!GlobalSettings.bResizePending && timer.elapsed() < 700)
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        HoldsWithin(700, [] { return GlobalSettings.bResizePending != 0; });
         const u32 bAsked = GlobalSettings.bResizePending;
         GlobalSettings.bResizePending = 0;
         return bAsked;
@@ -257,9 +242,9 @@ TEST_F(Visuals, TheBufferFollowsAWindowThatRestsButNotDuringARecording)
 TEST_F(Visuals, TheRecordingDialogStoresWithOkAndItsSliderAtOnce)
 {
     StoreRecordingChoice({RECORD_METHOD_KEYSTROKES, 640, 480, 500, u"/no/such/folder", u"a-%03d.png"});
-    OpenRecordingOptions();
+    RunWindowCommand(u"RecordingOptions", static_cast<QWidget *>(pWindow.get()));
     auto *pDialog = pWindow->findChild<QDialog *>();
-    OpenRecordingOptions();
+    RunWindowCommand(u"RecordingOptions", static_cast<QWidget *>(pWindow.get()));
     ASSERT_EQ(1, pWindow->findChildren<QDialog *>().size());
     EXPECT_TRUE(pDialog->findChild<QLineEdit *>("demo")->text().startsWith("/no/such/folder/a-"));
     EXPECT_EQ("The frame folder does not exist.", pDialog->findChild<QLabel *>("trouble")->text());
@@ -290,9 +275,5 @@ TEST_F(Visuals, TheRecordingDialogStoresWithOkAndItsSliderAtOnce)
 
 int main(int argc, char **argv)
 {
-    testing::InitGoogleTest(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_SCALE_FACTOR", "2");
-    QApplication app(argc, argv);
-    return RUN_ALL_TESTS();
+    return RunWindowTests(argc, argv, "2");
 }

@@ -4,6 +4,7 @@
 #include "platform/Files.h"
 #include "platform/Text.h"
 #include "platform/WholeFile.h"
+#include "tests/TempFolder.h"
 #include "tests/XmlOracle.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,6 @@
 #include <climits>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <random>
@@ -36,20 +36,9 @@ Context Open(const std::string &sBody)
 
 class XmlFile : public ::testing::Test {
   protected:
-    std::filesystem::path folder;
-    std::u16string path;
+    TempFolder folder;
+    std::u16string path = folder.Wide("Document.VD");
 
-    void SetUp() override
-    {
-        std::string s = (std::filesystem::temp_directory_path() / "vd-xml-XXXXXX").string();
-        ASSERT_TRUE(mkdtemp(s.data()));
-        folder = s;
-        path = FromUtf8(s + "/Document.VD");
-    }
-    void TearDown() override
-    {
-        std::filesystem::remove_all(folder);
-    }
     std::string Bytes() const
     {
         std::string s;
@@ -383,7 +372,7 @@ TEST_F(XmlFile, ADocumentThatLostAPartIsNotSaved)
     };
     const auto open = [](XmlContext *pxc) { XmlBeginTag(pxc, u"Open"); };
     const auto name = [](XmlContext *pxc) { XmlWriteInt(pxc, u"a><b", 1); };
-    std::ofstream(folder / "Document.VD") << "the old one";
+    folder.Write("Document.VD", "the old one");
     for (const std::function<void(XmlContext *)> &spoil :
          std::initializer_list<std::function<void(XmlContext *)>>{full, deep, open, name}) {
         Context pxc(XmlCreate());
@@ -397,7 +386,7 @@ TEST_F(XmlFile, ADocumentThatLostAPartIsNotSaved)
 
 TEST_F(XmlFile, AFileBeyondAllLimitsIsRefusedAndTheLargestHostileOnesAreRead)
 {
-    std::filesystem::resize_file((std::ofstream(folder / "Document.VD") << "x", folder / "Document.VD"), 100000000);
+    std::filesystem::resize_file(folder.Write("Document.VD"), 100000000);
     EXPECT_EQ(XmlOpenFile(path), nullptr);
     EXPECT_EQ(XmlOpenFile(FromUtf8(folder.string())), nullptr);
     EXPECT_EQ(XmlOpenFile(path + u".missing"), nullptr);

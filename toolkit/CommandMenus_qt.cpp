@@ -1,6 +1,7 @@
 // CommandMenus_qt.cpp -- menus, bars, buttons and shortcuts made of a table of commands
 #include "toolkit/CommandMenus_qt.h"
 
+#include "toolkit/DialogPieces_qt.h"
 #include "toolkit/Icons_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 

@@ -1,6 +1,7 @@
 // DarkStyle_qt.cpp -- the dark look of all standard controls, in the user's colours
 #include "toolkit/DarkStyle_qt.h"
 
+#include "platform/MainThread.h"
 #include "toolkit/ControlColors_qt.h"
 #include "toolkit/DarkPaint_qt.h"
 #include "toolkit/DarkPieces_qt.h"
@@ -131,7 +132,7 @@ void Restyle()
 }
 
 // Settings change many rows in one go: the windows follow once.
-void RestyleSoon(u32)
+void RestyleSoon(u32, void *)
 {
     if (bRestylePending)
         return;
@@ -141,7 +142,7 @@ void RestyleSoon(u32)
 
 void ForgetApplication()
 {
-    pfnUIColorChanged = nullptr;
+    UIColorListeners.Remove(RestyleSoon);
     bRestylePending = false;
 }
 
@@ -267,11 +268,12 @@ QIcon DarkStyle::standardIcon(StandardPixmap eIcon, const QStyleOption *pOption,
 
 void InstallDarkLook(QApplication *pApp)
 {
+    ASSERT_MAIN_THREAD();
     if (!UIColorTable[0].pszName)
         SetDefaultUIColors();
     RefreshLook();
     QApplication::setStyle(new DarkStyle);
     GiveColors();
-    pfnUIColorChanged = RestyleSoon;
+    UIColorListeners.Add(RestyleSoon);
     QObject::connect(pApp, &QObject::destroyed, ForgetApplication);
 }

@@ -2,6 +2,7 @@
 #include "toolkit/ErrorBoxes_qt.h"
 
 #include "modules/SoundMonitor.h"
+#include "platform/MainThread.h"
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QList>
@@ -30,7 +31,7 @@ void ShowErrorBox(const ErrorText &error)
     pBox->show();
 }
 
-void TakeError(const char16_t *pszTitle, const char16_t *pszText)
+void TakeError(const char16_t *pszTitle, const char16_t *pszText, void *)
 {
     const ErrorText error = {QString::fromUtf16(pszTitle), QString::fromUtf16(pszText)};
     std::fprintf(stderr, "vorticade: %s %s\n", qUtf8Printable(error.title), qUtf8Printable(error.text));
@@ -44,11 +45,13 @@ void TakeError(const char16_t *pszTitle, const char16_t *pszText)
 
 void KeepErrors()
 {
-    pfnShowError = TakeError;
+    ASSERT_MAIN_THREAD();
+    ErrorListeners.Add(TakeError);
 }
 
 void ShowErrorsOver(QWidget *pWindow)
 {
+    ASSERT_MAIN_THREAD();
     pErrorWindow = pWindow;
     for (const ErrorText &error : std::as_const(KeptErrors))
         ShowErrorBox(error);

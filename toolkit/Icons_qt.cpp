@@ -7,7 +7,6 @@
 #include <QPainter>
 #include <QPalette>
 #include <QSvgRenderer>
-#include <QTextDocument>
 
 namespace {
 
@@ -70,9 +69,4 @@ QIcon UserIcon(const char *pszName, UIColor eColor)
         return QIcon(new UserIconEngine(file.readAll(), eColor));
     qWarning("there is no picture named %s.svg", pszName);
     return QIcon();
-}
-
-QString PlainTip(const QString &text)
-{
-    return Qt::mightBeRichText(text) ? QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped()) : text;
 }

@@ -8,6 +8,3 @@
 // The picture data/UI/NAME.svg with "currentColor" replaced by a user colour, crisp at every size and scale. It follows
 // when the colour changes. Without such a file the icon is empty, which the log says. [main-thread]
 QIcon UserIcon(const char *pszName, UIColor eColor = UICOLOR_WINDOW_TEXT);
-
-// A tool tip that is shown as it is, whatever markup it seems to hold.
-QString PlainTip(const QString &text);

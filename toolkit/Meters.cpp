@@ -1,6 +1,8 @@
 // Meters.cpp -- the pixels of level meters and progress bars, their peak markers, and the two colour helpers
 #include "toolkit/Meters.h"
 
+#include "platform/MainThread.h"
+
 #include <algorithm>
 
 namespace {
@@ -44,6 +46,7 @@ PeakStore PeakStores[PEAK_STORES];
 
 void ClearPeakStores()
 {
+    ASSERT_MAIN_THREAD();
     std::fill(std::begin(PeakStores), std::end(PeakStores), PeakStore{});
 }
 

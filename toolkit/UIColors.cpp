@@ -1,6 +1,8 @@
 // UIColors.cpp -- the table of the user's colours
 #include "toolkit/UIColors.h"
 
+#include "platform/MainThread.h"
+
 namespace {
 
 constexpr u32 COLOR_BITS = 0x00FFFFFF;
@@ -32,7 +34,7 @@ constexpr UIColorRow asDefault[UICOLORS] = {
 } // namespace
 
 UIColorRow UIColorTable[UICOLORS];
-void (*pfnUIColorChanged)(u32 iRow);
+Listeners<void(u32 iRow)> UIColorListeners;
 
 void SetDefaultUIColors()
 {
@@ -44,11 +46,12 @@ void SetDefaultUIColors()
 
 u32 SetUIColor(u32 iRow, u32 dwColor)
 {
+    ASSERT_MAIN_THREAD();
     if (iRow >= UICOLORS)
         return 0;
     const u32 dwOld = UIColorTable[iRow].dwColor;
     UIColorTable[iRow].dwColor = dwColor & COLOR_BITS;
-    if (UIColorTable[iRow].dwColor != dwOld && pfnUIColorChanged)
-        pfnUIColorChanged(iRow);
+    if (UIColorTable[iRow].dwColor != dwOld)
+        UIColorListeners.Tell(iRow);
     return dwOld;
 }

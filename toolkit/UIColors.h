@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/BaseTypes.h"
+#include "platform/Listeners.h"
 
 enum UIColor : u32 {
     UICOLOR_METER_HIGH = 0,
@@ -36,8 +37,8 @@ struct UIColorRow {
 // In the order of the enumeration. Read by painting, written by the settings. [main-thread]
 extern UIColorRow UIColorTable[UICOLORS];
 
-// Set by the window code: a row has a new colour, and what was made of the old one is to be made anew. May be null.
-extern void (*pfnUIColorChanged)(u32 iRow);
+// Told that a row has a new colour, and that what was made of the old one is to be made anew. [main-thread]
+extern Listeners<void(u32 iRow)> UIColorListeners;
 
 void SetDefaultUIColors();
 // Writes the row, without the bits above 0x00FFFFFF. Returns the old colour; 0, and no change, beyond the table.

@@ -1,6 +1,8 @@
 // WindowEvents_qt.cpp -- the one place that knows how the toolkit's events become the program's
 #include "toolkit/WindowEvents_qt.h"
 
+#include "platform/MainThread.h"
+
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QWheelEvent>
@@ -73,12 +75,12 @@ u32 ModifiersOf(Qt::KeyboardModifiers modifiers)
 
 } // namespace
 
-void (*pfnKeepFrames)(QObject *pDialog) = nullptr;
+Listeners<void(QObject *pDialog)> KeepFramesListeners;
 
 void KeepFramesUnder(QObject *pDialog)
 {
-    if (pfnKeepFrames)
-        pfnKeepFrames(pDialog);
+    ASSERT_MAIN_THREAD();
+    KeepFramesListeners.Tell(pDialog);
 }
 
 KeyEvent KeyEventOf(const QKeyEvent &event)

@@ -1,6 +1,7 @@
 // WindowEvents_qt.h -- the one place that knows how the toolkit's events become the program's
 #pragma once
 
+#include "platform/Listeners.h"
 #include "toolkit/KeyCodes.h"
 
 class QKeyEvent;
@@ -14,7 +15,8 @@ int ToolkitKeyOf(u32 dwKey);
 // Vertical delta of the wheel, above 0 away from the user; 0: it moved sideways.
 i32 WheelDeltaOf(const QWheelEvent &event);
 
-// Set by the program: keeps frames running for as long as the dialog lives, whatever loop it brings. Null in tests.
-extern void (*pfnKeepFrames)(QObject *pDialog);
-// Every dialog calls it before it is shown.
+// Keeps frames running for as long as the dialog lives, whatever loop it brings. Every dialog calls it before it is
+// shown. [main-thread]
 void KeepFramesUnder(QObject *pDialog);
+// Whoever runs the frames listens; nobody in most tests.
+extern Listeners<void(QObject *pDialog)> KeepFramesListeners;

@@ -4,6 +4,7 @@
 #include "output/mixer/MixCard.h"
 #include "output/mixer/PlaneMixer.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Notices.h"
 #include "platform/Text.h"
 
@@ -69,6 +70,7 @@ void TellRefusal(const MixProgram &prog)
 // Only looks: a card that nobody mixes on should not hold memory for it.
 void SetupMixAccelerator()
 {
+    ASSERT_MAIN_THREAD();
     CloseMixAccelerator();
     nLosses = 0;
     nNextTry = 0;
@@ -84,6 +86,7 @@ void SetupMixAccelerator()
 
 bool MixOnAccelerator(const MixProgram &prog, const u32 *anWeight)
 {
+    ASSERT_MAIN_THREAD();
     if (bAccelEmulated || prog.nSteps == 0 || RealNanoseconds() < nNextTry)
         return false;
     const char *pszWhy = "it could not be opened";
@@ -97,6 +100,7 @@ bool MixOnAccelerator(const MixProgram &prog, const u32 *anWeight)
 
 void CloseMixAccelerator()
 {
+    ASSERT_MAIN_THREAD();
     CloseMixCard(&Card);
     bOpen = false;
 }

@@ -3,6 +3,7 @@
 
 #include "output/mixer/ForRanges.h"
 #include "output/mixer/MixShader.h"
+#include "platform/MainThread.h"
 
 #include <epoxy/gl.h>
 
@@ -288,6 +289,7 @@ CardOutcome RunThere(MixCard *pCard, const CardProgram &cprog, const MixProgram 
 
 bool OpenMixCard(MixCard *pCard, bool bSoftware, bool bPlainBuffers, std::string *psRenderer)
 {
+    ASSERT_MAIN_THREAD();
     *pCard = {};
     if (Loses(CardStage::Open) || !CreateGLCompute(&pCard->compute, bSoftware, psRenderer))
         return false;
@@ -297,12 +299,14 @@ bool OpenMixCard(MixCard *pCard, bool bSoftware, bool bPlainBuffers, std::string
 
 void CloseMixCard(MixCard *pCard)
 {
+    ASSERT_MAIN_THREAD();
     DestroyGLCompute(&pCard->compute); // its objects go with the context
     *pCard = {};
 }
 
 CardOutcome RunOnMixCard(MixCard *pCard, const MixProgram &prog, const u32 *anWeight, const char **pszWhy)
 {
+    ASSERT_MAIN_THREAD();
     CardProgram cprog;
     if (!TranslateProgram(&cprog, prog, anWeight))
         return CardOutcome::Refused;

@@ -3,6 +3,7 @@
 
 #include "output/mixer/PlaneMixer.h"
 #include "platform/Bitmap.h"
+#include "platform/MainThread.h"
 
 #include <algorithm>
 #include <cstring>
@@ -290,6 +291,7 @@ void PrepareOnePass(PreparedMix *pMix)
 
 PreparedMix *PrepareMix(const PresetState *lppsi, bool bOnePass)
 {
+    ASSERT_MAIN_THREAD();
     const MixInput input = InputOf(lppsi, bOnePass);
     if (!Prepared.bComplete || std::memcmp(&Prepared.input, &input, sizeof input) != 0) {
         Prepared.input = input;

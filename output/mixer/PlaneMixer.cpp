@@ -6,6 +6,7 @@
 #include "output/mixer/Stretch.h"
 #include "platform/Assert.h"
 #include "platform/Bitmap.h"
+#include "platform/MainThread.h"
 
 #include <cstring>
 
@@ -70,6 +71,7 @@ void MixPlanesOnePass(const PresetState *lppsi, const u32 *anWeight)
 
 u32 MixPlanes(PresetState *lppsi, u32 bOnePass)
 {
+    ASSERT_MAIN_THREAD();
     if (!lppsi)
         return 0;
     if (lppsi->nMixRules == 0) {

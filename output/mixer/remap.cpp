@@ -5,6 +5,7 @@
 #include "output/mixer/MixKernels.h"
 #include "output/mixer/MixPlan.h"
 #include "platform/Assert.h"
+#include "platform/MainThread.h"
 
 #include <algorithm>
 #include <iterator>
@@ -318,6 +319,7 @@ i32 ReflectCoordinate(i32 v, i32 n)
 
 void RunMixPlan(const MixPlan &plan)
 {
+    ASSERT_MAIN_THREAD();
     if (plan.nSteps == 0)
         return;
     const KernelTable &kernels = GetKernelTable();

@@ -4,6 +4,7 @@
 #include "output/pictures/PictureFiles.h"
 #include "platform/Bitmap.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 #include "platform/Threads.h"
 
@@ -165,6 +166,7 @@ void StartWorkers(PictureQueue *pQueue)
 
 PictureQueue *StartPictureQueue(const PictureQueueOptions &options)
 {
+    ASSERT_MAIN_THREAD();
     auto *pQueue = new PictureQueue;
     pQueue->options = options;
     PictureQueueOptions &own = pQueue->options;

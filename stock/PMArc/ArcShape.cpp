@@ -22,22 +22,6 @@ void SeedArcs(ArcMotion *pMotion, StockRandom *pRandom)
         fPhase = RandomUnit(pRandom);
 }
 
-void EaseLook(ArcLook *pLook, const ArcLook &target, float fSeconds)
-{
-    Approach(&pLook->fRings, target.fRings, fSeconds, 1.2f);
-    Approach(&pLook->fReach, target.fReach, fSeconds, 0.6f);
-    Approach(&pLook->fPulse, target.fPulse, fSeconds, 0.08f);
-    Approach(&pLook->fSweep, target.fSweep, fSeconds, 0.8f);
-    Approach(&pLook->fSpin, target.fSpin, fSeconds, 0.4f);
-    Approach(&pLook->fTumble, target.fTumble, fSeconds, 0.6f);
-    Approach(&pLook->fGrowth, target.fGrowth, fSeconds, 0.6f);
-    Approach(&pLook->fTilt, target.fTilt, fSeconds, 1.5f);
-    Approach(&pLook->fThickness, target.fThickness, fSeconds, 0.06f);
-    Approach(&pLook->fHardness, target.fHardness, fSeconds, 0.5f);
-    Approach(&pLook->fPlace, target.fPlace, fSeconds, 0.3f);
-    Approach(&pLook->fSpread, target.fSpread, fSeconds, 1.5f);
-}
-
 static void MoveArcs(ArcMotion *pMotion, const ArcLook &look, float fSeconds)
 {
     static const float afDriftSpeed[4] = {0.023f, 0.041f, 0.029f, 0.043f};
@@ -87,7 +71,7 @@ static StrokePoint PointOfRing(const RingFrame &frame, const ArcLook &look, floa
     point.x = frame.xMiddle + frame.fRadius * fNear * (c * frame.afX[0] + s * frame.afY[0]);
     point.y = frame.yMiddle + frame.fRadius * fNear * (c * frame.afX[1] + s * frame.afY[1]);
     point.fRadius = fThickness * fNear;
-    point.fPlace = 0.28f + 0.66f * FoldUnit(0.5f * frame.fPlace + 0.2f * look.fSpread * fDepth);
+    point.fPlace = PlaceOfTurns(frame.fPlace + 0.4f * look.fSpread * fDepth);
     point.fWeight = frame.fWeight * (0.72f + 0.28f * fDepth);
     return point;
 }
@@ -114,10 +98,8 @@ static void DrawRings(const Canvas &canvas, const Paint &paint, const ArcLook &l
 {
     RingFrame frame = {};
     const float fHalf = 0.5f * (float)std::min(canvas.nWidth, canvas.nHeight);
-    frame.xMiddle = 0.5f * (float)canvas.nWidth *
-                    (1 + 0.16f * (0.7f * SineTurn(motion.afDrift[0]) + 0.3f * SineTurn(motion.afDrift[1])));
-    frame.yMiddle = 0.5f * (float)canvas.nHeight *
-                    (1 + 0.16f * (0.7f * SineTurn(motion.afDrift[2]) + 0.3f * SineTurn(motion.afDrift[3])));
+    frame.xMiddle = 0.5f * (float)canvas.nWidth * (1 + 0.16f * Stray(motion.afDrift));
+    frame.yMiddle = 0.5f * (float)canvas.nHeight * (1 + 0.16f * Stray(motion.afDrift + 2));
     for (int32_t i = 0; i < ARC_RINGS_MOST; i++) {
         const float fPlace = ((float)i + motion.fGrowthPhase) / std::max(look.fRings, 1.0f);
         if (fPlace >= 1)

@@ -2,7 +2,7 @@
 #ifndef VORTICADE_ARC_SHAPE_H
 #define VORTICADE_ARC_SHAPE_H
 
-#include "../common/StockDrawing.h"
+#include "../common/StockPen.h"
 
 #define ARC_RINGS_MOST 10
 
@@ -35,7 +35,6 @@ struct ArcMotion {
 };
 
 void SeedArcs(ArcMotion *pMotion, StockRandom *pRandom);
-void EaseLook(ArcLook *pLook, const ArcLook &target, float fSeconds);
 void DrawArcs(const Canvas &canvas, const Paint &paint, const ArcLook &look, ArcMotion *pMotion, float fSeconds);
 
 #endif

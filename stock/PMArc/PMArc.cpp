@@ -2,7 +2,6 @@
 #include "ArcShape.h"
 
 #include "../common/StockModule.h"
-#include "../common/StockPen.h"
 
 enum {
     CONTROL_RINGS,
@@ -67,12 +66,10 @@ static void AddPenControls(Arcs *pArcs, const ControlMaker &maker)
     ControlRecord **ap = pArcs->apControl;
     ap[CONTROL_THICKNESS] = AddFloat(maker, u"Pen\0Thickness\0", u"Of the arcs, in percent of the picture's height",
                                      {0.1f, 20}, {0.8f, 3}, 1.6f, FromSound(6));
-    ap[CONTROL_HARDNESS] = AddFloat(maker, u"Pen\0Hardness\0", u"0 glows softly, 1 has a firm edge", {0, 1},
-                                    {0.1f, 0.6f}, 0.3f, FromWave(34000));
-    ap[CONTROL_PLACE] = AddFloat(maker, u"Color\0Place\0", u"Where in the palette the inmost ring lies", {0, 1},
-                                 {0.3f, 1}, 0.7f, FromWave(17000));
-    ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How far the color moves on towards the outermost ring",
-                                  {0, 2}, {0.2f, 0.9f}, 0.4f, FromPeriodic(8000));
+    ap[CONTROL_HARDNESS] = AddHardness(maker, {0.1f, 0.6f}, 0.3f, FromWave(34000));
+    ap[CONTROL_PLACE] = AddPlace(maker, u"Where in the palette the inmost ring lies", {0.3f, 1}, FromWave(17000));
+    ap[CONTROL_SPREAD] = AddSpread(maker, u"How far the color moves on towards the outermost ring", {0.2f, 0.9f}, 0.4f,
+                                   FromPeriodic(8000));
     ap[CONTROL_PAINT] = AddPaintMode(maker, pArcs->aPaintRow, PAINT_OVER);
 }
 
@@ -83,37 +80,33 @@ static void AddControls(Arcs *pArcs, const ControlMaker &maker)
     AddPenControls(pArcs, maker);
 }
 
-static ArcLook ReadLook(const Arcs *pArcs)
-{
-    const auto Float = [&](int32_t iControl) { return ReadFloat(pArcs->apControl[iControl]); };
-    ArcLook look = {};
-    look.fRings = (float)ReadInteger(pArcs->apControl[CONTROL_RINGS]);
-    look.fReach = Float(CONTROL_REACH);
-    look.fPulse = Float(CONTROL_PULSE);
-    look.fSweep = Float(CONTROL_SWEEP);
-    look.fTilt = Float(CONTROL_TILT);
-    look.fSpin = Float(CONTROL_SPIN) / 60;
-    look.fTumble = Float(CONTROL_TUMBLE) / 60;
-    look.fGrowth = Float(CONTROL_GROWTH) / 60;
-    look.fThickness = Float(CONTROL_THICKNESS) * 0.01f;
-    look.fHardness = 1 + 7 * Float(CONTROL_HARDNESS) * Float(CONTROL_HARDNESS);
-    look.fPlace = Float(CONTROL_PLACE);
-    look.fSpread = Float(CONTROL_SPREAD);
-    return look;
-}
+static const LookRow<ArcLook> asLook[] = {
+    {&ArcLook::fRings, CONTROL_RINGS, ReadNumber, 1.2f},
+    {&ArcLook::fReach, CONTROL_REACH, ReadNumber, 0.6f},
+    {&ArcLook::fPulse, CONTROL_PULSE, ReadNumber, 0.08f},
+    {&ArcLook::fSweep, CONTROL_SWEEP, ReadNumber, 0.8f},
+    {&ArcLook::fSpin, CONTROL_SPIN, ReadPerMinute, 0.4f},
+    {&ArcLook::fTumble, CONTROL_TUMBLE, ReadPerMinute, 0.6f},
+    {&ArcLook::fGrowth, CONTROL_GROWTH, ReadPerMinute, 0.6f},
+    {&ArcLook::fTilt, CONTROL_TILT, ReadNumber, 1.5f},
+    {&ArcLook::fThickness, CONTROL_THICKNESS, ReadPercent, 0.06f},
+    {&ArcLook::fHardness, CONTROL_HARDNESS, ReadHardness, 0.5f},
+    {&ArcLook::fPlace, CONTROL_PLACE, ReadNumber, 0.3f},
+    {&ArcLook::fSpread, CONTROL_SPREAD, ReadNumber, 1.5f},
+};
 
 static void Start(Arcs *pArcs, PlaneInfo *ppi)
 {
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
     SeedArcs(&pArcs->motion, &random);
     pArcs->clock = {};
-    pArcs->look = ReadLook(pArcs);
+    SettleLook(asLook, pArcs->apControl, &pArcs->look);
 }
 
 static uint32_t Draw(Arcs *pArcs, PlaneInfo *ppi, const Canvas &canvas)
 {
     const float fSeconds = StepSeconds(&pArcs->clock, ppi);
-    EaseLook(&pArcs->look, ReadLook(pArcs), fSeconds);
+    EaseLook(asLook, pArcs->apControl, &pArcs->look, fSeconds);
     const Paint paint = MakePaint(ppi, ReadItem(pArcs->apControl[CONTROL_PAINT]), fSeconds);
     DrawArcs(canvas, paint, pArcs->look, &pArcs->motion, fSeconds);
     return 0;

@@ -2,7 +2,6 @@
 #include "RotorShape.h"
 
 #include "../common/StockModule.h"
-#include "../common/StockPen.h"
 
 enum {
     CONTROL_COPIES,
@@ -67,14 +66,12 @@ static void AddPenControls(Rotor *pRotor, const ControlMaker &maker)
                                      {0.1f, 20}, {1.2f, 4.5f}, 2, FromSound(6));
     ap[CONTROL_TAPER] = AddFloat(maker, u"Pen\0Taper\0", u"1 thins the arm out towards its tip, -1 towards its root",
                                  {-1, 1}, {-0.6f, 0.8f}, 0.3f, FromRandom());
-    ap[CONTROL_HARDNESS] = AddFloat(maker, u"Pen\0Hardness\0", u"0 glows softly, 1 has a firm edge", {0, 1},
-                                    {0.1f, 0.6f}, 0.3f, FromWave(27000));
+    ap[CONTROL_HARDNESS] = AddHardness(maker, {0.1f, 0.6f}, 0.3f, FromWave(27000));
     ap[CONTROL_ARM] = AddFloat(maker, u"Pen\0Arm\0", u"How much of the arm shows besides its tip", {0, 1}, {0.15f, 1},
                                0.6f, FromWave(33000));
-    ap[CONTROL_PLACE] = AddFloat(maker, u"Color\0Place\0", u"Where in the palette the root of the arm lies", {0, 1},
-                                 {0.35f, 1}, 0.7f, FromWave(13000));
-    ap[CONTROL_SPREAD] = AddFloat(maker, u"Color\0Spread\0", u"How far the color moves on towards the tip", {0, 2},
-                                  {0.1f, 0.7f}, 0.3f, FromPeriodic(7000));
+    ap[CONTROL_PLACE] = AddPlace(maker, u"Where in the palette the root of the arm lies", {0.35f, 1}, FromWave(13000));
+    ap[CONTROL_SPREAD] =
+        AddSpread(maker, u"How far the color moves on towards the tip", {0.1f, 0.7f}, 0.3f, FromPeriodic(7000));
     ap[CONTROL_PAINT] = AddPaintMode(maker, pRotor->aPaintRow, PAINT_OVER);
 }
 
@@ -85,38 +82,34 @@ static void AddControls(Rotor *pRotor, const ControlMaker &maker)
     AddPenControls(pRotor, maker);
 }
 
-static RotorLook ReadLook(const Rotor *pRotor)
-{
-    const auto Float = [&](int32_t iControl) { return ReadFloat(pRotor->apControl[iControl]); };
-    RotorLook look = {};
-    look.fCopies = (float)ReadInteger(pRotor->apControl[CONTROL_COPIES]);
-    look.fJoints = (float)ReadInteger(pRotor->apControl[CONTROL_JOINTS]);
-    look.fMirror = ReadBoolean(pRotor->apControl[CONTROL_MIRROR]) ? 1.0f : 0.0f;
-    look.fReach = Float(CONTROL_REACH);
-    look.fSpin = Float(CONTROL_SPIN) / 60;
-    look.fWhirl = Float(CONTROL_WHIRL) / 60;
-    look.fDrift = Float(CONTROL_DRIFT);
-    look.fThickness = Float(CONTROL_THICKNESS) * 0.01f;
-    look.fTaper = Float(CONTROL_TAPER);
-    look.fHardness = 1 + 7 * Float(CONTROL_HARDNESS) * Float(CONTROL_HARDNESS);
-    look.fArm = Float(CONTROL_ARM);
-    look.fPlace = Float(CONTROL_PLACE);
-    look.fSpread = Float(CONTROL_SPREAD);
-    return look;
-}
+static const LookRow<RotorLook> asLook[] = {
+    {&RotorLook::fCopies, CONTROL_COPIES, ReadNumber, 1.2f},
+    {&RotorLook::fJoints, CONTROL_JOINTS, ReadNumber, 1.2f},
+    {&RotorLook::fMirror, CONTROL_MIRROR, ReadNumber, 1.2f},
+    {&RotorLook::fReach, CONTROL_REACH, ReadNumber, 0.5f},
+    {&RotorLook::fSpin, CONTROL_SPIN, ReadPerMinute, 0.5f},
+    {&RotorLook::fWhirl, CONTROL_WHIRL, ReadPerMinute, 0.3f},
+    {&RotorLook::fDrift, CONTROL_DRIFT, ReadNumber, 0.8f},
+    {&RotorLook::fThickness, CONTROL_THICKNESS, ReadPercent, 0.06f},
+    {&RotorLook::fTaper, CONTROL_TAPER, ReadNumber, 0.8f},
+    {&RotorLook::fHardness, CONTROL_HARDNESS, ReadHardness, 0.5f},
+    {&RotorLook::fArm, CONTROL_ARM, ReadNumber, 0.5f},
+    {&RotorLook::fPlace, CONTROL_PLACE, ReadNumber, 0.3f},
+    {&RotorLook::fSpread, CONTROL_SPREAD, ReadNumber, 1.5f},
+};
 
 static void Start(Rotor *pRotor, PlaneInfo *ppi)
 {
     StockRandom random = {ppi->hdc ? ppi->hdc->qwSeed : 0};
     SeedRotor(&pRotor->motion, &random);
     pRotor->clock = {};
-    pRotor->look = ReadLook(pRotor);
+    SettleLook(asLook, pRotor->apControl, &pRotor->look);
 }
 
 static uint32_t Draw(Rotor *pRotor, PlaneInfo *ppi, const Canvas &canvas)
 {
     const float fSeconds = StepSeconds(&pRotor->clock, ppi);
-    EaseLook(&pRotor->look, ReadLook(pRotor), fSeconds);
+    EaseLook(asLook, pRotor->apControl, &pRotor->look, fSeconds);
     const Paint paint = MakePaint(ppi, ReadItem(pRotor->apControl[CONTROL_PAINT]), fSeconds);
     DrawRotor(canvas, paint, pRotor->look, &pRotor->motion, fSeconds);
     return 0;

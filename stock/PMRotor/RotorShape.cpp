@@ -22,23 +22,6 @@ void SeedRotor(RotorMotion *pMotion, StockRandom *pRandom)
         fPhase = RandomUnit(pRandom);
 }
 
-void EaseLook(RotorLook *pLook, const RotorLook &target, float fSeconds)
-{
-    Approach(&pLook->fCopies, target.fCopies, fSeconds, 1.2f);
-    Approach(&pLook->fJoints, target.fJoints, fSeconds, 1.2f);
-    Approach(&pLook->fMirror, target.fMirror, fSeconds, 1.2f);
-    Approach(&pLook->fReach, target.fReach, fSeconds, 0.5f);
-    Approach(&pLook->fSpin, target.fSpin, fSeconds, 0.5f);
-    Approach(&pLook->fWhirl, target.fWhirl, fSeconds, 0.3f);
-    Approach(&pLook->fDrift, target.fDrift, fSeconds, 0.8f);
-    Approach(&pLook->fThickness, target.fThickness, fSeconds, 0.06f);
-    Approach(&pLook->fTaper, target.fTaper, fSeconds, 0.8f);
-    Approach(&pLook->fHardness, target.fHardness, fSeconds, 0.5f);
-    Approach(&pLook->fArm, target.fArm, fSeconds, 0.5f);
-    Approach(&pLook->fPlace, target.fPlace, fSeconds, 0.3f);
-    Approach(&pLook->fSpread, target.fSpread, fSeconds, 1.5f);
-}
-
 static void MoveRotor(RotorMotion *pMotion, const RotorLook &look, float fSeconds)
 {
     static const float afDriftSpeed[4] = {0.031f, 0.047f, 0.037f, 0.053f};
@@ -90,10 +73,8 @@ static Pose TakePose(const RotorLook &look, const RotorMotion &motion)
     Pose pose = {};
     PlaceJoints(motion, look, pose.aJoint);
     pose.fSpin = motion.fSpinPhase;
-    pose.xMiddle = 0.7f * SineTurn(motion.afDrift[0]) + 0.3f * SineTurn(motion.afDrift[1]);
-    pose.yMiddle = 0.7f * SineTurn(motion.afDrift[2]) + 0.3f * SineTurn(motion.afDrift[3]);
-    pose.xMiddle = 0.5f * (1 + look.fDrift * pose.xMiddle);
-    pose.yMiddle = 0.5f * (1 + look.fDrift * pose.yMiddle);
+    pose.xMiddle = 0.5f * (1 + look.fDrift * Stray(motion.afDrift));
+    pose.yMiddle = 0.5f * (1 + look.fDrift * Stray(motion.afDrift + 2));
     pose.fReach = look.fReach;
     pose.fCopies = std::max(look.fCopies, 1.0f);
     return pose;
@@ -117,7 +98,7 @@ static StrokePoint PenAt(const Canvas &canvas, const RotorLook &look, const Pose
     point.x = pose.xMiddle * (float)canvas.nWidth + joint.x * c - y * s;
     point.y = pose.yMiddle * (float)canvas.nHeight + joint.x * s + y * c;
     point.fRadius = look.fThickness * fSide * (1 - look.fTaper * (fAlong - 0.5f) * 1.6f);
-    point.fPlace = 0.28f + 0.66f * FoldUnit(0.5f * (look.fPlace + look.fSpread * fAlong));
+    point.fPlace = PlaceOfTurns(look.fPlace + look.fSpread * fAlong);
     point.fWeight = copy.fWeight;
     return point;
 }

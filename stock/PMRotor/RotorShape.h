@@ -2,7 +2,7 @@
 #ifndef VORTICADE_ROTOR_SHAPE_H
 #define VORTICADE_ROTOR_SHAPE_H
 
-#include "../common/StockDrawing.h"
+#include "../common/StockPen.h"
 
 #define ROTOR_COPIES_MOST 12
 #define ROTOR_JOINTS_MOST 4
@@ -46,7 +46,6 @@ struct RotorMotion {
 };
 
 void SeedRotor(RotorMotion *pMotion, StockRandom *pRandom);
-void EaseLook(RotorLook *pLook, const RotorLook &target, float fSeconds);
 
 // Moves the figure on and draws it all along the way, so that fast arms leave no gaps.
 void DrawRotor(const Canvas &canvas, const Paint &paint, const RotorLook &look, RotorMotion *pMotion, float fSeconds);

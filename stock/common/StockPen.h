@@ -71,6 +71,54 @@ inline void SettleControls(ControlRecord *const (&apControl)[nControls], float (
         afValue[i] = ReadNumber(apControl[i]);
 }
 
+// ---- A look: the controls as a record of nothing but floats, in the units of the drawing, eased
+
+inline float ReadPercent(const ControlRecord *pctl)
+{
+    return ReadFloat(pctl) * 0.01f;
+}
+
+// Per second, of a control that counts by the minute.
+inline float ReadPerMinute(const ControlRecord *pctl)
+{
+    return ReadFloat(pctl) / 60;
+}
+
+// For PaintCurve, of a hardness from 0 to 1.
+inline float ReadHardness(const ControlRecord *pctl)
+{
+    return 1 + 7 * ReadFloat(pctl) * ReadFloat(pctl);
+}
+
+// Where a number of the look comes from.
+template <typename Look> struct LookRow {
+    float Look::*pfValue;
+    int32_t iControl;
+    float (*pfnRead)(const ControlRecord *pctl);
+    float fSeconds; // how long it takes to follow
+};
+
+template <typename Look, size_t nRows>
+inline void EaseLook(const LookRow<Look> (&aRow)[nRows], ControlRecord *const *apControl, Look *pLook, float fSeconds)
+{
+    static_assert(nRows * sizeof(float) == sizeof(Look), "every number of the look needs a row");
+    for (const LookRow<Look> &row : aRow)
+        Approach(&(pLook->*row.pfValue), row.pfnRead(apControl[row.iControl]), fSeconds, row.fSeconds);
+}
+
+template <typename Look, size_t nRows>
+inline void SettleLook(const LookRow<Look> (&aRow)[nRows], ControlRecord *const *apControl, Look *pLook)
+{
+    for (const LookRow<Look> &row : aRow)
+        pLook->*row.pfValue = row.pfnRead(apControl[row.iControl]);
+}
+
+// Two swings of a middle that strays, -1 to 1.
+inline float Stray(const float *pfPhases)
+{
+    return 0.7f * SineTurn(pfPhases[0]) + 0.3f * SineTurn(pfPhases[1]);
+}
+
 // ---- Controls that all of them have
 
 template <size_t nText>
@@ -81,10 +129,10 @@ inline ControlRecord *AddThickness(const ControlMaker &maker, const char16_t (&s
 }
 
 // Half of it draws as each painter finds right; HardnessOf tells what that is.
-inline ControlRecord *AddHardness(const ControlMaker &maker)
+inline ControlRecord *AddHardness(const ControlMaker &maker, FloatRange range = {0.25f, 0.75f}, float fValue = 0.5f,
+                                  const FluidDefault &fd = FromFixed())
 {
-    return AddFloat(maker, u"Pen\0Hardness\0", u"0 glows softly, 1 has a firm edge", {0, 1}, {0.25f, 0.75f}, 0.5f,
-                    FromFixed());
+    return AddFloat(maker, u"Pen\0Hardness\0", u"0 glows softly, 1 has a firm edge", {0, 1}, range, fValue, fd);
 }
 
 // From a third of fMiddle to three times as much, for PaintCurve.
@@ -94,15 +142,18 @@ inline float HardnessOf(float fValue, float fMiddle)
 }
 
 template <size_t nText>
-inline ControlRecord *AddPlace(const ControlMaker &maker, const char16_t (&szDescription)[nText])
+inline ControlRecord *AddPlace(const ControlMaker &maker, const char16_t (&szDescription)[nText],
+                               FloatRange range = {0.35f, 1}, const FluidDefault &fd = FromWave(19000))
 {
-    return AddFloat(maker, u"Color\0Place\0", szDescription, {0, 1}, {0.35f, 1}, 0.7f, FromWave(19000));
+    return AddFloat(maker, u"Color\0Place\0", szDescription, {0, 1}, range, 0.7f, fd);
 }
 
 template <size_t nText>
-inline ControlRecord *AddSpread(const ControlMaker &maker, const char16_t (&szDescription)[nText])
+inline ControlRecord *AddSpread(const ControlMaker &maker, const char16_t (&szDescription)[nText],
+                                FloatRange range = {0.2f, 0.8f}, float fValue = 0.4f,
+                                const FluidDefault &fd = FromPeriodic(9000))
 {
-    return AddFloat(maker, u"Color\0Spread\0", szDescription, {0, 2}, {0.2f, 0.8f}, 0.4f, FromPeriodic(9000));
+    return AddFloat(maker, u"Color\0Spread\0", szDescription, {0, 2}, range, fValue, fd);
 }
 
 inline ControlRecord *AddPaintMode(const ControlMaker &maker, ItemSelectRow (&aRow)[PAINT_MODES], uint32_t dwMode)
