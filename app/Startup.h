@@ -14,7 +14,7 @@ struct StartOptions {
     std::u16string data;    // --data; empty: worked out
     std::u16string modules; // --modules
     std::u16string preset;  // an existing file, else empty
-    u32 bNoMain;            // --no-main
+    u32 bNoMain = 0;        // --no-main
 };
 
 // The part of the start-up that needs no window: folders, settings, shared block, sound, modules, OpenGL test. 0 to go

@@ -3,6 +3,7 @@
 
 #include "editing/TreeTexts.h"
 #include "toolkit/Commands.h"
+#include "toolkit/DialogPieces_qt.h"
 #include "toolkit/Icons_qt.h"
 
 #include <QIcon>

@@ -9,7 +9,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStyledItemDelegate>
-#include <QWheelEvent>
 
 namespace {
 
@@ -52,6 +51,7 @@ PresetTreeView::PresetTreeView(PresetTree *pTree, QWidget *pParent)
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     header()->setStretchLastSection(false);
     setAccessibleName(QStringLiteral("Preset"));
+    ZoomListFont(this);
     connect(this, &QTreeView::expanded, this, [this](const QModelIndex &index) {
         if (!bFollowing)
             SetExpanded(*pModel->Tree(), PresetTreeModel::NodeOf(index), true);
@@ -171,10 +171,4 @@ void PresetTreeView::contextMenuEvent(QContextMenuEvent *pEvent)
         return;
     const QPoint place = bByKey ? viewport()->mapToGlobal(visualRect(index).center()) : pEvent->globalPos();
     pfnContextMenu(PresetTreeModel::NodeOf(index), place);
-}
-
-void PresetTreeView::wheelEvent(QWheelEvent *pEvent)
-{
-    if (!ZoomListFont(this, pEvent))
-        QTreeView::wheelEvent(pEvent);
 }

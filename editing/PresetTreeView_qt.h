@@ -25,7 +25,6 @@ class PresetTreeView : public QTreeView {
     void keyPressEvent(QKeyEvent *pEvent) override;
     void mousePressEvent(QMouseEvent *pEvent) override;
     void contextMenuEvent(QContextMenuEvent *pEvent) override;
-    void wheelEvent(QWheelEvent *pEvent) override;
 
   private:
     static void Hear(const TreeNews &news, void *pv);

@@ -18,8 +18,8 @@ class QMenuBar;
 class QToolButton;
 class SoundMeter;
 
-// One at most. It follows the current preset by its news from its making on, whether it is shown or not. Its close button
-// asks before changes are lost, and then ends the program through pfnExit. [main-thread]
+// One at most. It follows the current preset by its news from its making on, whether it is shown or not. Its close
+// button asks before changes are lost, and then ends the program through pfnExit. [main-thread]
 class MainWindow : public QWidget {
   public:
     explicit MainWindow(void (*pfnExit)());

@@ -99,7 +99,7 @@ ramp_modules() {
 
 # start [ENV-ARGUMENT...]: the program on the module folder, in a changed environment; sets pid
 start() {
-    env "$@" "$bin/vorticade" --data "$folder/data" --modules "$module_folder" >"$folder/out" 2>"$folder/err" &
+    env "$@" "$bin/vorticade" --no-main --data "$folder/data" --modules "$module_folder" >"$folder/out" 2>"$folder/err" &
     pid=$!
     pids+=("$pid")
 }

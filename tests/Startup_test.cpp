@@ -128,7 +128,7 @@ TEST_F(SharedStatus, TheStartSaysThatTheBlockKeptItOut)
     ASSERT_NE(0u, OpenSharedStatus());
     static_cast<SharedStatusBlock *>(GlobalSettings.pSharedStatus)->dwVersion = 13;
     const auto [nExit, sSaid] = RunInChild([&] {
-        const std::u16string data = FromUtf8(sFolder);
+        const std::u16string data = FromUtf8(folder.string());
         return StartCore({data, data, {}});
     });
     CloseSharedStatus();
@@ -142,9 +142,9 @@ TEST_F(SharedStatus, ARendererWithoutMemoryForItsSoundEndsWithOneAndOneLine)
         GTEST_SKIP() << "the allocator is the sanitizer's";
     RenderOptions render;
     render.preset = "default";
-    render.start.data = render.start.modules = FromUtf8(sFolder);
+    render.start.data = render.start.modules = FromUtf8(folder.string());
     RenderOptions list = render;
-    list.list = sFolder;
+    list.list = folder.string();
     for (const RenderOptions &ro : {render, list}) {
         const auto [nExit, sSaid] = RunInChild([&] {
             cbToFail = sizeof(SoundFrame);
