@@ -214,6 +214,8 @@ TEST(Icons, EveryPictureIsDrawnInTheUsersColourAndFillsItsPlace)
     ASSERT_GE(files.size(), 3);
     for (const QString &file : files) {
         const QString name = file.chopped(4);
+        if (name == "vorticade")
+            continue; // the program's own sign keeps its colours
         EXPECT_EQ(name.toLower(), name);
         const QImage image = UserIcon(name.toLatin1()).pixmap(48, 48).toImage();
         ASSERT_EQ(QSize(48, 48), image.size()) << qPrintable(name);
