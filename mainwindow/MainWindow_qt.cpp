@@ -242,10 +242,14 @@ void MainWindow::closeEvent(QCloseEvent *pEvent)
     ConfirmDiscard(this, pfnExit);
 }
 
-// Wherever the pointer is in this window, the tree turns.
+// Wherever the pointer is in this window, the tree turns. What the tree does not want comes back here.
 void MainWindow::wheelEvent(QWheelEvent *pEvent)
 {
+    if (bWheelPassedOn)
+        return;
+    bWheelPassedOn = true;
     QCoreApplication::sendEvent(pTreeView->viewport(), pEvent);
+    bWheelPassedOn = false;
 }
 
 void RegisterMainWindow(void (*pfnExit)())

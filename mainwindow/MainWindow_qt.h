@@ -56,7 +56,8 @@ class MainWindow : public QWidget {
     QToolButton *pSound;
     QTimer StatusTimer;
     QPointer<QDialog> pChooser; // a file chooser that works on the preset of its opening
-    int nQuietShown = -1;       // what the sound button's picture says; -1: nothing yet
+    bool bWheelPassedOn = false;
+    int nQuietShown = -1; // what the sound button's picture says; -1: nothing yet
 };
 
 // Enters it in the table of windows as MAIN_WINDOW; OpenWindow makes it. pfnExit ends the program. [main-thread]
