@@ -29,6 +29,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QSize FIRST_SIZE(310, 440);
@@ -94,7 +96,8 @@ MainWindow::MainWindow(void (*pfn)()) : pfnExit(pfn)
     pLayout->addWidget(MakeToolButtons());
     pLayout->addWidget(pTreeView, 1);
     pLayout->addWidget(MakeStatusStrip());
-    resize(FIRST_SIZE);
+    setFixedWidth(std::max(FIRST_SIZE.width(), sizeHint().width()));
+    resize(width(), FIRST_SIZE.height());
     ConnectTree();
     FollowPreset(Tree);
     BuildPresetTree(Tree, CurrentPreset());
