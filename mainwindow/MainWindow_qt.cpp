@@ -12,6 +12,7 @@
 #include "platform/Clock.h"
 #include "state/Folders.h"
 #include "toolkit/CommandMenus_qt.h"
+#include "toolkit/Commands.h"
 #include "toolkit/FileChooser_qt.h"
 #include "toolkit/Icons_qt.h"
 #include "toolkit/QuestionBox_qt.h"
@@ -30,6 +31,8 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 
 namespace {
 
@@ -47,10 +50,10 @@ QString Text(const std::u16string &s)
     return QString::fromStdU16String(s);
 }
 
-// "[*]" is the toolkit's own placeholder.
+// "[*]" is the toolkit's own placeholder. Window managers show a line end in a name as rubbish.
 QString TitleText(const std::u16string &s)
 {
-    return Text(s).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+    return Text(OneLine(s)).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
 }
 
 void (*pfnEndProgram)() = nullptr;
@@ -208,8 +211,11 @@ void MainWindow::SaveAs()
 
 void MainWindow::Save(const std::u16string &path)
 {
-    if (!SavePresetAs(path))
-        ShowErrorBox(this, QStringLiteral("Error"), QStringLiteral("Error Saving File"));
+    std::string sWhy;
+    if (SavePresetAs(path, &sWhy))
+        return;
+    std::fprintf(stderr, "%s: %s\n", program_invocation_short_name, sWhy.c_str());
+    ShowErrorBox(this, QStringLiteral("Error"), QStringLiteral("Error Saving File"));
 }
 
 void MainWindow::StartStatus()
