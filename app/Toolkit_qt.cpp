@@ -5,6 +5,7 @@
 #include "platform/MainThread.h"
 #include "toolkit/DarkStyle_qt.h"
 
+#include <QSettings>
 #include <QStringList>
 
 #include <clocale>
@@ -60,6 +61,12 @@ void SetStarting(bool b)
     HeldBackMessages.clear();
 }
 
+// The toolkit's file and colour choosers would keep a file of their own among the user's settings.
+void KeepNoChooserSettings()
+{
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+}
+
 // A choice in the environment stands. Otherwise X11, where the program can do more, comes before Wayland.
 bool ChoosePlatform()
 {
@@ -85,6 +92,7 @@ std::unique_ptr<QApplication> StartToolkit()
     SetStarting(true);
     auto pApp = std::make_unique<QApplication>(nArguments, apszArgument);
     SetStarting(false);
+    KeepNoChooserSettings();
     InstallDarkLook(pApp.get());
     QApplication::setQuitOnLastWindowClosed(false); // the main loop ends the program, in its order
     std::setlocale(LC_NUMERIC, "C");                // the toolkit took the user's: files would get decimal commas

@@ -3,11 +3,13 @@
 
 #include "editing/TreeColors.h"
 #include "toolkit/DialogPieces_qt.h"
+#include "toolkit/WindowEvents_qt.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QStyledItemDelegate>
 
 namespace {
@@ -141,16 +143,26 @@ void PresetTreeView::ToggleExpansion()
         SetExpanded(*pModel->Tree(), pNode, !pNode->bExpanded);
 }
 
+// The lines before a node are no part of what is selected.
+void PresetTreeView::drawBranches(QPainter *pPainter, const QRect &rect, const QModelIndex &index) const
+{
+    pPainter->fillRect(rect, palette().color(QPalette::Base));
+    QTreeView::drawBranches(pPainter, rect, index);
+}
+
+// Letters by their place on keyboards without Latin ones. What the view itself has for these keys must not run: it
+// would copy the node's text over what lies on the clipboard.
 void PresetTreeView::keyPressEvent(QKeyEvent *pEvent)
 {
-    const bool bCtrl = pEvent->modifiers() & Qt::ControlModifier;
-    if (bCtrl && pEvent->key() == Qt::Key_C)
+    const KeyEvent event = KeyEventOf(*pEvent);
+    const bool bCtrl = event.dwModifiers & MODIFIER_CTRL;
+    if (bCtrl && event.dwKey == 'C')
         ExpandSelected(false);
-    else if (bCtrl && pEvent->key() == Qt::Key_X)
+    else if (bCtrl && event.dwKey == 'X')
         ExpandSelected(true);
-    else if (pEvent->key() == Qt::Key_Return || pEvent->key() == Qt::Key_Enter)
+    else if (event.dwKey == KEY_RETURN)
         ToggleExpansion();
-    else if (pEvent->key() != Qt::Key_Delete)
+    else if (event.dwKey != KEY_DELETE)
         QTreeView::keyPressEvent(pEvent);
     else if (TreeNode *pNode = SelectedNode(); pNode && pfnRemove)
         pfnRemove(pNode);
@@ -159,16 +171,28 @@ void PresetTreeView::keyPressEvent(QKeyEvent *pEvent)
 // A right click opens the menu of what lies under it and selects nothing.
 void PresetTreeView::mousePressEvent(QMouseEvent *pEvent)
 {
-    if (pEvent->button() != Qt::RightButton)
+    if (pEvent->button() == Qt::LeftButton)
         QTreeView::mousePressEvent(pEvent);
+}
+
+void PresetTreeView::mouseDoubleClickEvent(QMouseEvent *pEvent)
+{
+    if (pEvent->button() == Qt::LeftButton)
+        QTreeView::mouseDoubleClickEvent(pEvent);
+}
+
+// Under the node, or as near to it as the view shows.
+QPoint PresetTreeView::MenuPlace(const QModelIndex &index)
+{
+    scrollTo(index);
+    const QRect seen = visualRect(index).intersected(viewport()->rect());
+    return viewport()->mapToGlobal(seen.isEmpty() ? viewport()->rect().topLeft() : seen.bottomLeft());
 }
 
 void PresetTreeView::contextMenuEvent(QContextMenuEvent *pEvent)
 {
     const bool bByKey = pEvent->reason() == QContextMenuEvent::Keyboard;
     const QModelIndex index = bByKey ? currentIndex() : indexAt(pEvent->pos());
-    if (!index.isValid() || !pfnContextMenu)
-        return;
-    const QPoint place = bByKey ? viewport()->mapToGlobal(visualRect(index).center()) : pEvent->globalPos();
-    pfnContextMenu(PresetTreeModel::NodeOf(index), place);
+    if (index.isValid() && pfnContextMenu)
+        pfnContextMenu(PresetTreeModel::NodeOf(index), bByKey ? MenuPlace(index) : pEvent->globalPos());
 }

@@ -22,8 +22,10 @@ class PresetTreeView : public QTreeView {
 
   protected:
     void paintEvent(QPaintEvent *pEvent) override;
+    void drawBranches(QPainter *pPainter, const QRect &rect, const QModelIndex &index) const override;
     void keyPressEvent(QKeyEvent *pEvent) override;
     void mousePressEvent(QMouseEvent *pEvent) override;
+    void mouseDoubleClickEvent(QMouseEvent *pEvent) override;
     void contextMenuEvent(QContextMenuEvent *pEvent) override;
 
   private:
@@ -32,6 +34,7 @@ class PresetTreeView : public QTreeView {
     void TakeExpansion(const TreeNode *pBranch);
     void ExpandSelected(bool bExpanded);
     void ToggleExpansion();
+    QPoint MenuPlace(const QModelIndex &index);
 
     PresetTreeModel *pModel;
     bool bFollowing = false; // the expansion comes from the tree

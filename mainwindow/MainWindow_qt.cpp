@@ -12,6 +12,7 @@
 #include "platform/Clock.h"
 #include "state/Folders.h"
 #include "toolkit/CommandMenus_qt.h"
+#include "toolkit/Commands.h"
 #include "toolkit/FileChooser_qt.h"
 #include "toolkit/Icons_qt.h"
 #include "toolkit/QuestionBox_qt.h"
@@ -29,6 +30,10 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+
 namespace {
 
 constexpr QSize FIRST_SIZE(310, 440);
@@ -45,10 +50,10 @@ QString Text(const std::u16string &s)
     return QString::fromStdU16String(s);
 }
 
-// "[*]" is the toolkit's own placeholder.
+// "[*]" is the toolkit's own placeholder. Window managers show a line end in a name as rubbish.
 QString TitleText(const std::u16string &s)
 {
-    return Text(s).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+    return Text(OneLine(s)).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
 }
 
 void (*pfnEndProgram)() = nullptr;
@@ -94,7 +99,8 @@ MainWindow::MainWindow(void (*pfn)()) : pfnExit(pfn)
     pLayout->addWidget(MakeToolButtons());
     pLayout->addWidget(pTreeView, 1);
     pLayout->addWidget(MakeStatusStrip());
-    resize(FIRST_SIZE);
+    setFixedWidth(std::max(FIRST_SIZE.width(), sizeHint().width()));
+    resize(width(), FIRST_SIZE.height());
     ConnectTree();
     FollowPreset(Tree);
     BuildPresetTree(Tree, CurrentPreset());
@@ -205,8 +211,11 @@ void MainWindow::SaveAs()
 
 void MainWindow::Save(const std::u16string &path)
 {
-    if (!SavePresetAs(path))
-        ShowErrorBox(this, QStringLiteral("Error"), QStringLiteral("Error Saving File"));
+    std::string sWhy;
+    if (SavePresetAs(path, &sWhy))
+        return;
+    std::fprintf(stderr, "%s: %s\n", program_invocation_short_name, sWhy.c_str());
+    ShowErrorBox(this, QStringLiteral("Error"), QStringLiteral("Error Saving File"));
 }
 
 void MainWindow::StartStatus()

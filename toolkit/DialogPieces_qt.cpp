@@ -80,7 +80,8 @@ void PickFolder(QLineEdit *pLine, const QString &prompt, const std::function<voi
 
 QString PlainTip(const QString &text)
 {
-    return Qt::mightBeRichText(text) ? QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped()) : text;
+    const QString kept = QStringLiteral("<p style='white-space:pre'>%1</p>");
+    return Qt::mightBeRichText(text) ? kept.arg(text.toHtmlEscaped()) : text;
 }
 
 void AddToolTip(QWidget *pControl, const QString &text)

@@ -4,7 +4,9 @@
 #include "toolkit/FileFilter.h"
 #include "toolkit/WindowEvents_qt.h"
 
+#include <QChildEvent>
 #include <QFileDialog>
+#include <QMessageBox>
 
 #include <utility>
 
@@ -27,6 +29,24 @@ QStringList NameFilters(const FileQuestion &question)
     return list;
 }
 
+// The toolkit's own question before it overwrites a file reads the file's name as markup.
+class PlainBoxes : public QObject {
+  public:
+    explicit PlainBoxes(QFileDialog *pDialog) : QObject(pDialog)
+    {
+        pDialog->installEventFilter(this);
+    }
+
+  protected:
+    bool eventFilter(QObject *, QEvent *pEvent) override
+    {
+        if (pEvent->type() == QEvent::ChildPolished)
+            if (auto *pBox = qobject_cast<QMessageBox *>(static_cast<QChildEvent *>(pEvent)->child()))
+                pBox->setTextFormat(Qt::PlainText);
+        return false;
+    }
+};
+
 } // namespace
 
 QDialog *AskForFile(QWidget *pParent, const FileQuestion &question,
@@ -35,6 +55,7 @@ QDialog *AskForFile(QWidget *pParent, const FileQuestion &question,
     auto *pDialog = new QFileDialog(pParent, Text(question.sTitle), Text(question.sFolder));
     pDialog->setAttribute(Qt::WA_DeleteOnClose);
     KeepFramesUnder(pDialog);
+    new PlainBoxes(pDialog);
     pDialog->setAcceptMode(question.bSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     pDialog->setFileMode(question.bSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     pDialog->setNameFilters(NameFilters(question));
