@@ -120,13 +120,20 @@ void RestoreSlotDefaults(ModuleSlot *pms)
     pms->bResetPending = 1;
 }
 
+// A group is a record too, but has no values of its own.
+bool HasDefaults(const EditTarget &target)
+{
+    const bool bValue = target.eKind == PlaceKind::Control || target.eKind == PlaceKind::Weight;
+    return bValue && target.pctl->Base.dwType != CONTROLTYPE_GROUP;
+}
+
 void RestoreTarget(const EditTarget &target)
 {
     if (target.eKind == PlaceKind::Plane)
         target.pps->bPaused = 0;
     else if (target.eKind == PlaceKind::Module)
         RestoreSlotDefaults(target.pms);
-    else if (target.eKind == PlaceKind::Control || target.eKind == PlaceKind::Weight)
+    else if (HasDefaults(target))
         RestoreControlDefaults(target.pctl);
 }
 

@@ -7,6 +7,7 @@ struct FrameRect {
     i32 xLeft, yTop, xRight, yBottom; // device pixels of the screen; right and bottom lie outside
 };
 
-// The visuals window beside the main window's frame: from its right edge to the right edge of the work area, and twice
-// its height. Limited so that at least the smallest side that the window may have remains, on the work area.
+// The visuals window beside the main window's frame: its left edge at the frame's right edge, with as much room at the
+// right end of the work area as the frame has at the left, and twice the frame's height, also where that is more than
+// the work area has. Where too little room is left it has the smallest side that it may have, within the work area.
 FrameRect VisualsStartRect(const FrameRect &rcMain, const FrameRect &rcWork, i32 nSmallestSide);

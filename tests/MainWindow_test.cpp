@@ -165,7 +165,7 @@ TEST(FileFilterTest, TheDefaultExtensionGoesToNamesWithoutOne)
     EXPECT_EQ(DefaultExtension(u""), u"");
 }
 
-TEST(StartPlacementTest, TheVisualsWindowStandsBesideTheMainWindowAndStaysOnTheScreen)
+TEST(StartPlacementTest, TheVisualsWindowStandsBesideTheMainWindowAndIsTwiceAsHigh)
 {
     const FrameRect rcWork = {0, 0, 1600, 1000};
     const FrameRect rc = VisualsStartRect({0, 0, 300, 450}, rcWork, 64);
@@ -177,7 +177,8 @@ TEST(StartPlacementTest, TheVisualsWindowStandsBesideTheMainWindowAndStaysOnTheS
     EXPECT_EQ(rcInset.xRight, 1580); // as much room at the right as the main window has at the left
     EXPECT_EQ(rcInset.yBottom, 870);
     const FrameRect rcTall = VisualsStartRect({0, 100, 300, 900}, rcWork, 64);
-    EXPECT_EQ(rcTall.yBottom, 1000);
+    EXPECT_EQ(rcTall.yTop, 100);
+    EXPECT_EQ(rcTall.yBottom, 1700); // whatever the work area has
     const FrameRect rcWide = VisualsStartRect({900, 0, 1590, 450}, rcWork, 64);
     EXPECT_EQ(rcWide.xRight - rcWide.xLeft, 64);
     EXPECT_EQ(rcWide.xRight, 1600);

@@ -180,6 +180,37 @@ TEST_F(Document, TheMarkIsToldOnceHoweverOftenItIsSet)
     EXPECT_EQ("", TakeTold());
 }
 
+TEST_F(Document, APresetWithListsOfFilesIsUnmarkedAfterItsFirstFrames)
+{
+    RecorderBehaviour rb = {};
+    rb.nControls = 1;
+    rb.adwType[0] = CONTROLTYPE_FILESELECT;
+    Behave(nullptr, rb);
+    const std::string sModule = "<ModuleDLL>Recorder.dll</ModuleDLL><NumControls>1</NumControls><Control0><Name>"
+                                "Recorder.Control 000</Name><Source>1</Source><Shuffle>0</Shuffle><FileList>"
+                                "a.png\r\nb.png</FileList></Control0>";
+    std::ofstream(folder / "Presets/Lists.VD")
+        << "<?xml?>\n<Preset><NumPlanes>1</NumPlanes><Plane0><NumDFull>1</NumDFull><DFull0>" + sModule +
+               "</DFull0><NumOEffect>1</NumOEffect><OEffect0>" + sModule +
+               "</OEffect0></Plane0><PostProc><NumPEffect>1</NumPEffect><PEffect0>" + sModule +
+               "</PEffect0></PostProc></Preset>";
+    ASSERT_TRUE(LoadPresetByName(u"Lists.VD"));
+    lppsi = CurrentPreset();
+    const ModuleSlot *apms[] = {lppsi->psPlane[0]->apModule[MODULEINDEX_DRAWFULL][0],
+                                lppsi->psPlane[0]->apModule[MODULEINDEX_OVERLAYEFFECT][0], lppsi->apPostProc[0]};
+    for (u32 nFrame = 0; nFrame < 4; nFrame++) {
+        EXPECT_EQ("Lists.VD Presets/Lists.VD", State()) << nFrame;
+        EXPECT_FALSE(DiscardNeedsQuestion());
+        EXPECT_EQ(Step(100), 1u);
+    }
+    for (const ModuleSlot *pms : apms) {
+        ASSERT_NE(pms, nullptr);
+        EXPECT_EQ(pms->apControl[0]->FileSelect.nLines, 2u) << "the list was read and counted";
+    }
+    EXPECT_FALSE(DiscardNeedsQuestion());
+    lppsi = nullptr; // the document's
+}
+
 // What the start says about a preset of that name in the settings, or of that path on the command line.
 std::string TroubleAtStart(std::u16string_view stored, std::u16string_view path = {})
 {

@@ -137,6 +137,17 @@ TEST_P(TreeCommandsTest, WhatCannotBeAddedChangesNothingButMarks)
     EXPECT_EQ(lppsi->nPlanes, 4);
 }
 
+TEST_P(TreeCommandsTest, APlaneComesWithItsDefaultModules)
+{
+    UsePreset(0);
+    CopyText(FindModuleRecord(u"RecorderColor.dll")->szDll, u"CMShift.dll");
+    EXPECT_EQ(Run(PlanesNode(), TreeCommand::AddPlane, 1), "rm");
+    EXPECT_EQ(Outline(ListNode(OBJECT_COLORINTERPOLATORTREE)), "Interpolator(Recorder Color)");
+    SwitchPreset(nullptr, nullptr);
+    lppsi = nullptr;
+    CopyText(FindModuleRecord(u"CMShift.dll")->szDll, u"RecorderColor.dll");
+}
+
 TEST_P(TreeCommandsTest, PlanesOfBothTypesAreAdded)
 {
     UsePreset(0);
@@ -316,6 +327,23 @@ TEST_P(TreeCommandsTest, RestoringTakesTheItemAloneOrAllBelowIt)
     EXPECT_EQ(branch(tree.pRoot), "MCCC MC 00");
     EXPECT_EQ(branch(ChildOfType(tree.pRoot, OBJECT_MIXER)), nothing);
     EXPECT_EQ(branch(ChildOfType(tree.pRoot, OBJECT_POSTPROC)), nothing);
+}
+
+TEST_P(TreeCommandsTest, ADeclaredGroupHasNoDefaultsOfItsOwn)
+{
+    UsePreset(1);
+    ModuleSlot *pms = AddWith(MODULEINDEX_DRAWFULL, 0, {{u"G"}, {u"G", u"a"}});
+    ControlRecord *pctlGroup = pms->apControl[0];
+    pctlGroup->Base.dwType = CONTROLTYPE_GROUP;
+    BuildPresetTree(tree, lppsi);
+    pctlGroup->Base.nSamples = 7;
+    EXPECT_EQ(Run(NodeOf(pctlGroup), TreeCommand::RestoreItem), "prm");
+    for (TreeNode *pNode : {NodeOf(pctlGroup), NodeOf(pms), tree.pRoot}) {
+        Spoil(pms);
+        Run(pNode, TreeCommand::RestoreBranch);
+        EXPECT_TRUE(ControlIsDefault(pms->apControl[1]));
+    }
+    EXPECT_EQ(pctlGroup->Base.nSamples, 7u);
 }
 
 TEST_P(TreeCommandsTest, PostProcessingIsRestoredFromItsNodeAndFromTheRoot)
