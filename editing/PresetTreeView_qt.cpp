@@ -93,7 +93,8 @@ void PresetTreeView::Take(const TreeNews &news)
     }
 }
 
-// With a layout put off, an expansion is only noted: one layout serves them all.
+// With a layout put off, an expansion is only noted: one layout serves them all. Nodes without children count too:
+// what comes into an empty list is to be seen.
 void PresetTreeView::TakeExpansion(const TreeNode *pBranch)
 {
     if (!pBranch)
@@ -104,8 +105,7 @@ void PresetTreeView::TakeExpansion(const TreeNode *pBranch)
         scheduleDelayedItemsLayout();
     setExpanded(pModel->IndexOf(pBranch), pBranch->bExpanded != 0);
     for (const TreeNode *pChild : pBranch->apChild)
-        if (!pChild->apChild.empty())
-            TakeExpansion(pChild);
+        TakeExpansion(pChild);
     bFollowing = bWasFollowing;
 }
 
