@@ -59,6 +59,7 @@ PresetTreeView::PresetTreeView(PresetTree *pTree, QWidget *pParent)
     connect(this, &QTreeView::collapsed, this, [this](const QModelIndex &index) {
         if (!bFollowing)
             SetExpanded(*pModel->Tree(), PresetTreeModel::NodeOf(index), false);
+        SelectInsteadOfHidden(PresetTreeModel::NodeOf(index));
     });
     pTree->TreeListeners.Add(Hear, this); // behind the model's, which the view has to know of first
     TakeExpansion(pTree->pRoot);
@@ -118,6 +119,17 @@ TreeNode *PresetTreeView::SelectedNode() const
 void PresetTreeView::SelectNode(const TreeNode *pNode)
 {
     setCurrentIndex(pModel->IndexOf(pNode));
+}
+
+// Keys must not act on what nobody sees.
+void PresetTreeView::SelectInsteadOfHidden(const TreeNode *pCollapsed)
+{
+    const TreeNode *pSelected = SelectedNode();
+    if (!pSelected || pSelected == pCollapsed || !IsInBranch(pSelected, pCollapsed))
+        return;
+    setAutoScroll(false); // which would open all that the node lies in
+    SelectNode(pCollapsed);
+    setAutoScroll(true);
 }
 
 void PresetTreeView::paintEvent(QPaintEvent *pEvent)

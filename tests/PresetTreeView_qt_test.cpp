@@ -5,6 +5,7 @@
 #include "editing/TreeTexts.h"
 #include "tests/TreeFixture.h"
 #include "tests/WindowFixture.h"
+#include "toolkit/DarkStyle_qt.h"
 
 #include <QAbstractItemModelTester>
 #include <QAccessible>
@@ -42,6 +43,11 @@ std::string Texts(const std::vector<TreeNode *> &rows)
     for (const TreeNode *pNode : rows)
         s += ToUtf8(pNode->sText) + "\n";
     return s;
+}
+
+QRgb RgbOf(u32 dwColor)
+{
+    return qRgb(dwColor & 0xFF, dwColor >> 8 & 0xFF, dwColor >> 16 & 0xFF);
 }
 
 class TreeView : public TreeTest {
@@ -186,9 +192,161 @@ TEST_F(TreeView, AfterAnyChangesItShowsWhatTheTreeHasAndTheToolkitsTesterAgrees)
     EXPECT_TRUE(complaints.isEmpty()) << qPrintable(complaints.join('\n'));
 }
 
+TEST_F(TreeView, SelectionPlaceAndExpansionStayWhenSomethingElseChanges)
+{
+    ExpandBranch(tree, tree.pRoot, true);
+    TreeNode *pSpeed = FindNodeByObject(tree, nullptr, Slot(MODULEINDEX_DRAWPAINTER, 1)->apControl[0]);
+    SetExpanded(tree, NodeOf(Slot(MODULEINDEX_DRAWPAINTER, 1)), true);
+    pView->SelectNode(pSpeed);
+    pView->verticalScrollBar()->setValue(25);
+    const auto top = [this] { return PresetTreeModel::NodeOf(pView->indexAt({5, 5})); };
+    const TreeNode *const pTop = top();
+    ASSERT_TRUE(IsInBranch(pTop, NthPlaneNode(tree, 1)));
+    const auto expectSame = [&](const char *pszAfter) {
+        QCoreApplication::processEvents();
+        CheckRows();
+        EXPECT_EQ(pSpeed, pView->SelectedNode()) << pszAfter;
+        EXPECT_EQ(pTop, top()) << pszAfter;
+    };
+    TreeNode *pBelow = AddModuleBranch(tree, tree.pRoot->apChild.back(), OBJECT_OVERLAYEFFECT, Slot());
+    expectSame("a row more below");
+    DeleteNode(tree, pBelow);
+    expectSame("a row less below");
+    SetExpanded(tree, NodeOf(Slot()), false);
+    MoveNode(tree, NthPlaneNode(tree, 1), tree.pRoot->apChild[0], nullptr);
+    CheckRows();
+    EXPECT_EQ(pSpeed, pView->SelectedNode()) << "it went along with its plane";
+    SetNodeText(tree, tree.pRoot, u"*two\nlines");
+    EXPECT_EQ("*two lines", pView->model()->data(IndexOf(tree.pRoot), Qt::DisplayRole).toString());
+}
+
+TEST_F(TreeView, ABranchClosesAndOpensByKeysAndItsNodeStaysSelected)
+{
+    TreeNode *pPlane = NthPlaneNode(tree, 0);
+    pView->SelectNode(pPlane);
+    Key(Qt::Key_X, Qt::ControlModifier);
+    CheckRows();
+    for (const TreeNode *pNode : AllNodes(pPlane))
+        EXPECT_TRUE(pNode->bExpanded) << ToUtf8(pNode->sText);
+    EXPECT_FALSE(NodeOf(Slot(MODULEINDEX_DRAWFULL, 1))->bExpanded) << "the other plane's";
+    Key(Qt::Key_C, Qt::ControlModifier);
+    CheckRows();
+    for (const TreeNode *pNode : AllNodes(pPlane))
+        EXPECT_FALSE(pNode->bExpanded) << ToUtf8(pNode->sText);
+    EXPECT_EQ(pPlane, pView->SelectedNode());
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(pPlane->bExpanded && Shown()[3] == pPlane->apChild[0]);
+    Key(Qt::Key_Left);
+    EXPECT_FALSE(pPlane->bExpanded) << "the toolkit's own keys arrive in the tree";
+}
+
+TEST_F(TreeView, TheSelectedNodeIsAlwaysOneThatIsShown)
+{
+    TreeNode *pPlane = NthPlaneNode(tree, 1);
+    pView->SelectNode(NodeOf(Slot(MODULEINDEX_DRAWFULL, 1)));
+    pView->setExpanded(IndexOf(pPlane), false); // by the mouse, which selects nothing there
+    EXPECT_EQ(pPlane, pView->SelectedNode());
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(std::vector<TreeNode *>{pPlane}, apRemoved) << "and no module that nobody sees";
+    pView->SelectNode(NodeOf(Slot(MODULEINDEX_DRAWFULL, 0)));
+    ExpandBranch(tree, tree.pRoot, false);
+    EXPECT_EQ(tree.pRoot, pView->SelectedNode());
+    CheckRows();
+    BuildPresetTree(tree, nullptr);
+    for (Qt::Key eKey : {Qt::Key_Delete, Qt::Key_Return, Qt::Key_Down, Qt::Key_Menu})
+        Key(eKey);
+    Key(Qt::Key_X, Qt::ControlModifier);
+    EXPECT_TRUE(!pView->SelectedNode() && apRemoved.size() == 1 && apMenu.empty()) << "an empty tree";
+}
+
+TEST_F(TreeView, ARightClickGivesTheNodeUnderItAndTheMenuKeyTheSelectedOne)
+{
+    TreeNode *pPlane = NthPlaneNode(tree, 0);
+    pView->SelectNode(tree.pRoot);
+    Click(Qt::RightButton, PlaceOf(pPlane));
+    EXPECT_EQ(std::vector<TreeNode *>{pPlane}, apMenu);
+    EXPECT_EQ(pView->viewport()->mapToGlobal(PlaceOf(pPlane)), PlaceOfMenu);
+    EXPECT_EQ(tree.pRoot, pView->SelectedNode());
+    EXPECT_TRUE(pPlane->bExpanded);
+    ExpandBranch(tree, tree.pRoot, false);
+    Click(Qt::RightButton, {100, 200});
+    EXPECT_EQ(1u, apMenu.size()) << "nothing is there";
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, {}, {});
+    QCoreApplication::sendEvent(pView->viewport(), &key);
+    EXPECT_EQ(tree.pRoot, apMenu.back());
+    EXPECT_EQ(pView->viewport()->mapToGlobal(PlaceOf(tree.pRoot)), PlaceOfMenu);
+    Click(Qt::LeftButton, PlaceOf(tree.pRoot));
+    EXPECT_EQ(2u, apMenu.size());
+}
+
+TEST_F(TreeView, RowsAreInTheColoursOfTheirNodesAsTheyAreNow)
+{
+    ModuleSlot *pms = Slot();
+    pms->apControl[0]->Base.dwSource = pms->apControl[0]->Base.dwDefaultSource = FLUIDSOURCE_FIXED;
+    pms->apControl[2]->Base.pDependsOn = pms->apControl[0];
+    pms->apControl[2]->Base.dwDependOp = DEPENDOP_GREATER;
+    pms->apControl[2]->Base.fDependValue = 0.9f;
+    ExpandBranch(tree, NthPlaneNode(tree, 0), true);
+    pView->resize(900, 1500);
+    pView->setFont(QFont(pView->font().family(), 30)); // letters with pixels that are not rounded
+    const auto check = [&](TreeNode *pNode, bool bSelected) {
+        QCoreApplication::processEvents();
+        const QImage image = pView->viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        const TreeRowColors colors = ColorTreeNode(tree, pNode, bSelected);
+        const QRect row = pView->visualRect(IndexOf(pNode));
+        EXPECT_EQ(RgbOf(colors.dwBack), image.pixel(row.topLeft() + QPoint(3, 3))) << ToUtf8(pNode->sText);
+        u32 nText = 0;
+        for (int x = row.left(); x < row.right(); x++)
+            for (int y = row.top(); y < row.bottom(); y++)
+                nText += image.pixel(x, y) == RgbOf(colors.dwText);
+        EXPECT_GT(nText, 20u) << ToUtf8(pNode->sText);
+        return colors;
+    };
+    TreeNode *pSpeed = NodeOf(pms->apControl[0]), *pHue = NodeOf(pms->apControl[2]), *pGroup = pSpeed->pParent;
+    const TreeRowColors plain = check(pSpeed, false), inactive = check(pHue, false);
+    EXPECT_NE(plain.dwText, inactive.dwText);
+    pms->apControl[0]->Float.fValue = 0.95f; // nobody says a word of it
+    const TreeRowColors changed = check(pSpeed, false);
+    EXPECT_NE(plain.dwBack, changed.dwBack);
+    EXPECT_NE(plain.dwBack, check(pGroup, false).dwBack) << "the group of a changed control";
+    EXPECT_EQ(plain.dwText, check(pHue, false).dwText) << "active now";
+    for (TreeNode *pNode : {tree.pRoot, NthPlaneNode(tree, 0), NodeOf(pms)})
+        check(pNode, false);
+    pView->SelectNode(pHue);
+    check(pHue, false); // the frame of the focus shows it
+    pView->clearFocus();
+    EXPECT_NE(plain.dwBack, check(pHue, true).dwBack);
+    pView->SelectNode(tree.pRoot);
+    SetUIColor(UICOLOR_TREE_BACKGROUND, 0x00102030);
+    EXPECT_EQ(0x00102030u, check(pHue, false).dwBack);
+}
+
+TEST_F(TreeView, AScreenReaderHearsTheNameAndEveryRow)
+{
+    QAccessibleInterface *pReader = QAccessible::queryAccessibleInterface(pView.get());
+    ASSERT_TRUE(pReader && pReader->tableInterface());
+    EXPECT_EQ("Preset", pReader->text(QAccessible::Name));
+    EXPECT_EQ(QAccessible::Tree, pReader->role());
+    SetExpanded(tree, NthPlaneNode(tree, 0), false);
+    QCoreApplication::processEvents();
+    const auto wanted = Wanted();
+    ASSERT_EQ(static_cast<int>(wanted.size()), pReader->tableInterface()->rowCount());
+    for (int i = 0; i < pReader->tableInterface()->rowCount(); i++) {
+        const TreeNode *pNode = wanted[static_cast<size_t>(i)];
+        const QAccessibleInterface *pRow = pReader->tableInterface()->cellAt(i, 0);
+        EXPECT_EQ(QString::fromStdU16String(pNode->sText), pRow->text(QAccessible::Name));
+        EXPECT_EQ(!pNode->apChild.empty(), pRow->state().expandable == 1) << ToUtf8(pNode->sText);
+        EXPECT_EQ(pNode->bExpanded == 1, pRow->state().expanded == 1) << ToUtf8(pNode->sText);
+    }
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    return RunWindowTests(argc, argv, "1");
+    testing::InitGoogleTest(&argc, argv);
+    UseNoDisplay("1");
+    QApplication app(argc, argv);
+    InstallDarkLook(&app); // it must leave the rows their colours
+    return RUN_ALL_TESTS();
 }
