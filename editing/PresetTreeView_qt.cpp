@@ -61,6 +61,7 @@ PresetTreeView::PresetTreeView(PresetTree *pTree, QWidget *pParent)
     connect(this, &QTreeView::collapsed, this, [this](const QModelIndex &index) {
         if (!bFollowing)
             SetExpanded(*pModel->Tree(), PresetTreeModel::NodeOf(index), false);
+        SelectInsteadOfHidden(PresetTreeModel::NodeOf(index));
     });
     pTree->TreeListeners.Add(Hear, this); // behind the model's, which the view has to know of first
     TakeExpansion(pTree->pRoot);
@@ -95,7 +96,8 @@ void PresetTreeView::Take(const TreeNews &news)
     }
 }
 
-// With a layout put off, an expansion is only noted: one layout serves them all.
+// With a layout put off, an expansion is only noted: one layout serves them all. Nodes without children count too:
+// what comes into an empty list is to be seen.
 void PresetTreeView::TakeExpansion(const TreeNode *pBranch)
 {
     if (!pBranch)
@@ -106,8 +108,7 @@ void PresetTreeView::TakeExpansion(const TreeNode *pBranch)
         scheduleDelayedItemsLayout();
     setExpanded(pModel->IndexOf(pBranch), pBranch->bExpanded != 0);
     for (const TreeNode *pChild : pBranch->apChild)
-        if (!pChild->apChild.empty())
-            TakeExpansion(pChild);
+        TakeExpansion(pChild);
     bFollowing = bWasFollowing;
 }
 
@@ -120,6 +121,17 @@ TreeNode *PresetTreeView::SelectedNode() const
 void PresetTreeView::SelectNode(const TreeNode *pNode)
 {
     setCurrentIndex(pModel->IndexOf(pNode));
+}
+
+// Keys must not act on what nobody sees.
+void PresetTreeView::SelectInsteadOfHidden(const TreeNode *pCollapsed)
+{
+    const TreeNode *pSelected = SelectedNode();
+    if (!pSelected || pSelected == pCollapsed || !IsInBranch(pSelected, pCollapsed))
+        return;
+    setAutoScroll(false); // which would open all that the node lies in
+    SelectNode(pCollapsed);
+    setAutoScroll(true);
 }
 
 void PresetTreeView::paintEvent(QPaintEvent *pEvent)

@@ -32,6 +32,7 @@ class PresetTreeView : public QTreeView {
     static void Hear(const TreeNews &news, void *pv);
     void Take(const TreeNews &news);
     void TakeExpansion(const TreeNode *pBranch);
+    void SelectInsteadOfHidden(const TreeNode *pCollapsed);
     void ExpandSelected(bool bExpanded);
     void ToggleExpansion();
     QPoint MenuPlace(const QModelIndex &index);
