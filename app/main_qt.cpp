@@ -17,6 +17,8 @@
 #include "toolkit/FrameExtents_qt.h"
 #include "toolkit/WindowLayouts.h"
 
+#include <QEvent>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -33,27 +35,60 @@ void PublishWindow(void *pvWindow)
     static_cast<VisualsWindow *>(pvWindow)->PublishWindow();
 }
 
-// For the start-up benchmark: says on standard output when the first frame stands on the screen, and ends.
-u32 EndAtFirstFrame(const HostBitmap *, void *)
-{
-    std::puts("first frame");
-    std::fflush(stdout);
-    RequestExit();
-    return 0;
-}
-
-// Behind the window's presenter: what is called here comes after the first frame.
-u32 FinishStart(const HostBitmap *, void *)
-{
-    RemovePresenter(FinishStart, nullptr);
-    RunPendingSteps();
-    return 0;
-}
-
 MainWindow *FindMainWindow()
 {
     const WindowLayout *pLayout = FindWindowLayout(MAIN_WINDOW);
     return pLayout ? static_cast<MainWindow *>(static_cast<QWidget *>(pLayout->hWnd)) : nullptr;
+}
+
+// What becomes of the windows after the start: notes whether the main window has been painted, if there is one.
+class FirstPaint : public QObject {
+  public:
+    explicit FirstPaint(VisualsWindow *p) : pVisuals(p), bMainPainted(!FindMainWindow())
+    {
+        if (!bMainPainted)
+            FindMainWindow()->installEventFilter(this);
+    }
+    // Asked behind the window's presenter. A window may be hidden from the start on: then waiting has an end.
+    bool IsOver()
+    {
+        return (pVisuals->FramesOnScreen() && bMainPainted) || ++nFrames >= FRAMES_MAX;
+    }
+
+  protected:
+    bool eventFilter(QObject *, QEvent *pEvent) override
+    {
+        bMainPainted |= pEvent->type() == QEvent::Paint;
+        return false;
+    }
+
+  private:
+    static constexpr u32 FRAMES_MAX = 120;
+    const VisualsWindow *const pVisuals;
+    bool bMainPainted;
+    u32 nFrames = 0;
+};
+
+// For the start-up benchmark: says on standard output when all windows stand on the screen, and ends.
+bool EndIfAsked()
+{
+    if (!std::getenv("VD_END_AT_FIRST_FRAME"))
+        return false;
+    std::puts("first frame");
+    std::fflush(stdout);
+    RequestExit();
+    return true;
+}
+
+// What is called here comes after the first sight of the windows.
+u32 FinishStart(const HostBitmap *, void *pvPaint)
+{
+    if (!static_cast<FirstPaint *>(pvPaint)->IsOver())
+        return 0;
+    RemovePresenter(FinishStart, pvPaint);
+    if (!EndIfAsked())
+        RunPendingSteps();
+    return 0;
 }
 
 FrameRect RectOf(const QRect &rc)
@@ -87,9 +122,8 @@ void RunShow(const StartOptions &options)
     VisualsWindow window(RequestExit);
     OpenWindows(options, &window);
     BeforeFrameListeners.Add(PublishWindow, &window);
-    if (std::getenv("VD_END_AT_FIRST_FRAME"))
-        AddPresenter(EndAtFirstFrame, nullptr);
-    AddPresenter(FinishStart, nullptr);
+    FirstPaint paint(&window);
+    AddPresenter(FinishStart, &paint);
     StartPreset(options.preset);
     if (MainWindow *pMain = FindMainWindow())
         pMain->SelectRoot();
@@ -98,6 +132,7 @@ void RunShow(const StartOptions &options)
     FinishFrameRecorder();
     SaveSettings();
     BeforeFrameListeners.Remove(PublishWindow, &window);
+    RemovePresenter(FinishStart, &paint);
     delete FindMainWindow();
 }
 

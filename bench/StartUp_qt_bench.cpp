@@ -1,18 +1,17 @@
 // StartUp_qt_bench.cpp -- from the start of the program to its first frame, against an empty window of the toolkit
 #include "bench/BenchReport.h"
+#include "bench/OwnScreen.h"
+#include "bench/PresetFolder.h"
 
 #include <QApplication>
 #include <QWidget>
 
-#include <csignal>
-#include <cstring>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
 constexpr unsigned STARTS = 21;
+constexpr u32 PRESETS = 10000;
 constexpr double START_GOAL_MS = 150;
 
 class EmptyWindow : public QWidget {
@@ -34,32 +33,16 @@ int ShowEmptyWindow(int argc, char **argv)
     return QApplication::exec();
 }
 
-// Starts a program whose standard output is the pipe's write end.
-pid_t Start(const std::vector<const char *> &apszArgument, int fdOutput, int fdOther)
-{
-    const pid_t pid = fork();
-    if (pid != 0)
-        return pid;
-    dup2(fdOutput, STDOUT_FILENO);
-    close(fdOutput);
-    close(fdOther);
-    execvp(apszArgument[0], const_cast<char *const *>(apszArgument.data()));
-    _exit(127);
-}
-
 // Milliseconds until the program writes its first line; ends the benchmark if it never does.
 double TimeFirstLine(const std::vector<const char *> &apszArgument)
 {
-    int afd[2];
-    if (pipe(afd) != 0)
-        std::exit(1);
+    int fdOutput;
     const auto tStart = std::chrono::steady_clock::now();
-    const pid_t pid = Start(apszArgument, afd[1], afd[0]);
-    close(afd[1]);
+    const pid_t pid = bench::StartReading(apszArgument, &fdOutput);
     char szLine[16] = {};
-    const ssize_t cb = read(afd[0], szLine, sizeof szLine - 1);
+    const ssize_t cb = read(fdOutput, szLine, sizeof szLine - 1);
     const std::chrono::duration<double, std::milli> dTaken = std::chrono::steady_clock::now() - tStart;
-    close(afd[0]);
+    close(fdOutput);
     waitpid(pid, nullptr, 0);
     if (cb > 0 && std::strncmp(szLine, "first", 5) == 0)
         return dTaken.count();
@@ -67,25 +50,35 @@ double TimeFirstLine(const std::vector<const char *> &apszArgument)
     std::exit(1);
 }
 
-// A screen of its own for the benchmark. Returns the server's process.
-pid_t StartScreen()
+// Makes the data folder of the programs that are started.
+std::string MakeData()
 {
-    int afd[2];
-    if (pipe(afd) != 0)
+    char szData[] = "/tmp/vd-startup-bench-XXXXXX";
+    if (!mkdtemp(szData))
         std::exit(1);
-    const pid_t pid = Start({"Xvfb", "-displayfd", "1", "-screen", "0", "1600x1000x24", nullptr}, afd[1], afd[0]);
-    close(afd[1]);
-    char szDisplay[16] = ":";
-    const ssize_t cb = read(afd[0], szDisplay + 1, sizeof szDisplay - 2);
-    if (cb <= 0) {
-        std::fprintf(stderr, "Xvfb does not start\n");
-        std::exit(1);
+    bench::MakePresetFolder(std::string(szData) + "/Presets", PRESETS);
+    return szData;
+}
+
+struct Starts {
+    std::vector<double> afEmpty, afProgram, afNoMain;
+};
+
+Starts TimeStarts(const char *pszSelf, const char *pszData)
+{
+    constexpr const char *PROGRAM = PROGRAM_FOLDER "/vorticade";
+    Starts starts;
+    for (unsigned i = 0; i <= STARTS; i++) { // the first round warms the file cache
+        const double fEmpty = TimeFirstLine({pszSelf, "--empty-window", nullptr});
+        const double fProgram = TimeFirstLine({PROGRAM, "--data", pszData, nullptr});
+        const double fNoMain = TimeFirstLine({PROGRAM, "--data", pszData, "--no-main", nullptr});
+        if (i == 0)
+            continue;
+        starts.afEmpty.push_back(fEmpty);
+        starts.afProgram.push_back(fProgram);
+        starts.afNoMain.push_back(fNoMain);
     }
-    szDisplay[std::strcspn(szDisplay, "\n")] = 0;
-    setenv("DISPLAY", szDisplay, 1);
-    setenv("QT_QPA_PLATFORM", "xcb", 1);
-    setenv("VD_END_AT_FIRST_FRAME", "1", 1);
-    return pid;
+    return starts;
 }
 
 } // namespace
@@ -94,23 +87,19 @@ int main(int argc, char **argv)
 {
     if (argc > 1 && std::strcmp(argv[1], "--empty-window") == 0)
         return ShowEmptyWindow(argc, argv);
-    const pid_t pidScreen = StartScreen();
-    char szData[] = "/tmp/vd-startup-bench-XXXXXX";
-    if (!mkdtemp(szData))
-        return 1;
-    std::vector<double> afProgram, afEmpty;
-    for (unsigned i = 0; i <= STARTS; i++) { // the first round warms the file cache
-        const double fEmpty = TimeFirstLine({argv[0], "--empty-window", nullptr});
-        const double fProgram = TimeFirstLine({PROGRAM_FOLDER "/vorticade", "--data", szData, nullptr});
-        if (i > 0) {
-            afEmpty.push_back(fEmpty);
-            afProgram.push_back(fProgram);
-        }
-    }
-    kill(pidScreen, SIGTERM);
-    waitpid(pidScreen, nullptr, 0);
-    ReportFigure("StartUp/first frame beyond an empty window", Median(afProgram) - Median(afEmpty), START_GOAL_MS, "ms",
-                 BenchGoal::AT_MOST);
-    ReportFigure("StartUp/first frame over an empty window", MedianRatio(afProgram, afEmpty), 0, "x", BenchGoal::NONE);
-    return 0;
+    const std::string sData = MakeData();
+    const pid_t pidScreen = bench::StartScreen();
+    setenv("VD_END_AT_FIRST_FRAME", "1", 1);
+    const Starts starts = TimeStarts(argv[0], sData.c_str());
+    bench::StopScreen(pidScreen);
+    bench::fs::remove_all(sData);
+
+    const double fProgram = Median(starts.afProgram), fNoMain = Median(starts.afNoMain);
+    const bool bMet = ReportFigure("StartUp/first frame beyond an empty window", fProgram - Median(starts.afEmpty),
+                                   START_GOAL_MS, "ms", BenchGoal::AT_MOST);
+    ReportFigure("StartUp/first frame over an empty window", MedianRatio(starts.afProgram, starts.afEmpty), 0, "x",
+                 BenchGoal::NONE);
+    ReportFigure("StartUp/an empty window", Median(starts.afEmpty), 0, "ms", BenchGoal::NONE);
+    ReportFigure("StartUp/the main window's share", fProgram - fNoMain, 0, "ms", BenchGoal::NONE);
+    return bMet ? 0 : 1;
 }

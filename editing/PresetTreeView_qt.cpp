@@ -6,6 +6,7 @@
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QContextMenuEvent>
+#include <QHash>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -33,9 +34,27 @@ class TreeDelegate : public QStyledItemDelegate {
         const bool bSelected = pOption->state & QStyle::State_Selected && !(pOption->state & QStyle::State_HasFocus);
         const TreeRowColors colors = ColorTreeNode(*pModel->Tree(), PresetTreeModel::NodeOf(index), bSelected);
         pOption->state &= ~(QStyle::State_Selected | QStyle::State_MouseOver);
-        pOption->palette.setColor(QPalette::Text, ColorOf(colors.dwText));
+        pOption->palette = PaletteOf(pOption->palette, colors.dwText);
         pOption->backgroundBrush = ColorOf(colors.dwBack);
     }
+
+  private:
+    // Rows have few colours, and a palette made anew for each costs more than its text.
+    const QPalette &PaletteOf(const QPalette &base, u32 dwText) const
+    {
+        if (nBaseKey != base.cacheKey())
+            Palettes.clear();
+        nBaseKey = base.cacheKey();
+        const auto i = Palettes.find(dwText);
+        if (i != Palettes.end())
+            return *i;
+        QPalette palette = base;
+        palette.setColor(QPalette::Text, ColorOf(dwText));
+        return *Palettes.insert(dwText, palette);
+    }
+
+    mutable QHash<u32, QPalette> Palettes; // by the colour of their text
+    mutable qint64 nBaseKey = 0;           // of the palette that they are made from
 };
 
 } // namespace
