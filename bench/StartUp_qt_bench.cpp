@@ -1,4 +1,5 @@
 // StartUp_qt_bench.cpp -- from the start of the program to its first frame, against an empty window of the toolkit
+#include "bench/BenchFolder.h"
 #include "bench/BenchReport.h"
 
 #include <QApplication>
@@ -95,13 +96,12 @@ int main(int argc, char **argv)
     if (argc > 1 && std::strcmp(argv[1], "--empty-window") == 0)
         return ShowEmptyWindow(argc, argv);
     const pid_t pidScreen = StartScreen();
-    char szData[] = "/tmp/vd-startup-bench-XXXXXX";
-    if (!mkdtemp(szData))
-        return 1;
+    const BenchFolder folder;
+    const std::string sData = folder.Path().string();
     std::vector<double> afProgram, afEmpty;
     for (unsigned i = 0; i <= STARTS; i++) { // the first round warms the file cache
         const double fEmpty = TimeFirstLine({argv[0], "--empty-window", nullptr});
-        const double fProgram = TimeFirstLine({PROGRAM_FOLDER "/vorticade", "--data", szData, nullptr});
+        const double fProgram = TimeFirstLine({PROGRAM_FOLDER "/vorticade", "--data", sData.c_str(), nullptr});
         if (i > 0) {
             afEmpty.push_back(fEmpty);
             afProgram.push_back(fProgram);
