@@ -1,4 +1,5 @@
 // PresetFile_bench.cpp -- loading, switching and saving a full preset of four planes and 32 modules
+#include "bench/BenchFolder.h"
 #include "bench/BenchReport.h"
 
 #include "app/SettingsTable.h"
@@ -146,12 +147,8 @@ void BenchSaving(PresetState *lppsi, const std::string &sText, const std::u16str
 int main()
 {
     Start();
-    char szFolder[] = "/dev/shm/vd-bench-XXXXXX";
-    if (!mkdtemp(szFolder)) {
-        std::perror(szFolder);
-        return 1;
-    }
-    const std::u16string path = FromUtf8(szFolder) + u"/Full.VD";
+    const BenchFolder folder(FolderPlace::Memory);
+    const std::u16string path = FromUtf8((folder.Path() / "Full.VD").string());
     SetSize(16, 16);
     PresetState *lppsi = BuildFullPreset();
     ChangeEveryControl(lppsi);
@@ -161,7 +158,6 @@ int main()
     DestroyPresetState(lppsi);
     BenchParsing(sText);
     BenchSwitching(path);
-    std::filesystem::remove_all(szFolder);
     UnloadModules();
     return 0;
 }

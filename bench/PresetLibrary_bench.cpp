@@ -1,4 +1,5 @@
 // PresetLibrary_bench.cpp -- the preset library over thousands of files, against the tools that walk and search folders
+#include "bench/BenchFolder.h"
 #include "bench/BenchReport.h"
 #include "bench/PresetFolder.h"
 #include "library/PresetCache.h"
@@ -221,10 +222,8 @@ void Measure(const bench::fs::path &folder, u32 nPresets)
 
 int main()
 {
-    char szFolder[] = "/tmp/vd-library-bench-XXXXXX";
-    if (!mkdtemp(szFolder))
-        return 1;
-    const bench::fs::path folder = szFolder;
+    const BenchFolder own;
+    const bench::fs::path &folder = own.Path();
     bench::LoadManyModules(folder / "DLL", 64);
     PrepareSummaries();
     ReportRescans(folder / "rescans");
@@ -232,6 +231,5 @@ int main()
         Measure(folder, nPresets);
     FreePresetLibrary();
     UnloadModules();
-    bench::fs::remove_all(folder);
     return 0;
 }

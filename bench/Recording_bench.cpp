@@ -1,5 +1,6 @@
 // Recording_bench.cpp -- what saving frames costs: the encoders, the queue before them, and the renderer as a whole
 #include "bench/BenchEngine.h"
+#include "bench/BenchFolder.h"
 #include "bench/BenchReport.h"
 
 #include "engine/FrameStep.h"
@@ -199,12 +200,8 @@ void MeasureRenderer()
 
 int main()
 {
-    // In memory, where there is such a place: disks are not what is measured.
-    std::string sFolder =
-        (fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path().string()) + "/vd-bench-XXXXXX";
-    if (!mkdtemp(sFolder.data()))
-        GiveUp("there is no place for the pictures");
-    folder = sFolder;
+    const BenchFolder own(FolderPlace::Memory); // disks are not what is measured
+    folder = own.Path();
     StartEngine();
     HostBitmap *hbm = DrawNoisyFrame();
     MeasureEncoders(hbm);
@@ -212,6 +209,5 @@ int main()
     MeasureRenderer();
     DeleteBitmap(hbm);
     ShutDownHeadless();
-    fs::remove_all(folder);
     return 0;
 }

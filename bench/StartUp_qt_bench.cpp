@@ -1,4 +1,5 @@
 // StartUp_qt_bench.cpp -- from the start of the program to its first frame, against an empty window of the toolkit
+#include "bench/BenchFolder.h"
 #include "bench/BenchReport.h"
 #include "bench/OwnScreen.h"
 #include "bench/PresetFolder.h"
@@ -51,15 +52,6 @@ double TimeFirstLine(const std::vector<const char *> &apszArgument)
 }
 
 // Makes the data folder of the programs that are started.
-std::string MakeData()
-{
-    char szData[] = "/tmp/vd-startup-bench-XXXXXX";
-    if (!mkdtemp(szData))
-        std::exit(1);
-    bench::MakePresetFolder(std::string(szData) + "/Presets", PRESETS);
-    return szData;
-}
-
 struct Starts {
     std::vector<double> afEmpty, afProgram, afNoMain;
 };
@@ -87,12 +79,13 @@ int main(int argc, char **argv)
 {
     if (argc > 1 && std::strcmp(argv[1], "--empty-window") == 0)
         return ShowEmptyWindow(argc, argv);
-    const std::string sData = MakeData();
+    const BenchFolder folder;
+    bench::MakePresetFolder(folder.Path() / "Presets", PRESETS);
+    const std::string sData = folder.Path().string();
     const pid_t pidScreen = bench::StartScreen();
     setenv("VD_END_AT_FIRST_FRAME", "1", 1);
     const Starts starts = TimeStarts(argv[0], sData.c_str());
     bench::StopScreen(pidScreen);
-    bench::fs::remove_all(sData);
 
     const double fProgram = Median(starts.afProgram), fNoMain = Median(starts.afNoMain);
     const bool bMet = ReportFigure("StartUp/first frame beyond an empty window", fProgram - Median(starts.afEmpty),

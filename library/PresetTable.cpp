@@ -3,7 +3,6 @@
 
 #include "platform/Assert.h"
 #include "platform/Files.h"
-#include "platform/Listeners.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -35,9 +34,9 @@ struct PresetTableRecord {
     i32 iFirstFree; // no slot before it is free
     u32 nLive;
     std::vector<SlotChunk *> apChunk;
-    std::vector<i32> aiBucket; // first slot of each bucket; a power of two of them
-    Listeners<void()> PostNotice;
-    std::atomic<u64> qwScanState; // bScanDone, and above it the bits of fScanProgress
+    std::vector<i32> aiBucket;          // first slot of each bucket; a power of two of them
+    std::vector<PresetNotice> asNotice; // in the order in which the windows came
+    std::atomic<u64> qwScanState;       // bScanDone, and above it the bits of fScanProgress
 };
 
 PresetTableRecord PresetTable;
@@ -311,22 +310,25 @@ f32 PresetScanProgress()
     return std::bit_cast<f32>(static_cast<u32>(PresetTable.qwScanState >> 32));
 }
 
-void AddPresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd)
+void AddPresetNotice(const PresetNotice &notice)
 {
     const PresetTableLock lock;
-    PresetTable.PostNotice.Add(pfnPost, hNotifyWnd);
+    RemovePresetNotice(notice.hNotifyWnd);
+    PresetTable.asNotice.push_back(notice);
 }
 
-void RemovePresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd)
+void RemovePresetNotice(const void *hNotifyWnd)
 {
     const PresetTableLock lock;
-    PresetTable.PostNotice.Remove(pfnPost, hNotifyWnd);
+    std::erase_if(PresetTable.asNotice, [=](const PresetNotice &notice) { return notice.hNotifyWnd == hNotifyWnd; });
 }
 
 void NotifyPresetChange()
 {
     const PresetTableLock lock;
-    PresetTable.PostNotice.Tell();
+    for (const PresetNotice &notice : PresetTable.asNotice)
+        if (notice.hNotifyWnd && notice.uNotifyMsg)
+            notice.pfnPost(notice.hNotifyWnd, notice.uNotifyMsg);
 }
 
 void FreePresetTable()
@@ -340,6 +342,6 @@ void FreePresetTable()
     PresetTable.aiBucket = {};
     PresetTable.nSlots = PresetTable.iFirstFree = 0;
     PresetTable.nLive = 0;
-    PresetTable.PostNotice = {};
+    PresetTable.asNotice = {};
     StorePresetScanState(0, 0);
 }

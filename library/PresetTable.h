@@ -68,13 +68,19 @@ void StorePresetScanState(u32 bScanDone, f32 fScanProgress);
 u32 PresetScanDone();
 f32 PresetScanProgress();
 
-// Where notices of changes go. This list of listeners belongs to the table's lock, not to a thread: all three functions
-// take it, and pfnPost is called on any thread under it. It must only post, wait for nobody, and ask the table for
-// nothing. When RemovePresetNotice returns, it is called no more: a window removes itself before it goes. [any-thread]
-using PostPresetNoticeFn = void (*)(void *hNotifyWnd);
-void AddPresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd);
-void RemovePresetNotice(PostPresetNoticeFn pfnPost, void *hNotifyWnd);
+// Where notices of changes go: to each of these windows its message. The list belongs to the table's lock, not to a
+// thread: all three functions take it, and pfnPost is called on any thread under it. It must only post, wait for
+// nobody, and ask the table for nothing. When RemovePresetNotice returns, it is called no more: a window removes itself
+// before it goes. [any-thread]
+struct PresetNotice {
+    void *hNotifyWnd; // window told of changes; null: none, nothing is posted
+    u32 uNotifyMsg;   // private message posted to that window; 0: none, nothing is posted
+    void (*pfnPost)(void *hNotifyWnd, u32 uNotifyMsg);
+};
+// A window that is there already gets the message in place of the one it had.
+void AddPresetNotice(const PresetNotice &notice);
+void RemovePresetNotice(const void *hNotifyWnd);
 void NotifyPresetChange();
 
-// Frees everything, the list of listeners too. After the last thread that uses the table has ended.
+// Frees everything, the list of windows too. After the last thread that uses the table has ended.
 void FreePresetTable();

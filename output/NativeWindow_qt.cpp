@@ -1,34 +1,18 @@
 // NativeWindow_qt.cpp -- what only the window system knows of a window
 #include "output/NativeWindow_qt.h"
 
-#include <QGuiApplication>
+#include "toolkit/XcbPieces_qt.h"
+
 #include <QWidget>
 
-#include <xcb/xcb.h>
-
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 
 namespace {
-
-xcb_connection_t *Connection()
-{
-    const auto *pX11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return pX11 ? pX11->connection() : nullptr;
-}
 
 xcb_window_t WindowOf(const QWidget *pWindow)
 {
     return static_cast<xcb_window_t>(pWindow->internalWinId());
 }
-
-struct FreeDeleter {
-    void operator()(void *pv) const
-    {
-        std::free(pv);
-    }
-};
 
 } // namespace
 
@@ -68,7 +52,7 @@ NativeNews ReadNativeEvent(const QByteArray &type, const void *pMessage, u64 qwW
 
 u32 BitsPerPixel(int nDepth)
 {
-    if (xcb_connection_t *pConnection = Connection())
+    if (xcb_connection_t *pConnection = XcbConnection())
         for (auto it = xcb_setup_pixmap_formats_iterator(xcb_get_setup(pConnection)); it.rem; xcb_format_next(&it))
             if (it.data->depth == nDepth)
                 return it.data->bits_per_pixel;
@@ -78,11 +62,11 @@ u32 BitsPerPixel(int nDepth)
 // The toolkit's own choice of events stays.
 void WatchVisibility(QWidget *pWindow)
 {
-    xcb_connection_t *pConnection = Connection();
+    xcb_connection_t *pConnection = XcbConnection();
     if (!pConnection || !pWindow->internalWinId())
         return;
     const xcb_window_t window = WindowOf(pWindow);
-    const std::unique_ptr<xcb_get_window_attributes_reply_t, FreeDeleter> pNow(
+    const XcbReply<xcb_get_window_attributes_reply_t> pNow(
         xcb_get_window_attributes_reply(pConnection, xcb_get_window_attributes(pConnection, window), nullptr));
     if (!pNow)
         return;
@@ -95,15 +79,12 @@ void AllowEverySize(QWidget *pWindow)
 {
     constexpr u32 HINT_WORDS = 18; // of the size hints; the first one holds flags
     constexpr u32 STEPS = 1u << 6, BASE = 1u << 8;
-    xcb_connection_t *pConnection = Connection();
+    xcb_connection_t *pConnection = XcbConnection();
     if (!pConnection || !pWindow->internalWinId())
         return;
     const xcb_window_t window = WindowOf(pWindow);
-    const std::unique_ptr<xcb_get_property_reply_t, FreeDeleter> pReply(xcb_get_property_reply(
-        pConnection,
-        xcb_get_property(pConnection, 0, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 0, HINT_WORDS),
-        nullptr));
-    if (!pReply || pReply->format != 32 || pReply->value_len == 0)
+    const auto pReply = XcbProperty(pConnection, window, XCB_ATOM_WM_NORMAL_HINTS, HINT_WORDS);
+    if (!pReply || pReply->type != XCB_ATOM_WM_SIZE_HINTS || pReply->format != 32 || pReply->value_len == 0)
         return;
     auto *pdwHint = static_cast<u32 *>(xcb_get_property_value(pReply.get()));
     if (!(pdwHint[0] & STEPS))
@@ -116,7 +97,7 @@ void AllowEverySize(QWidget *pWindow)
 
 bool SetNativeClientSize(QWidget *pWindow, QSize size)
 {
-    xcb_connection_t *pConnection = Connection();
+    xcb_connection_t *pConnection = XcbConnection();
     if (!pConnection || !pWindow->internalWinId())
         return false;
     AllowEverySize(pWindow);

@@ -2,6 +2,7 @@
 #include "app/DesktopOptions.h"
 
 #include "platform/Text.h"
+#include "tests/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -14,20 +15,10 @@ namespace {
 
 class Options : public testing::Test {
   protected:
-    void SetUp() override
-    {
-        char szFolder[] = "/tmp/vd-options-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        folder = szFolder;
-    }
-    void TearDown() override
-    {
-        fs::remove_all(folder);
-    }
     // A file whose path has that many characters.
     std::string FileOfLength(size_t cch) const
     {
-        fs::path path = folder;
+        fs::path path = folder.string();
         while (cch - path.string().size() > 120)
             path /= std::string(99, 'd');
         fs::create_directories(path);
@@ -44,7 +35,7 @@ class Options : public testing::Test {
         return ReadDesktopOptions(2, apsz, &options, &sError);
     }
 
-    fs::path folder;
+    TempFolder folder;
     DesktopOptions options;
     std::string sError;
 };

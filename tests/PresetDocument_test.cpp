@@ -5,6 +5,7 @@
 #include "engine/PresetNews.h"
 #include "platform/Files.h"
 #include "tests/EngineFixture.h"
+#include "tests/TempFolder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -18,12 +19,9 @@ class Document : public EngineTest {
     void SetUp() override
     {
         EngineTest::SetUp();
-        char szFolder[] = "/tmp/vd-document-XXXXXX";
-        ASSERT_NE(nullptr, mkdtemp(szFolder));
-        folder = szFolder;
         fs::create_directory(folder / "Presets");
         fs::create_directory(folder / "Elsewhere");
-        InitFolders({u"/nowhere/vorticade", FromUtf8(folder.string()), FromUtf8(TEST_MODULE_FOLDER)});
+        InitFolders({u"/nowhere/vorticade", folder.Wide(), FromUtf8(TEST_MODULE_FOLDER)});
         Write("Presets/One.VD", 1);
         Write("Presets/Two.VD", 2);
         Write("Elsewhere/Three.VD", 3);
@@ -36,7 +34,6 @@ class Document : public EngineTest {
         PresetListeners.Remove(OnNews, this);
         SwitchPreset(nullptr, nullptr);
         bPresetChanged = 0;
-        fs::remove_all(folder);
         EngineTest::TearDown();
     }
 
@@ -47,7 +44,7 @@ class Document : public EngineTest {
     }
     std::u16string Path(const std::string &sName) const
     {
-        return FromUtf8((folder / sName).string());
+        return folder.Wide(sName);
     }
     static i32 Planes()
     {
@@ -58,7 +55,7 @@ class Document : public EngineTest {
     {
         const std::string sPath = ToUtf8(PresetPath());
         return (bPresetChanged ? "*" : "") + ToUtf8(PresetName()) + " " +
-               (sPath.empty() ? "nowhere" : fs::path(sPath).lexically_relative(folder).string());
+               (sPath.empty() ? "nowhere" : fs::path(sPath).lexically_relative(folder.string()).string());
     }
     static std::string Stored()
     {
@@ -81,7 +78,7 @@ class Document : public EngineTest {
                         ": " + pThis->State() + "\n";
     }
 
-    fs::path folder;
+    TempFolder folder;
     std::string sTold;
 };
 

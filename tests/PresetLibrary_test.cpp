@@ -267,7 +267,7 @@ TEST_F(WatchedPresets, TheTableFollowsSingleChanges)
 {
     static std::atomic<u32> nNotices;
     nNotices = 0;
-    AddPresetNotice([](void *) { nNotices++; }, nullptr);
+    AddPresetNotice({&nNotices, 1, [](void *, u32) { nNotices++; }});
     Write("c.VD", Text({"Gamma.dll"}, true));
     EXPECT_TRUE(Soon([&] { return Summary("c.VD") == "+Gamma "; })) << Summary("c.VD");
     Write("a.VD", Text({"Beta.dll"}));

@@ -130,18 +130,24 @@ TEST_F(PresetTable, AgreesWithAMapOverTwentyThousandEntries)
     }
 }
 
-TEST_F(PresetTable, ChangesAreToldToAllWindowsThatAskedForThem)
+TEST_F(PresetTable, ChangesPostToEachWindowTheMessageThatItAskedFor)
 {
-    constexpr PostPresetNoticeFn pfnPost = [](void *hwnd) { ++*static_cast<u32 *>(hwnd); };
-    u32 nFirst = 0, nSecond = 0;
+    using Posted = std::vector<u32>;
+    constexpr auto pfnPost = [](void *hwnd, u32 uMsg) { static_cast<Posted *>(hwnd)->push_back(uMsg); };
+    Posted first, second, noMessage;
     NotifyPresetChange();
-    AddPresetNotice(pfnPost, &nFirst);
-    AddPresetNotice(pfnPost, &nSecond);
+    AddPresetNotice({&first, 7, pfnPost});
+    AddPresetNotice({&second, 8, pfnPost});
+    AddPresetNotice({&noMessage, 0, pfnPost});
+    AddPresetNotice({nullptr, 9, pfnPost});
     NotifyPresetChange();
-    RemovePresetNotice(pfnPost, &nFirst);
+    AddPresetNotice({&second, 10, pfnPost});
     NotifyPresetChange();
-    EXPECT_EQ(1u, nFirst);
-    EXPECT_EQ(2u, nSecond);
+    RemovePresetNotice(&first);
+    NotifyPresetChange();
+    EXPECT_EQ((Posted{7, 7}), first);
+    EXPECT_EQ((Posted{8, 10, 10}), second);
+    EXPECT_EQ(Posted{}, noMessage);
 }
 
 TEST_F(PresetTable, AWindowThatIsRemovedIsToldNoMoreWhicheverThreadTells)
@@ -153,10 +159,9 @@ TEST_F(PresetTable, AWindowThatIsRemovedIsToldNoMoreWhicheverThreadTells)
     });
     for (i32 i = 0; i < 1000; i++) {
         auto hwnd = std::make_unique<u32>(0); // gone as soon as it is removed
-        constexpr PostPresetNoticeFn pfnPost = [](void *pv) { ++*static_cast<u32 *>(pv); };
-        AddPresetNotice(pfnPost, hwnd.get());
+        AddPresetNotice({hwnd.get(), 1, [](void *pv, u32) { ++*static_cast<u32 *>(pv); }});
         NotifyPresetChange();
-        RemovePresetNotice(pfnPost, hwnd.get());
+        RemovePresetNotice(hwnd.get());
         const u32 nTold = *hwnd;
         NotifyPresetChange();
         ASSERT_GE(nTold, 1u);

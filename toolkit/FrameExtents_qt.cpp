@@ -1,61 +1,30 @@
 // FrameExtents_qt.cpp -- the frame that the window manager puts around a window, before and after it is shown
 #include "toolkit/FrameExtents_qt.h"
 
+#include "toolkit/XcbPieces_qt.h"
+
 #include <QElapsedTimer>
-#include <QGuiApplication>
 #include <QScreen>
 #include <QThread>
 #include <QWidget>
 #include <QWindow>
 
-#include <xcb/xcb.h>
-
-#include <cstdlib>
-#include <cstring>
-#include <memory>
-
 namespace {
 
 constexpr qint64 ANSWER_MS = 60; // a window manager that answers does so within a few
 constexpr unsigned long ASK_AGAIN_MS = 2;
-
-struct FreeDeleter {
-    void operator()(void *pv) const
-    {
-        std::free(pv);
-    }
-};
-template <typename T> using Reply = std::unique_ptr<T, FreeDeleter>;
-
-xcb_connection_t *Connection()
-{
-    const auto *pX11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return pX11 ? pX11->connection() : nullptr;
-}
-
-xcb_atom_t Atom(xcb_connection_t *pConnection, const char *pszName)
-{
-    const Reply<xcb_intern_atom_reply_t> pReply(xcb_intern_atom_reply(
-        pConnection, xcb_intern_atom(pConnection, 1, static_cast<u16>(std::strlen(pszName)), pszName), nullptr));
-    return pReply ? pReply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-}
+constexpr u32 EXTENTS = 4;           // left, right, top, bottom
+constexpr u32 SUPPORTED_MOST = 1024; // names
 
 xcb_window_t RootWindow(xcb_connection_t *pConnection)
 {
     return xcb_setup_roots_iterator(xcb_get_setup(pConnection)).data->root;
 }
 
-Reply<xcb_get_property_reply_t> Property(xcb_connection_t *pConnection, xcb_window_t window, xcb_atom_t atom)
-{
-    constexpr u32 WORDS_MAX = 1024;
-    return Reply<xcb_get_property_reply_t>(xcb_get_property_reply(
-        pConnection, xcb_get_property(pConnection, 0, window, atom, XCB_ATOM_ANY, 0, WORDS_MAX), nullptr));
-}
-
 bool ReadExtents(xcb_connection_t *pConnection, xcb_window_t window, xcb_atom_t atom, QMargins *pExtents)
 {
-    const auto pReply = Property(pConnection, window, atom);
-    if (!pReply || pReply->format != 32 || pReply->value_len < 4)
+    const auto pReply = XcbProperty(pConnection, window, atom, EXTENTS);
+    if (!pReply || pReply->format != 32 || pReply->value_len < EXTENTS)
         return false;
     const auto *pn = static_cast<const i32 *>(xcb_get_property_value(pReply.get()));
     *pExtents = QMargins(pn[0], pn[2], pn[1], pn[3]);
@@ -65,7 +34,8 @@ bool ReadExtents(xcb_connection_t *pConnection, xcb_window_t window, xcb_atom_t 
 // Whether a window manager says that it answers.
 bool Answers(xcb_connection_t *pConnection, xcb_atom_t request)
 {
-    const auto pReply = Property(pConnection, RootWindow(pConnection), Atom(pConnection, "_NET_SUPPORTED"));
+    const auto pReply =
+        XcbProperty(pConnection, RootWindow(pConnection), XcbAtom(pConnection, "_NET_SUPPORTED"), SUPPORTED_MOST);
     if (!pReply || pReply->format != 32)
         return false;
     const auto *pAtom = static_cast<const xcb_atom_t *>(xcb_get_property_value(pReply.get()));
@@ -109,12 +79,12 @@ QRect FromDevice(const QRect &rc, const QScreen *pScreen)
 
 QMargins FrameExtents(QWidget *pWindow)
 {
-    xcb_connection_t *pConnection = Connection();
+    xcb_connection_t *pConnection = XcbConnection();
     if (!pConnection)
         return {};
     const auto window = static_cast<xcb_window_t>(pWindow->winId());
-    const xcb_atom_t extents = Atom(pConnection, "_NET_FRAME_EXTENTS");
-    const xcb_atom_t request = Atom(pConnection, "_NET_REQUEST_FRAME_EXTENTS");
+    const xcb_atom_t extents = XcbAtom(pConnection, "_NET_FRAME_EXTENTS");
+    const xcb_atom_t request = XcbAtom(pConnection, "_NET_REQUEST_FRAME_EXTENTS");
     QMargins answer;
     if (extents == XCB_ATOM_NONE || ReadExtents(pConnection, window, extents, &answer))
         return answer;
