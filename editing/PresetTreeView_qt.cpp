@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr u32 KEY_F10 = KEY_F1 + 9;
+
 QColor ColorOf(u32 dwColor)
 {
     return QColor(static_cast<int>(dwColor & 0xFF), static_cast<int>(dwColor >> 8 & 0xFF),
@@ -162,6 +164,8 @@ void PresetTreeView::keyPressEvent(QKeyEvent *pEvent)
         ExpandSelected(true);
     else if (event.dwKey == KEY_RETURN)
         ToggleExpansion();
+    else if (event.dwKey == KEY_F10 && event.dwModifiers == MODIFIER_SHIFT)
+        OpenMenuByKey();
     else if (event.dwKey != KEY_DELETE)
         QTreeView::keyPressEvent(pEvent);
     else if (TreeNode *pNode = SelectedNode(); pNode && pfnRemove)
@@ -189,10 +193,19 @@ QPoint PresetTreeView::MenuPlace(const QModelIndex &index)
     return viewport()->mapToGlobal(seen.isEmpty() ? viewport()->rect().topLeft() : seen.bottomLeft());
 }
 
+// Shift and F10 do it too: many keyboards have no menu key.
+void PresetTreeView::OpenMenuByKey()
+{
+    const QModelIndex index = currentIndex();
+    if (index.isValid() && pfnContextMenu)
+        pfnContextMenu(PresetTreeModel::NodeOf(index), MenuPlace(index));
+}
+
 void PresetTreeView::contextMenuEvent(QContextMenuEvent *pEvent)
 {
-    const bool bByKey = pEvent->reason() == QContextMenuEvent::Keyboard;
-    const QModelIndex index = bByKey ? currentIndex() : indexAt(pEvent->pos());
+    if (pEvent->reason() == QContextMenuEvent::Keyboard)
+        return OpenMenuByKey();
+    const QModelIndex index = indexAt(pEvent->pos());
     if (index.isValid() && pfnContextMenu)
-        pfnContextMenu(PresetTreeModel::NodeOf(index), bByKey ? MenuPlace(index) : pEvent->globalPos());
+        pfnContextMenu(PresetTreeModel::NodeOf(index), pEvent->globalPos());
 }

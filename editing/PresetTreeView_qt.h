@@ -34,6 +34,7 @@ class PresetTreeView : public QTreeView {
     void TakeExpansion(const TreeNode *pBranch);
     void ExpandSelected(bool bExpanded);
     void ToggleExpansion();
+    void OpenMenuByKey();
     QPoint MenuPlace(const QModelIndex &index);
 
     PresetTreeModel *pModel;
