@@ -86,6 +86,8 @@ void PresetTreeView::Take(const TreeNews &news)
         break;
     case TreeNewsKind::Inserted:
     case TreeNewsKind::Moved:
+        TakeOwnExpansion(news.pNode->pParent); // the view forgets that of a node without children
+        [[fallthrough]];
     case TreeNewsKind::Expansion:
         TakeExpansion(news.pNode);
         break;
@@ -98,19 +100,26 @@ void PresetTreeView::Take(const TreeNews &news)
 }
 
 // With a layout put off, an expansion is only noted: one layout serves them all.
+void PresetTreeView::TakeOwnExpansion(const TreeNode *pNode)
+{
+    if (!pNode)
+        return;
+    const bool bWasFollowing = bFollowing;
+    bFollowing = true;
+    if (!pNode->apChild.empty())
+        scheduleDelayedItemsLayout();
+    setExpanded(pModel->IndexOf(pNode), pNode->bExpanded != 0);
+    bFollowing = bWasFollowing;
+}
+
 void PresetTreeView::TakeExpansion(const TreeNode *pBranch)
 {
     if (!pBranch)
         return;
-    const bool bWasFollowing = bFollowing;
-    bFollowing = true;
-    if (!pBranch->apChild.empty())
-        scheduleDelayedItemsLayout();
-    setExpanded(pModel->IndexOf(pBranch), pBranch->bExpanded != 0);
+    TakeOwnExpansion(pBranch);
     for (const TreeNode *pChild : pBranch->apChild)
         if (!pChild->apChild.empty())
             TakeExpansion(pChild);
-    bFollowing = bWasFollowing;
 }
 
 TreeNode *PresetTreeView::SelectedNode() const

@@ -31,6 +31,7 @@ class PresetTreeView : public QTreeView {
   private:
     static void Hear(const TreeNews &news, void *pv);
     void Take(const TreeNews &news);
+    void TakeOwnExpansion(const TreeNode *pNode);
     void TakeExpansion(const TreeNode *pBranch);
     void ExpandSelected(bool bExpanded);
     void ToggleExpansion();
