@@ -115,8 +115,12 @@ case_preset_built_with_the_keyboard_alone() {
     holds '<NumPlanes>2</NumPlanes>'
     [ "$(grep -c '<Indexed>1' "$preset")" = 1 ] || fail "not one plane of two is indexed"
     "$bin/vorticade-render" --modules "$module_folder" --save "$folder/again.VD" "$preset" || fail "it cannot be read"
+    keys Home Down Down Delete # the first plane is seen: it was the RGB one
+    saved_as two
+    holds '<NumPlanes>1</NumPlanes>'
+    holds '<Indexed>1</Indexed>'
     terminate
-    grep -qF '<Preset>one.VD</Preset>' "$folder/data/Globals.XML" || fail "the settings do not name it"
+    grep -qF '<Preset>two.VD</Preset>' "$folder/data/Globals.XML" || fail "the settings do not name it"
 }
 
 # The default preset: the painter of plane 1 is the thirteenth row.
