@@ -15,6 +15,8 @@
 
 namespace {
 
+constexpr u32 KEY_F10 = KEY_F1 + 9;
+
 QColor ColorOf(u32 dwColor)
 {
     return QColor(static_cast<int>(dwColor & 0xFF), static_cast<int>(dwColor >> 8 & 0xFF),
@@ -104,6 +106,8 @@ void PresetTreeView::Take(const TreeNews &news)
         break;
     case TreeNewsKind::Inserted:
     case TreeNewsKind::Moved:
+        TakeOwnExpansion(news.pNode->pParent); // the view forgets that of a node without children
+        [[fallthrough]];
     case TreeNewsKind::Expansion:
         TakeExpansion(news.pNode);
         break;
@@ -115,20 +119,27 @@ void PresetTreeView::Take(const TreeNews &news)
     }
 }
 
-// With a layout put off, an expansion is only noted: one layout serves them all. Nodes without children count too:
-// what comes into an empty list is to be seen.
+// With a layout put off, an expansion is only noted: one layout serves them all.
+void PresetTreeView::TakeOwnExpansion(const TreeNode *pNode)
+{
+    if (!pNode)
+        return;
+    const bool bWasFollowing = bFollowing;
+    bFollowing = true;
+    if (!pNode->apChild.empty())
+        scheduleDelayedItemsLayout();
+    setExpanded(pModel->IndexOf(pNode), pNode->bExpanded != 0);
+    bFollowing = bWasFollowing;
+}
+
 void PresetTreeView::TakeExpansion(const TreeNode *pBranch)
 {
     if (!pBranch)
         return;
-    const bool bWasFollowing = bFollowing;
-    bFollowing = true;
-    if (!pBranch->apChild.empty())
-        scheduleDelayedItemsLayout();
-    setExpanded(pModel->IndexOf(pBranch), pBranch->bExpanded != 0);
+    TakeOwnExpansion(pBranch);
     for (const TreeNode *pChild : pBranch->apChild)
-        TakeExpansion(pChild);
-    bFollowing = bWasFollowing;
+        if (!pChild->apChild.empty())
+            TakeExpansion(pChild);
 }
 
 TreeNode *PresetTreeView::SelectedNode() const
@@ -193,6 +204,8 @@ void PresetTreeView::keyPressEvent(QKeyEvent *pEvent)
         ExpandSelected(true);
     else if (event.dwKey == KEY_RETURN)
         ToggleExpansion();
+    else if (event.dwKey == KEY_F10 && event.dwModifiers == MODIFIER_SHIFT)
+        OpenMenuByKey();
     else if (event.dwKey != KEY_DELETE)
         QTreeView::keyPressEvent(pEvent);
     else if (TreeNode *pNode = SelectedNode(); pNode && pfnRemove)
@@ -220,10 +233,19 @@ QPoint PresetTreeView::MenuPlace(const QModelIndex &index)
     return viewport()->mapToGlobal(seen.isEmpty() ? viewport()->rect().topLeft() : seen.bottomLeft());
 }
 
+// Shift and F10 do it too: many keyboards have no menu key.
+void PresetTreeView::OpenMenuByKey()
+{
+    const QModelIndex index = currentIndex();
+    if (index.isValid() && pfnContextMenu)
+        pfnContextMenu(PresetTreeModel::NodeOf(index), MenuPlace(index));
+}
+
 void PresetTreeView::contextMenuEvent(QContextMenuEvent *pEvent)
 {
-    const bool bByKey = pEvent->reason() == QContextMenuEvent::Keyboard;
-    const QModelIndex index = bByKey ? currentIndex() : indexAt(pEvent->pos());
+    if (pEvent->reason() == QContextMenuEvent::Keyboard)
+        return OpenMenuByKey();
+    const QModelIndex index = indexAt(pEvent->pos());
     if (index.isValid() && pfnContextMenu)
-        pfnContextMenu(PresetTreeModel::NodeOf(index), bByKey ? MenuPlace(index) : pEvent->globalPos());
+        pfnContextMenu(PresetTreeModel::NodeOf(index), pEvent->globalPos());
 }

@@ -31,10 +31,12 @@ class PresetTreeView : public QTreeView {
   private:
     static void Hear(const TreeNews &news, void *pv);
     void Take(const TreeNews &news);
+    void TakeOwnExpansion(const TreeNode *pNode);
     void TakeExpansion(const TreeNode *pBranch);
     void SelectInsteadOfHidden(const TreeNode *pCollapsed);
     void ExpandSelected(bool bExpanded);
     void ToggleExpansion();
+    void OpenMenuByKey();
     QPoint MenuPlace(const QModelIndex &index);
 
     PresetTreeModel *pModel;

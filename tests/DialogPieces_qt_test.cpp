@@ -11,6 +11,7 @@
 #include <QSpinBox>
 #include <QStandardItemModel>
 #include <QTest>
+#include <QTextDocument>
 #include <QTreeView>
 #include <QWheelEvent>
 
@@ -21,6 +22,9 @@ TEST(DialogPieces, AToolTipIsPlainAndNamesWhatHasNoName)
     QSlider slider;
     AddToolTip(&slider, "a <b>tip</b>");
     EXPECT_TRUE(slider.toolTip().contains("&lt;b&gt;"));
+    QTextDocument shown;
+    shown.setHtml(PlainTip("<h1>two</h1>\n\n  lines & 100%s"));
+    EXPECT_EQ("<h1>two</h1>\n\n  lines & 100%s", shown.toPlainText());
     EXPECT_EQ("a <b>tip</b>", slider.accessibleName());
     AddToolTip(&slider, "another");
     EXPECT_EQ("a <b>tip</b>", slider.accessibleName());

@@ -32,7 +32,7 @@ fi
 bin=$(cd "$1" && pwd)
 shift
 folder=$(mktemp -d "${TMPDIR:-/tmp}/vd-desktop-XXXXXX")
-limit=90 # seconds; only a failure takes so long
+limit=${DESKTOP_TEST_LIMIT:-90} # seconds; only a failure takes so long
 pids=()
 start_options=() # of each start of the program
 
