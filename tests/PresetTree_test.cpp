@@ -266,6 +266,7 @@ TEST_F(PresetTreeTest, AShaderInstanceIsCalledByItsShader)
     pms->lpszShader = szShader;
     BuildPresetTree(tree, lppsi);
     EXPECT_EQ(Outline(NodeOf(pms)), "Waves");
+    EXPECT_EQ(TipText(NodeOf(pms)), u"Module: Recorder - Writes down every call that it gets.");
 }
 
 TEST_F(PresetTreeTest, PathsForFragmentsNameTheTypeOfThePlaneAndNotItsNumber)

@@ -53,7 +53,7 @@ class TreeCommandsTest : public TreeTest, public testing::WithParamInterface<boo
         BuildPresetTree(tree, lppsi);
         return pms;
     }
-    // Runs it and says how it ended: "r" refreshed, "m" marked, "p" repainted.
+    // Runs it and says how it ended: "r" refreshed, "m" marked, "p" repainted, with pRepainted what.
     std::string Run(TreeNode *pNode, TreeCommand eCommand, u32 dwArgument = 0)
     {
         SetPresetChanged(u"Test.vd", 0);
@@ -63,7 +63,8 @@ class TreeCommandsTest : public TreeTest, public testing::WithParamInterface<boo
         RunTreeCommand(tree, pNode, eCommand, dwArgument);
         tree.TreeListeners.Remove(Listener::Hear, &listener);
         CheckTree();
-        return std::string(listener.bRepainted ? "p" : "") + (nRefreshes == 1 ? "r" : "") + (bPresetChanged ? "m" : "");
+        pRepainted = listener.pRepainted;
+        return std::string(listener.pRepainted ? "p" : "") + (nRefreshes == 1 ? "r" : "") + (bPresetChanged ? "m" : "");
     }
     TreeNode *PlanesNode() const
     {
@@ -81,10 +82,12 @@ class TreeCommandsTest : public TreeTest, public testing::WithParamInterface<boo
     struct Listener {
         static void Hear(const TreeNews &news, void *pv)
         {
-            static_cast<Listener *>(pv)->bRepainted |= news.eKind == TreeNewsKind::BranchChanged;
+            if (news.eKind == TreeNewsKind::BranchChanged)
+                static_cast<Listener *>(pv)->pRepainted = news.pNode;
         }
-        bool bRepainted;
+        TreeNode *pRepainted; // the last one
     };
+    TreeNode *pRepainted = nullptr;
     u32 nRefreshes = 0;
 };
 
@@ -176,6 +179,19 @@ TEST_P(TreeCommandsTest, ModulesAndPlanesAreRemovedAndPlanesRenumbered)
     EXPECT_EQ(NthPlaneNode(tree, 0)->sText, u"Plane 1");
     EXPECT_EQ(NthPlaneNode(tree, 1)->sText, u"Plane 2 - [ Paused ]");
     EXPECT_EQ(NthPlaneNode(tree, 2), nullptr);
+    SetPausedMark(tree, NthPlaneNode(tree, 0), true);
+    EXPECT_EQ(Run(NthPlaneNode(tree, 1), TreeCommand::Remove), "rm");
+    EXPECT_EQ(NthPlaneNode(tree, 0)->sText, u"Plane 1") << "numbered anew, also where every number was right";
+}
+
+TEST_P(TreeCommandsTest, ARemovedPlaneTakesTheMixerRulesAlong)
+{
+    UsePreset(3);
+    AddMixRule(lppsi)->SrcIdx2 = 2;
+    AddMixRule(lppsi);
+    EXPECT_EQ(Run(NthPlaneNode(tree, 0), TreeCommand::Remove), "rm");
+    EXPECT_EQ(lppsi->nPlanes, 2);
+    EXPECT_EQ(lppsi->nMixRules, 0u);
 }
 
 TEST_P(TreeCommandsTest, PostProcessingModulesAreRemovedToo)
@@ -327,6 +343,18 @@ TEST_P(TreeCommandsTest, RestoringTakesTheItemAloneOrAllBelowIt)
     EXPECT_EQ(branch(tree.pRoot), "MCCC MC 00");
     EXPECT_EQ(branch(ChildOfType(tree.pRoot, OBJECT_MIXER)), nothing);
     EXPECT_EQ(branch(ChildOfType(tree.pRoot, OBJECT_POSTPROC)), nothing);
+}
+
+TEST_P(TreeCommandsTest, WhatIsRestoredIsRepaintedWithWhatMayDependOnIt)
+{
+    UsePreset(1);
+    ModuleSlot *pms = AddWith(MODULEINDEX_DRAWFULL, 0, {{u"a"}, {u"b"}});
+    for (TreeCommand eCommand : {TreeCommand::RestoreItem, TreeCommand::RestoreBranch}) {
+        Run(NodeOf(pms->apControl[0]), eCommand);
+        EXPECT_EQ(pRepainted, NodeOf(pms)) << "the controls beside it may have become active";
+        Run(NthPlaneNode(tree, 0), eCommand);
+        EXPECT_EQ(pRepainted, NthPlaneNode(tree, 0));
+    }
 }
 
 TEST_P(TreeCommandsTest, ADeclaredGroupHasNoDefaultsOfItsOwn)

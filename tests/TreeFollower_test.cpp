@@ -5,6 +5,7 @@
 #include "editing/TreeTexts.h"
 #include "engine/PresetDocument.h"
 #include "engine/PresetNews.h"
+#include "tests/TempFolder.h"
 
 #include <random>
 
@@ -154,6 +155,27 @@ TEST_F(TreeFollowerTest, TheRootShowsNameAndMark)
     EXPECT_EQ(tree.pRoot->sText, u"*Sunset.vd");
     SetPresetChanged(u"Sunset.vd", 0);
     EXPECT_EQ(tree.pRoot->sText, u"Sunset.vd");
+}
+
+TEST_F(TreeFollowerTest, AFileThatCannotBeReadLeavesNoNodesAndTheNextPresetHasItsName)
+{
+    const TempFolder folder;
+    folder.Write("Broken.VD", "this is no preset");
+    folder.Write("Good.VD", "<?xml?>\n<Preset><NumPlanes>1</NumPlanes><Plane0></Plane0></Preset>");
+    UsePreset(2);
+    MarkPresetChanged();
+    lppsi = nullptr; // the document's from here on
+    LoadPresetByName(folder.Wide("Broken.VD"));
+    EXPECT_EQ(tree.pRoot, nullptr);
+    EXPECT_EQ(tree.sTitle, u"Tempname.VD");
+    LoadPresetByName(folder.Wide("Good.VD"));
+    ASSERT_NE(tree.pRoot, nullptr);
+    EXPECT_EQ(tree.pRoot->sText, u"Good.VD");
+    EXPECT_NE(NthPlaneNode(tree, 0), nullptr);
+    MarkPresetChanged();
+    NewPreset();
+    EXPECT_EQ(Outline(tree.pRoot), "Tempname.VD(Drawing Planes, Plane Mixer, Effects)");
+    CheckTree();
 }
 
 TEST_F(TreeFollowerTest, AnEditedControlEndsThePaintTurn)
