@@ -3,6 +3,7 @@
 
 #include "editing/PresetTreeModel_qt.h"
 
+#include <QPersistentModelIndex>
 #include <QTreeView>
 
 #include <functional>
@@ -20,8 +21,11 @@ class PresetTreeView : public QTreeView {
     std::function<void(TreeNode *pNode, const QPoint &place)> pfnContextMenu;
     std::function<void(TreeNode *pNode)> pfnRemove; // the Delete key
 
+    void doItemsLayout() override;
+
   protected:
     void paintEvent(QPaintEvent *pEvent) override;
+    void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent *pEvent) override;
     void mousePressEvent(QMouseEvent *pEvent) override;
     void contextMenuEvent(QContextMenuEvent *pEvent) override;
@@ -35,5 +39,6 @@ class PresetTreeView : public QTreeView {
     void ToggleExpansion();
 
     PresetTreeModel *pModel;
-    bool bFollowing = false; // the expansion comes from the tree
+    QPersistentModelIndex Top; // the uppermost row, as it was painted; invalid: it has been scrolled since
+    bool bFollowing = false;   // the expansion comes from the tree
 };
