@@ -11,6 +11,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 
 namespace {
@@ -168,6 +169,23 @@ void PresetTreeView::paintEvent(QPaintEvent *pEvent)
 {
     BeginPaintTurn(*pModel->Tree());
     QTreeView::paintEvent(pEvent);
+    Top = indexAt({0, 0});
+}
+
+void PresetTreeView::scrollContentsBy(int dx, int dy)
+{
+    if (dy)
+        Top = QModelIndex();
+    QTreeView::scrollContentsBy(dx, dy);
+}
+
+// What the user looks at stays where it is when rows come or go above.
+void PresetTreeView::doItemsLayout()
+{
+    const QPersistentModelIndex wasTop = Top; // it is forgotten while the bar gets its new range
+    QTreeView::doItemsLayout();
+    if (const QRect row = visualRect(wasTop); row.isValid())
+        verticalScrollBar()->setValue(verticalScrollBar()->value() + row.top() / row.height());
 }
 
 void PresetTreeView::ExpandSelected(bool bExpanded)

@@ -3,6 +3,7 @@
 
 #include "editing/PresetTreeModel_qt.h"
 
+#include <QPersistentModelIndex>
 #include <QTreeView>
 
 #include <functional>
@@ -20,9 +21,12 @@ class PresetTreeView : public QTreeView {
     std::function<void(TreeNode *pNode, const QPoint &place)> pfnContextMenu;
     std::function<void(TreeNode *pNode)> pfnRemove; // the Delete key
 
+    void doItemsLayout() override;
+
   protected:
     void paintEvent(QPaintEvent *pEvent) override;
     void drawBranches(QPainter *pPainter, const QRect &rect, const QModelIndex &index) const override;
+    void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent *pEvent) override;
     void mousePressEvent(QMouseEvent *pEvent) override;
     void mouseDoubleClickEvent(QMouseEvent *pEvent) override;
@@ -40,5 +44,6 @@ class PresetTreeView : public QTreeView {
     QPoint MenuPlace(const QModelIndex &index);
 
     PresetTreeModel *pModel;
-    bool bFollowing = false; // the expansion comes from the tree
+    QPersistentModelIndex Top; // the uppermost row, as it was painted; invalid: it has been scrolled since
+    bool bFollowing = false;   // the expansion comes from the tree
 };

@@ -114,7 +114,7 @@ MainWindow::~MainWindow()
 {
     PresetListeners.Remove(HearPreset, this);
     UnfollowPreset(Tree);
-    delete pTreeView; // while the tree is there
+    delete pTreeView; // with a menu of it that is open, while the tree is there
 }
 
 QWidget *MainWindow::MakeToolButtons()
@@ -168,7 +168,7 @@ void MainWindow::ConnectTree()
 
 void MainWindow::OpenTreeMenu(TreeNode *pNode, const QPoint &place)
 {
-    MakeTreeMenu(&Tree, pNode, this, [this](TreeNode *pTarget, TreeCommand eCommand, u32 dwArgument) {
+    MakeTreeMenu(&Tree, pNode, pTreeView, [this](TreeNode *pTarget, TreeCommand eCommand, u32 dwArgument) {
         RunTreeCommand(Tree, pTarget, eCommand, dwArgument);
     })->popup(place);
 }

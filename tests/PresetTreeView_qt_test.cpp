@@ -212,6 +212,16 @@ TEST_F(TreeView, SelectionPlaceAndExpansionStayWhenSomethingElseChanges)
     expectSame("a row more below");
     DeleteNode(tree, pBelow);
     expectSame("a row less below");
+    const int nTop = pView->verticalScrollBar()->value();
+    TreeNode *pAbove = AddRow();
+    expectSame("rows more above");
+    EXPECT_GT(pView->verticalScrollBar()->value(), nTop);
+    DeleteNode(tree, pAbove);
+    expectSame("rows less above");
+    AddRow();
+    pView->verticalScrollBar()->setValue(3); // and the user's scrolling meanwhile is no change of rows
+    QCoreApplication::processEvents();
+    EXPECT_EQ(3, pView->verticalScrollBar()->value());
     SetExpanded(tree, NodeOf(Slot()), false);
     MoveNode(tree, NthPlaneNode(tree, 1), tree.pRoot->apChild[0], nullptr);
     CheckRows();
