@@ -42,7 +42,7 @@ namespace {
 
 const StartOptions *pOptions = nullptr; // during StartCore and StartHeadless
 std::atomic<u64> dwTimerIdNext{69};
-bool bOpenGLTestPending = false;
+bool bOpenGLTestPutOff = false;
 bool bAcceleratorsPending = false;
 
 u32 FindFolders()
@@ -127,12 +127,18 @@ u32 LoadModules()
     return 1;
 }
 
-// The test loads a graphics driver, which takes longer than all other steps together. Where no module depends on its
-// outcome it waits until the first frame stands on the screen.
+// The test loads a graphics driver, which takes longer than all other steps together. It waits until the first frame
+// stands on the screen, unless the first preset depends on its outcome.
+u32 PutOffOpenGL()
+{
+    PutOffOpenGLTest();
+    bOpenGLTestPutOff = true;
+    return 1;
+}
+
 u32 TestOpenGL()
 {
-    bOpenGLTestPending = !AnyModuleNeedsOpenGL();
-    if (!bOpenGLTestPending)
+    if (AnyModuleNeedsOpenGL())
         ProbeOpenGL();
     return 1;
 }
@@ -161,6 +167,15 @@ u32 StartPresetScan()
     return 1;
 }
 
+// The table was made as if all modules could be used: which presets can run here is found out anew.
+void ReopenPresets()
+{
+    FreePresetLibrary();
+    OpenPresetLibrary(FolderPath(PATH_PRESETS), FolderPath(PATH_FAVORITES));
+    WatchPresets();
+    ScanPresets();
+}
+
 // clang-format off
 constexpr Step asStartCore[] = {
     {"folders", FindFolders},
@@ -173,7 +188,7 @@ constexpr Step asStartCore[] = {
     {"sound monitor", BindSound},
     {"meters", EmptyMeters},
     {"modules", LoadModules},
-    {"OpenGL test", TestOpenGL},
+    {"OpenGL test", PutOffOpenGL},
     {"preset library", OpenPresets},
     {"preset watch", StartPresetWatch},
     {"preset scan", StartPresetScan},
@@ -298,9 +313,10 @@ void RunPendingSteps()
     ASSERT_MAIN_THREAD();
     if (bAcceleratorsPending)
         SetupMixAccelerator();
-    if (bOpenGLTestPending)
-        ProbeOpenGL();
-    bAcceleratorsPending = bOpenGLTestPending = false;
+    FinishOpenGLTest();
+    if (bOpenGLTestPutOff && !bOpenGLAvailable && AnyModuleNeedsOpenGL())
+        ReopenPresets();
+    bAcceleratorsPending = bOpenGLTestPutOff = false;
 }
 
 void SaveSettings()

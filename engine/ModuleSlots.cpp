@@ -8,6 +8,7 @@
 #include "modules/HiddenGLWindows.h"
 #include "modules/ModuleCalls.h"
 #include "modules/ModuleRegistry.h"
+#include "modules/OpenGLTest.h"
 #include "modules/ShaderList.h"
 #include "platform/Clock.h"
 #include "platform/MainThread.h"
@@ -167,7 +168,7 @@ ModuleSlot *AddModule(PresetState *lppsi, std::u16string_view dll, i32 iPlane, u
     SettlePlaneThreads();
     ModuleRecord *pmr = dll.empty() ? nullptr : FindModuleRecord(dll);
     const SlotList list = FindList(lppsi, iPlane, dwModuleType);
-    if (!pmr || pmr->md.bUnavailable || !list.pnCount || *list.pnCount >= LIST_MODULES_MAX)
+    if (!pmr || !ModuleIsAvailable(*pmr) || !list.pnCount || *list.pnCount >= LIST_MODULES_MAX)
         return nullptr;
     if (list.pps && PlaneIsBusy(list.pps))
         return nullptr;

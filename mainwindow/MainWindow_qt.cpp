@@ -66,6 +66,14 @@ void *MakeMainWindow(void *)
     return static_cast<QWidget *>(pWindow);
 }
 
+// A text that is set anew lays the window out anew, also if it is the same.
+void ShowText(QLabel *pField, const std::u16string &s)
+{
+    const QString text = Text(s);
+    if (pField->text() != text)
+        pField->setText(text);
+}
+
 QHBoxLayout *MakeRow()
 {
     auto *pRow = new QHBoxLayout;
@@ -228,9 +236,9 @@ void MainWindow::UpdateStatus()
 {
     StatusTexts texts;
     if (TakeStatusTexts(TickCount(), &texts)) {
-        pFps->setText(Text(texts.sFps));
-        pBuffer->setText(Text(texts.sBuffer));
-        pWindowSize->setText(Text(texts.sWindow));
+        ShowText(pFps, texts.sFps);
+        ShowText(pBuffer, texts.sBuffer);
+        ShowText(pWindowSize, texts.sWindow);
     }
     const bool bQuiet = SoundIsQuiet() != 0;
     ShowSound(bQuiet);

@@ -93,11 +93,6 @@ void SealDescription(ModuleDescription *pmd)
     pmd->bUnavailable = 0;
 }
 
-bool NeedsOpenGL(const ModuleDescription &md)
-{
-    return md.bNeedsOpenGL || std::u16string_view(md.szName) == u"Noise";
-}
-
 } // namespace
 
 u32 LoadModule(std::u16string_view path)
@@ -160,6 +155,11 @@ ModuleRecord *GetModuleRecord(u32 iModule)
 u32 ModuleCount()
 {
     return static_cast<u32>(Table.nCount);
+}
+
+bool NeedsOpenGL(const ModuleDescription &md)
+{
+    return md.bNeedsOpenGL || std::u16string_view(md.szName) == u"Noise";
 }
 
 bool AnyModuleNeedsOpenGL()

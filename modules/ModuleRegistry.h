@@ -21,6 +21,7 @@ ModuleRecord *FindModuleRecord(std::u16string_view dll);
 ModuleRecord *GetModuleRecord(u32 iModule);
 u32 ModuleCount();
 
+bool NeedsOpenGL(const ModuleDescription &md);
 // Some module cannot work without OpenGL.
 bool AnyModuleNeedsOpenGL();
 // Marks the modules that cannot work without OpenGL.

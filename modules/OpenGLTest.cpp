@@ -16,6 +16,8 @@ std::string OpenGLVersion = "Unknown";
 
 namespace {
 
+bool bTestPending = false; // [main-thread]
+
 struct TestWindow {
     HostGLWindow *hwndGL;
     bool bFromTable;
@@ -92,6 +94,7 @@ bool TestCurrentContext()
 void ProbeOpenGL()
 {
     ASSERT_MAIN_THREAD();
+    bTestPending = false;
     const TestWindow window = OpenTestWindow();
     bool bPassed = false;
     if (window.hwndGL) {
@@ -103,4 +106,24 @@ void ProbeOpenGL()
     bOpenGLAvailable = bPassed;
     if (!bPassed)
         MarkOpenGLModulesUnavailable();
+}
+
+void PutOffOpenGLTest()
+{
+    ASSERT_MAIN_THREAD();
+    bTestPending = true;
+}
+
+void FinishOpenGLTest()
+{
+    ASSERT_MAIN_THREAD();
+    if (bTestPending)
+        ProbeOpenGL();
+}
+
+bool ModuleIsAvailable(const ModuleRecord &record)
+{
+    if (NeedsOpenGL(record.md))
+        FinishOpenGLTest();
+    return !record.md.bUnavailable;
 }

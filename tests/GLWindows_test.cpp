@@ -252,6 +252,23 @@ TEST_F(GLWindows, InstancesDrawSideBySideOnThreadsOfTheirOwn)
     EXPECT_EQ(WrongPixels(second.pi.hbmDraw, 20), 0);
 }
 
+TEST_F(GLWindows, ATestThatWasPutOffIsMadeWhenAModuleDependsOnIt)
+{
+    const ModuleRecord *pmr = LoadTriangle();
+    ASSERT_NE(pmr, nullptr);
+    ModuleRecord plain = *pmr;
+    plain.md.bNeedsOpenGL = 0;
+    OpenGLVersion = "Unknown";
+    PutOffOpenGLTest();
+    EXPECT_TRUE(ModuleIsAvailable(plain));
+    EXPECT_EQ(OpenGLVersion, "Unknown");
+    EXPECT_TRUE(ModuleIsAvailable(*pmr));
+    EXPECT_NE(OpenGLVersion, "Unknown");
+    OpenGLVersion = "Unknown";
+    FinishOpenGLTest(); // it has been made
+    EXPECT_EQ(OpenGLVersion, "Unknown");
+}
+
 TEST_F(GLWindows, TheStartUpTestReadsTheVersionAndLeavesNothingBehind)
 {
     const ModuleRecord *pmr = LoadTriangle();
