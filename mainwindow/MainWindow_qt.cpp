@@ -10,6 +10,7 @@
 #include "mainwindow/StatusStrip.h"
 #include "modules/SoundMonitor.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "state/Folders.h"
 #include "toolkit/CommandMenus_qt.h"
 #include "toolkit/FileChooser_qt.h"
@@ -250,6 +251,7 @@ void MainWindow::wheelEvent(QWheelEvent *pEvent)
 
 void RegisterMainWindow(void (*pfnExit)())
 {
+    ASSERT_MAIN_THREAD();
     static const WindowKind kind = {MAIN_WINDOW, WindowUse::Main, MakeMainWindow, &WidgetFunctions};
     pfnEndProgram = pfnExit;
     RegisterWindow(kind);
