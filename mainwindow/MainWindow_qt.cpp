@@ -80,7 +80,6 @@ MainWindow::MainWindow(void (*pfn)()) : pfnExit(pfn)
         .pfnOpen = [](void *pv) { WindowOf(pv)->Open(); },
         .pfnSaveAs = [](void *pv) { WindowOf(pv)->SaveAs(); },
         .pfnExit = [](void *pv) { WindowOf(pv)->pfnExit(); },
-        .pfnRecordingOptions = [](void *pv) { RunWindowCommand(u"RecordingOptions", WindowOf(pv)); },
         .pfnOpenProgram = [](void *, const std::u16string &path) { QProcess::startDetached(Text(path), {}); },
     };
     auto *pMenuBar = new QMenuBar;
