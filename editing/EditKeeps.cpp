@@ -11,6 +11,7 @@
 #include "engine/PresetManager.h"
 #include "modules/ShaderList.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -179,6 +180,7 @@ KeptPlane KeepPlane(const PlaneState *pps)
 // The values go in twice: before the module first looks at them, and after it may have written some.
 ModuleSlot *BringBackSlot(PresetState *lppsi, i32 iPlane, i32 iModule, const KeptSlot &kept)
 {
+    ASSERT_MAIN_THREAD();
     SetModuleTick(TickCount());
     const u32 dwShader = kept.sShader.empty() ? 0 : FindShaderByName(kept.sShader);
     ModuleSlot *pms = AddModule(lppsi, kept.sDll, iPlane, kept.iList, dwShader, 0);
@@ -194,6 +196,7 @@ ModuleSlot *BringBackSlot(PresetState *lppsi, i32 iPlane, i32 iModule, const Kep
 
 PlaneState *BringBackPlane(PresetState *lppsi, i32 iPlane, const KeptPlane &kept)
 {
+    ASSERT_MAIN_THREAD();
     PlaneState *pps = AddPlane(lppsi, kept.bIndexed, 0);
     if (!pps)
         return nullptr;
@@ -208,15 +211,4 @@ PlaneState *BringBackPlane(PresetState *lppsi, i32 iPlane, const KeptPlane &kept
     for (; iNow > iPlane; iNow--)
         SwapPlanes(lppsi, iNow, iNow - 1);
     return pps;
-}
-
-void TakePlane(PresetState *lppsi, PlaneState *pps)
-{
-    const std::vector<MixRule> rules(lppsi->asMixRule, lppsi->asMixRule + MIX_RULE_ENTRIES);
-    const u32 nMixRules = lppsi->nMixRules;
-    std::fill_n(lppsi->asMixRule, MIX_RULE_ENTRIES, MixRule{});
-    lppsi->nMixRules = 0;
-    RemovePlane(lppsi, pps);
-    std::copy(rules.begin(), rules.end(), lppsi->asMixRule);
-    lppsi->nMixRules = nMixRules;
 }

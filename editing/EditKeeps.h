@@ -50,5 +50,3 @@ KeptPlane KeepPlane(const PlaneState *pps);
 ModuleSlot *BringBackSlot(PresetState *lppsi, i32 iPlane, i32 iModule, const KeptSlot &kept);
 // The same for a plane with its modules; the rules stay as they are.
 PlaneState *BringBackPlane(PresetState *lppsi, i32 iPlane, const KeptPlane &kept);
-// Removes a plane and leaves the rules as they are.
-void TakePlane(PresetState *lppsi, PlaneState *pps);

@@ -54,8 +54,6 @@ void SetCurrentFile(ControlRecord *pctl, const std::u16string &sText);
 bool RuleSourceFits(const PresetState *lppsi, i64 nSource);
 // The rules as they are, without their images.
 std::vector<MixRule> KeepRules(const PresetState *lppsi);
-// Takes the place of all rules. False, with nothing changed: there is no memory for their images.
-bool PutBackRules(PresetState *lppsi, const std::vector<MixRule> &rules);
 
 // The functions of the rows.
 EditResult RunSetFields(EditRun *pRun);

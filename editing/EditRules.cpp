@@ -3,28 +3,10 @@
 
 #include "engine/MixRules.h"
 #include "output/mixer/PlaneMixer.h"
-#include "platform/Bitmap.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace {
-
-HostBitmap *NewRuleBitmap(const PresetState *lppsi)
-{
-    return CreateBitmap(lppsi->hbmFinal->nWidth, lppsi->hbmFinal->nHeight);
-}
-
-// Null bitmaps do not count: they are what could not be made.
-bool MakeRuleBitmaps(const PresetState *lppsi, size_t nRules, std::vector<HostBitmap *> *pBitmaps)
-{
-    for (size_t i = 0; i < nRules; i++)
-        pBitmaps->push_back(NewRuleBitmap(lppsi));
-    if (std::find(pBitmaps->begin(), pBitmaps->end(), nullptr) == pBitmaps->end())
-        return true;
-    std::for_each(pBitmaps->begin(), pBitmaps->end(), DeleteBitmap);
-    return false;
-}
 
 bool RuleArgumentsFit(const PresetState *lppsi, const i32 (&anArgument)[4])
 {
@@ -45,20 +27,6 @@ std::vector<MixRule> KeepRules(const PresetState *lppsi)
     for (MixRule &rule : rules)
         rule.hbmRule = nullptr;
     return rules;
-}
-
-bool PutBackRules(PresetState *lppsi, const std::vector<MixRule> &rules)
-{
-    std::vector<HostBitmap *> bitmaps;
-    if (rules.size() > MIX_RULES_MAX || !MakeRuleBitmaps(lppsi, rules.size(), &bitmaps))
-        return false;
-    RemoveAllMixRules(lppsi);
-    for (size_t i = 0; i < rules.size(); i++) {
-        lppsi->asMixRule[i] = rules[i];
-        lppsi->asMixRule[i].hbmRule = bitmaps[i];
-    }
-    lppsi->nMixRules = static_cast<u32>(rules.size());
-    return true;
 }
 
 EditResult RunAddRule(EditRun *pRun)
@@ -90,7 +58,6 @@ EditResult RunTakeRule(EditRun *pRun)
     pKeep->rules = {*pRun->target.pmr};
     pKeep->rules[0].hbmRule = nullptr;
     RemoveMixRule(pRun->lppsi, iRule);
-    TellMixer(pRun->lppsi);
     *pRun->pInverse = MakeEdit(EditKind::InsertRule, RulePlace(iRule));
     pRun->pInverse->pKeep = std::move(pKeep);
     return EditResult::Done;
@@ -98,35 +65,25 @@ EditResult RunTakeRule(EditRun *pRun)
 
 EditResult RunInsertRule(EditRun *pRun)
 {
-    PresetState *lppsi = pRun->lppsi;
     const u32 iRule = pRun->pEdit->place.iRule;
     const EditKeep *pKeep = pRun->pEdit->pKeep.get();
-    if (!pKeep || pKeep->rules.size() != 1 || iRule > lppsi->nMixRules)
+    if (!pKeep || pKeep->rules.size() != 1 || iRule > pRun->lppsi->nMixRules)
         return EditResult::Refused;
-    HostBitmap *hbm = lppsi->nMixRules < MIX_RULES_MAX ? NewRuleBitmap(lppsi) : nullptr;
-    if (!hbm)
+    if (!InsertMixRule(pRun->lppsi, iRule, pKeep->rules[0]))
         return EditResult::Unchanged;
-    MixRule *pmr = &lppsi->asMixRule[iRule];
-    std::copy_backward(pmr, lppsi->asMixRule + lppsi->nMixRules, lppsi->asMixRule + lppsi->nMixRules + 1);
-    *pmr = pKeep->rules[0];
-    pmr->hbmRule = hbm;
-    lppsi->nMixRules++;
-    TellMixer(lppsi);
     *pRun->pInverse = MakeEdit(EditKind::TakeRule, RulePlace(iRule));
     return EditResult::Done;
 }
 
 EditResult RunMoveRule(EditRun *pRun)
 {
-    PresetState *lppsi = pRun->lppsi;
     const i32 nDirection = pRun->pEdit->anArgument[0];
     if (nDirection != -1 && nDirection != 1)
         return EditResult::Refused;
-    const i64 iOther = i64{pRun->pEdit->place.iRule} + nDirection;
-    if (iOther < 0 || iOther >= lppsi->nMixRules)
+    const u32 iRule = pRun->pEdit->place.iRule;
+    const u32 iOther = iRule + static_cast<u32>(nDirection); // before the first one: beyond the last
+    if (!SwapMixRules(pRun->lppsi, iRule, iOther))
         return EditResult::Unchanged;
-    std::swap(*pRun->target.pmr, lppsi->asMixRule[iOther]);
-    TellMixer(lppsi);
-    *pRun->pInverse = MakeEdit(EditKind::MoveRule, RulePlace(static_cast<u32>(iOther)), -nDirection);
+    *pRun->pInverse = MakeEdit(EditKind::MoveRule, RulePlace(iOther), -nDirection);
     return EditResult::Done;
 }

@@ -4,6 +4,7 @@
 #include "controls/ControlManager.h"
 #include "engine/PlaneThreads.h"
 #include "engine/PresetManager.h"
+#include "platform/MainThread.h"
 
 #include <algorithm>
 
@@ -259,6 +260,7 @@ EditResult RunRestoreBranch(EditRun *pRun)
 
 bool BeginDrag(EditDrag *pDrag, const EditPlace &place)
 {
+    ASSERT_MAIN_THREAD();
     *pDrag = {place, CurrentPreset(), DraggedRecord(place), {}};
     if (pDrag->pvRecord)
         return true;
@@ -268,6 +270,7 @@ bool BeginDrag(EditDrag *pDrag, const EditPlace &place)
 
 EditResult DragValue(EditDrag *pDrag, std::vector<FieldWrite> writes)
 {
+    ASSERT_MAIN_THREAD();
     const bool bHere =
         std::all_of(writes.begin(), writes.end(), [=](const FieldWrite &write) { return write.place == pDrag->place; });
     if (!bHere || !DragGoesOn(*pDrag))
@@ -281,6 +284,7 @@ EditResult DragValue(EditDrag *pDrag, std::vector<FieldWrite> writes)
 
 void EndDrag(EditDrag *pDrag, PresetEdit *pInverse)
 {
+    ASSERT_MAIN_THREAD();
     *pInverse = {};
     if (DragGoesOn(*pDrag)) {
         const EditPlace &place = pDrag->place;

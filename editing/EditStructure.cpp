@@ -2,6 +2,7 @@
 #include "editing/EditRows.h"
 
 #include "engine/DrawPipeline.h"
+#include "engine/MixRules.h"
 #include "engine/ModuleSlots.h"
 #include "engine/PlaneThreads.h"
 #include "engine/PresetManager.h"
@@ -52,7 +53,7 @@ bool BringBackPlaneAndRules(PresetState *lppsi, i32 iPlane, const EditKeep &keep
     PlaneState *pps = BringBackPlane(lppsi, iPlane, keep.plane);
     if (!pps)
         return false;
-    if (!bRules || PutBackRules(lppsi, keep.rules))
+    if (!bRules || ReplaceMixRules(lppsi, keep.rules))
         return true;
     TakePlane(lppsi, pps);
     return false;
@@ -85,7 +86,6 @@ EditResult RunTakePlane(EditRun *pRun)
 {
     auto pKeep = KeepOfPlane(pRun->target.pps);
     TakePlane(pRun->lppsi, pRun->target.pps);
-    TellMixer(pRun->lppsi); // it was told that the rules had gone
     *pRun->pInverse = MakeEdit(EditKind::InsertPlane, pRun->pEdit->place);
     pRun->pInverse->pKeep = std::move(pKeep);
     return EditResult::Done;
@@ -100,9 +100,7 @@ EditResult RunInsertPlane(EditRun *pRun)
         return EditResult::Refused;
     if (!BringBackPlaneAndRules(lppsi, iPlane, *pRun->pEdit->pKeep, bRules))
         return EditResult::Unchanged;
-    TellPlanes(lppsi);
-    if (bRules)
-        TellMixer(lppsi);
+    TellPlanes(lppsi); // it may have been paused
     *pRun->pInverse = MakeEdit(bRules ? EditKind::RemovePlane : EditKind::TakePlane, pRun->pEdit->place);
     return EditResult::Done;
 }
@@ -119,7 +117,6 @@ EditResult RunMovePlane(EditRun *pRun)
         return EditResult::Unchanged;
     if (!SwapPlanes(lppsi, iPlane, iOther))
         return EditResult::Refused;
-    TellPlanes(lppsi);
     *pRun->pInverse = MakeEdit(EditKind::MovePlane, PlanePlace(iOther), -nDirection);
     return EditResult::Done;
 }

@@ -4,6 +4,7 @@
 #include "engine/PlaneThreads.h"
 #include "engine/PresetDocument.h"
 #include "engine/PresetManager.h"
+#include "platform/MainThread.h"
 
 #include <iterator>
 
@@ -117,6 +118,7 @@ bool MarkIsDue(const EditRow &row, const EditRun &run, EditResult eResult)
 
 EditResult RunPresetEdit(const PresetEdit &edit, PresetEdit *pInverse)
 {
+    ASSERT_MAIN_THREAD();
     const EditRow &row = RowOf(edit.eKind);
     PresetEdit inverse = {};
     EditRun run = {CurrentPreset(), &edit, {}, &inverse, false};

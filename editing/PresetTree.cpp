@@ -3,6 +3,7 @@
 
 #include "controls/ControlManager.h"
 #include "editing/TreeNodes.h"
+#include "platform/MainThread.h"
 
 #include <algorithm>
 #include <new>
@@ -194,6 +195,7 @@ ControlRecord *ControlOf(const TreeNode *pNode)
 
 void DeleteNode(PresetTree &tree, TreeNode *pNode)
 {
+    ASSERT_MAIN_THREAD();
     if (!pNode)
         return;
     if (pNode == tree.pRoot) {
@@ -213,6 +215,7 @@ void DeleteNode(PresetTree &tree, TreeNode *pNode)
 
 bool MoveNode(PresetTree &tree, TreeNode *pNode, TreeNode *pParent, TreeNode *pAfter)
 {
+    ASSERT_MAIN_THREAD();
     if (pNode == tree.pRoot || IsInBranch(pParent, pNode) || (pAfter && pAfter->pParent != pParent))
         return false;
     TreeNode *pFrom = pNode->pParent;
@@ -230,6 +233,7 @@ bool MoveNode(PresetTree &tree, TreeNode *pNode, TreeNode *pParent, TreeNode *pA
 
 void SetNodeText(PresetTree &tree, TreeNode *pNode, std::u16string_view text)
 {
+    ASSERT_MAIN_THREAD();
     if (pNode->sText == text)
         return;
     pNode->sText = text;
@@ -238,6 +242,7 @@ void SetNodeText(PresetTree &tree, TreeNode *pNode, std::u16string_view text)
 
 void SetExpanded(PresetTree &tree, TreeNode *pNode, bool bExpanded)
 {
+    ASSERT_MAIN_THREAD();
     if (pNode->bExpanded == static_cast<u32>(bExpanded))
         return;
     pNode->bExpanded = bExpanded;
@@ -246,12 +251,14 @@ void SetExpanded(PresetTree &tree, TreeNode *pNode, bool bExpanded)
 
 void ExpandBranch(PresetTree &tree, TreeNode *pNode, bool bExpanded)
 {
+    ASSERT_MAIN_THREAD();
     if (SetBranchExpanded(pNode, bExpanded))
         Tell(tree, TreeNewsKind::Expansion, pNode);
 }
 
 bool BranchHasChanges(PresetTree &tree, TreeNode *pNode)
 {
+    ASSERT_MAIN_THREAD();
     if (pNode->nTurn == tree.nTurn)
         return pNode->bChanged;
     const ControlRecord *pctl = pNode->Info.dwType == OBJECT_CONTROL ? ControlOf(pNode) : nullptr;
@@ -264,11 +271,13 @@ bool BranchHasChanges(PresetTree &tree, TreeNode *pNode)
 
 void BeginPaintTurn(PresetTree &tree)
 {
+    ASSERT_MAIN_THREAD();
     tree.nTurn++;
 }
 
 void RepaintBranch(PresetTree &tree, TreeNode *pNode)
 {
+    ASSERT_MAIN_THREAD();
     BeginPaintTurn(tree);
     Tell(tree, TreeNewsKind::BranchChanged, pNode);
 }

@@ -2,6 +2,7 @@
 #include "editing/TreeNodes.h"
 #include "editing/TreeTexts.h"
 
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -168,6 +169,7 @@ TreeNode *MakePresetBranch(PresetTree &tree, PresetState *lppsi)
 
 void BuildPresetTree(PresetTree &tree, PresetState *lppsi)
 {
+    ASSERT_MAIN_THREAD();
     BeginTreeReset(tree);
     tree.lppsi = lppsi;
     tree.pRoot = lppsi ? MakePresetBranch(tree, lppsi) : nullptr;
@@ -176,6 +178,7 @@ void BuildPresetTree(PresetTree &tree, PresetState *lppsi)
 
 TreeNode *AddPlaneBranch(PresetTree &tree, TreeNode *pParent, PlaneState *pps)
 {
+    ASSERT_MAIN_THREAD();
     TreeNode *pPlane = MakePlaneBranch(tree, static_cast<u32>(pParent->apChild.size()) + 1, pps);
     if (pPlane)
         InsertBranch(tree, pParent, pPlane);
@@ -184,6 +187,7 @@ TreeNode *AddPlaneBranch(PresetTree &tree, TreeNode *pParent, PlaneState *pps)
 
 TreeNode *AddModuleBranch(PresetTree &tree, TreeNode *pParent, u32 dwType, ModuleSlot *pms)
 {
+    ASSERT_MAIN_THREAD();
     TreeNode *pModule = MakeModuleBranch(tree, dwType, pms);
     if (pModule)
         InsertBranch(tree, pParent, pModule);

@@ -2,6 +2,7 @@
 #include "editing/TreeColors.h"
 
 #include "controls/ControlManager.h"
+#include "platform/MainThread.h"
 #include "toolkit/Meters.h"
 #include "toolkit/UIColors.h"
 
@@ -31,6 +32,7 @@ u32 RotateDown(u32 dwColor)
 
 TreeRowColors ColorTreeRow(const TreeRowState &state)
 {
+    ASSERT_MAIN_THREAD();
     const bool bControl = IsControlType(state.dwType);
     TreeRowColors colors;
     colors.dwText = UIColorTable[UICOLOR_TREE_ROOT_TEXT + std::min(state.nLevel, TREE_LEVEL_MAX)].dwColor;
@@ -60,6 +62,7 @@ u32 NodeLevel(const TreeNode *pNode)
 
 TreeRowColors ColorTreeNode(PresetTree &tree, TreeNode *pNode, bool bSelected)
 {
+    ASSERT_MAIN_THREAD();
     TreeRowState state = {NodeLevel(pNode), pNode->Info.dwType, false, true, bSelected};
     if (IsControlType(state.dwType)) {
         const ControlRecord *pctl = ControlOf(pNode);

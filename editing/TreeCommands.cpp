@@ -8,6 +8,7 @@
 #include "engine/PresetDocument.h"
 #include "engine/PresetManager.h"
 #include "modules/ModuleRegistry.h"
+#include "platform/MainThread.h"
 
 #include <iterator>
 
@@ -197,6 +198,7 @@ void EndCommand(const Target &target, u32 dwEnding)
 
 void RunTreeCommand(PresetTree &tree, TreeNode *pNode, TreeCommand eCommand, u32 dwArgument)
 {
+    ASSERT_MAIN_THREAD();
     if (eCommand >= TreeCommand::Count || !pNode || tree.lppsi != CurrentPreset())
         return;
     const CommandRow &row = asCommand[static_cast<u32>(eCommand)];

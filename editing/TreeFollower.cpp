@@ -5,6 +5,7 @@
 #include "editing/TreeTexts.h"
 #include "engine/PresetDocument.h"
 #include "engine/PresetNews.h"
+#include "platform/MainThread.h"
 
 #include <algorithm>
 #include <span>
@@ -101,16 +102,19 @@ void Hear(const PresetNews &news, void *pvTree)
 
 void FollowPreset(PresetTree &tree)
 {
+    ASSERT_MAIN_THREAD();
     PresetListeners.Add(Hear, &tree);
 }
 
 void UnfollowPreset(PresetTree &tree)
 {
+    ASSERT_MAIN_THREAD();
     PresetListeners.Remove(Hear, &tree);
 }
 
 void SyncPresetTree(PresetTree &tree)
 {
+    ASSERT_MAIN_THREAD();
     if (!tree.pRoot)
         return;
     if (TreeNode *pPlanes = ChildOfType(tree.pRoot, OBJECT_PLANETREE))

@@ -4,6 +4,7 @@
 #include "editing/ModuleOffers.h"
 #include "modules/ModuleRegistry.h"
 #include "modules/ShaderList.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <span>
@@ -120,6 +121,7 @@ void AppendSection(const Section &section, const TreeNode *pNode, Rows *pRows)
 
 std::vector<TreeMenuRow> BuildTreeMenu(const TreeNode *pNode, bool (*pfnMayPaste)(const TreeNode *pNode))
 {
+    ASSERT_MAIN_THREAD();
     Rows rows;
     for (const Section &section : asSection)
         AppendSection(section, pNode, &rows);

@@ -1,6 +1,7 @@
 // TreeMenu_qt.cpp -- the context menu of a node of the preset tree on the screen
 #include "editing/TreeMenu_qt.h"
 
+#include "platform/MainThread.h"
 #include "toolkit/Commands.h"
 
 #include <QMenu>
@@ -84,5 +85,6 @@ class TreeMenu : public QMenu {
 
 QMenu *MakeTreeMenu(PresetTree *pTree, TreeNode *pNode, QWidget *pParent, RunFn pfnRun)
 {
+    ASSERT_MAIN_THREAD();
     return new TreeMenu(pTree, pNode, std::move(pfnRun), pParent);
 }

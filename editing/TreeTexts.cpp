@@ -1,6 +1,7 @@
 // TreeTexts.cpp -- what nodes of the preset tree are called: texts, marks, paths, titles, tips
 #include "editing/TreeTexts.h"
 
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -61,6 +62,7 @@ std::u16string_view ModuleText(const ModuleSlot *pms)
 
 void SetTreeTitle(PresetTree &tree, std::u16string_view name, bool bChanged)
 {
+    ASSERT_MAIN_THREAD();
     tree.sTitle = (bChanged ? u"*" : u"") + std::u16string(name);
     if (tree.pRoot)
         SetNodeText(tree, tree.pRoot, tree.sTitle);
@@ -73,11 +75,13 @@ std::u16string_view UnmarkedText(std::u16string_view text)
 
 void SetPausedMark(PresetTree &tree, TreeNode *pNode, bool bPaused)
 {
+    ASSERT_MAIN_THREAD();
     SetNodeText(tree, pNode, MarkedText(pNode->sText, bPaused));
 }
 
 void RenumberPlanes(PresetTree &tree, const PresetState *lppsi)
 {
+    ASSERT_MAIN_THREAD();
     for (u32 n = 0; TreeNode *pNode = NthPlaneNode(tree, n); n++) {
         PlaneState *const *ppps = std::find(lppsi->psPlane, lppsi->psPlane + lppsi->nPlanes, PlaneOf(pNode));
         const u32 iPlane = static_cast<u32>(ppps - lppsi->psPlane);

@@ -5,6 +5,7 @@
 #include "engine/PresetManager.h"
 #include "engine/PresetNews.h"
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 #include "state/Folders.h"
 #include "state/GlobalSettings.h"
@@ -103,16 +104,19 @@ const DiscardQuestion sDiscardQuestion = {
 
 const char16_t *PresetName()
 {
+    ASSERT_MAIN_THREAD();
     return szPresetName;
 }
 
 const char16_t *PresetPath()
 {
+    ASSERT_MAIN_THREAD();
     return presetPath.c_str();
 }
 
 void SetPresetChanged(std::u16string_view name, u32 bChanged)
 {
+    ASSERT_MAIN_THREAD();
     SetMark(bChanged);
     SetName(name);
     TellMarked();
@@ -120,22 +124,26 @@ void SetPresetChanged(std::u16string_view name, u32 bChanged)
 
 void MarkPresetChanged()
 {
+    ASSERT_MAIN_THREAD();
     if (!bPresetChanged)
         SetPresetChanged(szPresetName, 1);
 }
 
 void NewPreset()
 {
+    ASSERT_MAIN_THREAD();
     Replace(MakeUntitled<0>, nullptr);
 }
 
 void OpenDefaultPreset()
 {
+    ASSERT_MAIN_THREAD();
     Replace(MakeUntitled<1>, nullptr);
 }
 
 u32 LoadPresetByName(std::u16string_view name, PresetReport *pReport)
 {
+    ASSERT_MAIN_THREAD();
     const OpenRequest request = {FindPreset(name), pReport};
     if (request.path.empty())
         return 0;
@@ -145,6 +153,7 @@ u32 LoadPresetByName(std::u16string_view name, PresetReport *pReport)
 
 void OpenFirstPreset(std::u16string_view path, PresetReport *pReport, std::string *psTrouble)
 {
+    ASSERT_MAIN_THREAD();
     PresetReport report = {};
     if (!pReport)
         pReport = &report;
@@ -159,6 +168,7 @@ void OpenFirstPreset(std::u16string_view path, PresetReport *pReport, std::strin
 
 u32 SavePresetAs(std::u16string_view path, std::string *psWhy)
 {
+    ASSERT_MAIN_THREAD();
     if (!CurrentPreset()) {
         if (psWhy)
             *psWhy = "there is no preset to save";
@@ -174,5 +184,6 @@ u32 SavePresetAs(std::u16string_view path, std::string *psWhy)
 
 bool DiscardNeedsQuestion()
 {
+    ASSERT_MAIN_THREAD();
     return bPresetChanged != 0;
 }

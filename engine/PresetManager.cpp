@@ -274,12 +274,10 @@ PlaneState *AddPlane(PresetState *lppsi, u32 bIndexed, u32 bDefaultModules)
     return pps;
 }
 
-u32 RemovePlane(PresetState *lppsi, PlaneState *pps)
+u32 TakePlane(PresetState *lppsi, PlaneState *pps)
 {
     ASSERT_MAIN_THREAD();
     SettlePlaneThreads();
-    if (!pps)
-        return RemoveAllPlanes(lppsi);
     PlaneState **ppEnd = lppsi->psPlane + lppsi->nPlanes;
     PlaneState **ppFound = std::find(lppsi->psPlane, ppEnd, pps);
     if (ppFound == ppEnd)
@@ -290,12 +288,24 @@ u32 RemovePlane(PresetState *lppsi, PlaneState *pps)
     std::copy(ppFound + 1, ppEnd, ppFound);
     lppsi->psPlane[--lppsi->nPlanes] = nullptr;
     TellPlanes(lppsi);
+    return 1;
+}
+
+u32 RemovePlane(PresetState *lppsi, PlaneState *pps)
+{
+    ASSERT_MAIN_THREAD();
+    SettlePlaneThreads();
+    if (!pps)
+        return RemoveAllPlanes(lppsi);
+    if (!TakePlane(lppsi, pps))
+        return 0;
     RemoveAllMixRules(lppsi);
     return 1;
 }
 
 u32 SwapPlanes(PresetState *lppsi, i32 iPlaneA, i32 iPlaneB)
 {
+    ASSERT_MAIN_THREAD();
     if (std::min(iPlaneA, iPlaneB) < 0 || std::max(iPlaneA, iPlaneB) >= lppsi->nPlanes)
         return 0;
     SettlePlaneThreads();
@@ -303,6 +313,7 @@ u32 SwapPlanes(PresetState *lppsi, i32 iPlaneA, i32 iPlaneB)
         return 0;
     ForgetPicture(lppsi);
     std::swap(lppsi->psPlane[iPlaneA], lppsi->psPlane[iPlaneB]);
+    TellPlanes(lppsi);
     return 1;
 }
 

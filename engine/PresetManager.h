@@ -22,6 +22,9 @@ PlaneState *AddPlane(PresetState *lppsi, u32 bIndexed, u32 bDefaultModules);
 // something was removed. [main-thread]
 u32 RemovePlane(PresetState *lppsi, PlaneState *pps);
 
+// Removes one plane and leaves the rules as they are, for whoever puts one back that fits them. [main-thread]
+u32 TakePlane(PresetState *lppsi, PlaneState *pps);
+
 // Exchanges two planes; the rules keep their numbers. 0, with nothing changed: no such planes, or a thread hangs in one
 // of them. [main-thread]
 u32 SwapPlanes(PresetState *lppsi, i32 iPlaneA, i32 iPlaneB);

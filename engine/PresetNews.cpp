@@ -2,6 +2,7 @@
 #include "engine/PresetNews.h"
 
 #include "engine/PresetManager.h"
+#include "platform/MainThread.h"
 
 #include <algorithm>
 
@@ -15,8 +16,15 @@ bool PlaneIsListed(const PresetState *lppsi, const PlaneState *pps)
 
 } // namespace
 
+void TellPresetNews(const PresetNews &news)
+{
+    ASSERT_MAIN_THREAD();
+    PresetListeners.Tell(news);
+}
+
 void TellIfCurrent(const PresetNews &news)
 {
+    ASSERT_MAIN_THREAD();
     if (!news.lppsi || news.lppsi != CurrentPreset())
         return;
     if (!news.pps || PlaneIsListed(news.lppsi, news.pps))

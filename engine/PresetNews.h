@@ -34,10 +34,7 @@ struct PresetNews {
 
 inline Listeners<void(const PresetNews &news)> PresetListeners;
 
-inline void TellPresetNews(const PresetNews &news)
-{
-    PresetListeners.Tell(news);
-}
+void TellPresetNews(const PresetNews &news);
 // The same where news.lppsi is the current preset and news.pps, if any, in its list. What the functions call that
 // change a preset whichever it is.
 void TellIfCurrent(const PresetNews &news);

@@ -2,6 +2,7 @@
 #include "library/PresetSearch.h"
 
 #include "modules/ModuleRegistry.h"
+#include "platform/MainThread.h"
 
 #include <algorithm>
 
@@ -68,6 +69,7 @@ bool MatchesSearch(const SearchPattern &pattern, std::u16string_view text)
 
 u64 ModulesOfSearch(const SearchPattern &pattern)
 {
+    ASSERT_MAIN_THREAD();
     u64 qw = 0;
     for (u32 i = 0; i < std::min(ModuleCount(), PRESET_MODULES); i++)
         if (MatchesSearch(pattern, GetModuleRecord(i)->md.szName))

@@ -4,6 +4,7 @@
 #include "mainwindow/SiblingPrograms.h"
 #include "output/Overlays.h"
 #include "output/VisualsCommands.h"
+#include "toolkit/WindowLayouts.h"
 
 namespace {
 
@@ -16,6 +17,12 @@ template <void (*MainActions::*pfn)(void *pvWindow)> void Do(u32, void *pvContex
 {
     const MainActions &actions = Actions(pvContext);
     (actions.*pfn)(actions.pvWindow);
+}
+
+// Windows go by their names alone: what the command does, the table of windows knows.
+template <const char16_t *const &pszName> void RunWindow(u32, void *pvContext)
+{
+    RunWindowCommand(pszName, Actions(pvContext).pvWindow);
 }
 
 void OpenSibling(u32 eRow, void *pvContext)
@@ -73,7 +80,7 @@ constexpr Command asFileMenu[] = {
 constexpr Command asSettingsMenu[] = {
     {.pszText = u"Performance Options...", .pfnRun = DoNothing, .pfnEnabled = NotYet},
     {.pszText = u"User Interface Options...", .pfnRun = DoNothing, .pfnEnabled = NotYet},
-    {.pszText = u"Recording Options...", .pfnRun = Do<&MainActions::pfnRecordingOptions>},
+    {.pszText = u"Recording Options...", .pfnRun = RunWindow<RECORDING_DIALOG>},
 };
 
 constexpr Command asVisualsMenu[] = {

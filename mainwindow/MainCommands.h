@@ -7,12 +7,11 @@
 
 // What only the window can do, set by it: the context of both tables. All on the main thread.
 struct MainActions {
-    void *pvWindow;
+    void *pvWindow;                    // also the owner of the windows that the commands open
     void (*pfnNew)(void *pvWindow);    // each of the first three asks before changes are lost
     void (*pfnOpen)(void *pvWindow);   //
     void (*pfnSaveAs)(void *pvWindow); // always shows the chooser
     void (*pfnExit)(void *pvWindow);   // at once
-    void (*pfnRecordingOptions)(void *pvWindow);
     void (*pfnOpenProgram)(void *pvWindow, const std::u16string &path);
 };
 

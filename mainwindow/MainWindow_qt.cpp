@@ -10,6 +10,7 @@
 #include "mainwindow/StatusStrip.h"
 #include "modules/SoundMonitor.h"
 #include "platform/Clock.h"
+#include "platform/MainThread.h"
 #include "state/Folders.h"
 #include "toolkit/CommandMenus_qt.h"
 #include "toolkit/Commands.h"
@@ -92,7 +93,6 @@ MainWindow::MainWindow(void (*pfn)()) : pfnExit(pfn)
         .pfnOpen = [](void *pv) { WindowOf(pv)->Open(); },
         .pfnSaveAs = [](void *pv) { WindowOf(pv)->SaveAs(); },
         .pfnExit = [](void *pv) { WindowOf(pv)->pfnExit(); },
-        .pfnRecordingOptions = [](void *pv) { RunWindowCommand(u"RecordingOptions", WindowOf(pv)); },
         .pfnOpenProgram = [](void *, const std::u16string &path) { QProcess::startDetached(Text(path), {}); },
     };
     auto *pMenuBar = new QMenuBar;
@@ -271,6 +271,7 @@ void MainWindow::wheelEvent(QWheelEvent *pEvent)
 
 void RegisterMainWindow(void (*pfnExit)())
 {
+    ASSERT_MAIN_THREAD();
     static const WindowKind kind = {MAIN_WINDOW, WindowUse::Main, MakeMainWindow, &WidgetFunctions};
     pfnEndProgram = pfnExit;
     RegisterWindow(kind);

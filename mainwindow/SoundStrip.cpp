@@ -3,6 +3,7 @@
 
 #include "include/sound.h"
 #include "platform/Assert.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 #include "toolkit/Meters.h"
 #include "toolkit/UIColors.h"
@@ -69,6 +70,7 @@ void DrawFourBars(const SoundStrip &strip, std::span<u32> pixels, i32 w, i32 h, 
 
 SoundStrip ReadSoundStrip(u32 bQuiet)
 {
+    ASSERT_MAIN_THREAD();
     SoundStrip strip = {};
     strip.bLevels = GetLevel(VOLUMETYPE_RAW, &strip.afLevel[VOLUMETYPE_RAW]);
     for (u32 i = 1; strip.bLevels && i < SOUND_STRIP_TYPES; i++)
@@ -79,6 +81,7 @@ SoundStrip ReadSoundStrip(u32 bQuiet)
 
 u32 DrawSoundStrip(const SoundStrip &strip, std::span<u32> pixels, i32 w, i32 h, u64 qwTick)
 {
+    ASSERT_MAIN_THREAD();
     if (!strip.bLevels || w <= 0 || h <= 0)
         return 0;
     VD_ASSERT(pixels.size() >= static_cast<size_t>(w) * static_cast<size_t>(h));

@@ -4,6 +4,7 @@
 #include "controls/ControlManager.h"
 #include "engine/PresetDocument.h"
 #include "output/FrameStats.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 #include "state/GlobalSettings.h"
 
@@ -29,6 +30,7 @@ u64 dwStatusTick = 0;
 
 u32 TakeStatusTexts(u64 qwTick, StatusTexts *pTexts)
 {
+    ASSERT_MAIN_THREAD();
     if (qwTick - dwStatusTick <= STATUS_TEXTS_MS)
         return 0;
     dwStatusTick = qwTick;
@@ -39,5 +41,6 @@ u32 TakeStatusTexts(u64 qwTick, StatusTexts *pTexts)
 
 std::u16string MainWindowTitle()
 {
+    ASSERT_MAIN_THREAD();
     return (bPresetChanged ? u"*" : u"") + std::u16string(PresetName()) + u" - Vorticade";
 }

@@ -254,4 +254,4 @@ void *MakeRecordingDialog(void *pvOwner)
 
 } // namespace
 
-const WindowKind RecordingDialogKind = {u"RecordingOptions", WindowUse::Dialog, MakeRecordingDialog, &WidgetFunctions};
+const WindowKind RecordingDialogKind = {RECORDING_DIALOG, WindowUse::Dialog, MakeRecordingDialog, &WidgetFunctions};

@@ -4,6 +4,7 @@
 #include "output/FrameRecorder.h"
 #include "output/Overlays.h"
 #include "output/RecordingSettings.h"
+#include "platform/MainThread.h"
 #include "state/GlobalSettings.h"
 #include "toolkit/WindowLayouts.h"
 
@@ -200,11 +201,13 @@ bool RecordingCanBeAsked()
 
 void SetVisualsWindowHooks(const VisualsWindowHooks &hooks)
 {
+    ASSERT_MAIN_THREAD();
     Hooks = hooks;
 }
 
 void SetVisualsFullScreen(u32 bOn)
 {
+    ASSERT_MAIN_THREAD();
     if (bFullScreen == bOn)
         return;
     bFullScreen = bOn;
@@ -214,6 +217,7 @@ void SetVisualsFullScreen(u32 bOn)
 
 void SetVisualsSize(u32 iRow)
 {
+    ASSERT_MAIN_THREAD();
     SetVisualsFullScreen(0);
     if (iRow < SIZES && Hooks.pfnSetClientSize)
         Hooks.pfnSetClientSize(Hooks.pvWindow, asSize[iRow].nWidth, asSize[iRow].nHeight);
@@ -221,22 +225,26 @@ void SetVisualsSize(u32 iRow)
 
 bool HandleVisualsKey(const KeyEvent &event)
 {
+    ASSERT_MAIN_THREAD();
     return Keys.Handle({asKey}, event);
 }
 
 void ForgetVisualsKeys()
 {
+    ASSERT_MAIN_THREAD();
     Keys.Forget();
 }
 
 void CloseVisualsWindow()
 {
+    ASSERT_MAIN_THREAD();
     if (Hooks.pfnClose)
         Hooks.pfnClose(Hooks.pvWindow);
 }
 
 void HandleVisualsWheel(i32 nDelta)
 {
+    ASSERT_MAIN_THREAD();
     if (nDelta)
         ChangeThickness(nDelta >= 1 ? 1 : -1);
 }

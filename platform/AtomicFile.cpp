@@ -2,6 +2,7 @@
 #include "platform/AtomicFile.h"
 
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 
 #include <atomic>
 #include <cerrno>
@@ -195,11 +196,13 @@ SaveResult Save(const std::string &sTarget, std::string_view bytes)
 
 void SetSaveFolder(std::u16string_view folder)
 {
+    ASSERT_MAIN_THREAD();
     sSaveFolder = NativePath(folder);
 }
 
 u32 SaveFileAtomically(std::u16string_view path, std::string_view bytes, std::string *psWhy)
 {
+    ASSERT_MAIN_THREAD();
     const std::string sPath = NativePath(path);
     const SaveResult result = sPath.empty() ? SaveResult{ENOENT, 0} : Save(FollowLinks(sPath), bytes);
     if (result.nError && psWhy)

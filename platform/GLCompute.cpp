@@ -2,6 +2,7 @@
 #include "platform/GLCompute.h"
 
 #include "platform/GLDisplay.h"
+#include "platform/MainThread.h"
 
 #include <epoxy/egl.h>
 #include <epoxy/gl.h>
@@ -119,6 +120,7 @@ bool TryDevice(GLCompute *pCompute, const GLDevice &device, bool bSoftware, std:
 
 bool CreateGLCompute(GLCompute *pCompute, bool bSoftware, std::string *psRenderer)
 {
+    ASSERT_MAIN_THREAD();
     *pCompute = {};
     if (!OpenGLIsInstalled())
         return false;
@@ -130,6 +132,7 @@ bool CreateGLCompute(GLCompute *pCompute, bool bSoftware, std::string *psRendere
 
 void DestroyGLCompute(GLCompute *pCompute)
 {
+    ASSERT_MAIN_THREAD();
     if (pCompute->pContext)
         eglDestroyContext(pCompute->pDisplay, pCompute->pContext);
     DropGLDisplay(pCompute->pDisplay);
@@ -138,6 +141,7 @@ void DestroyGLCompute(GLCompute *pCompute)
 
 bool EnterGLCompute(GLCompute *pCompute)
 {
+    ASSERT_MAIN_THREAD();
     pCompute->before = WhatIsCurrent();
     if (eglBindAPI(EGL_OPENGL_API) &&
         eglMakeCurrent(pCompute->pDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, pCompute->pContext))

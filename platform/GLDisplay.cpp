@@ -1,6 +1,7 @@
 // GLDisplay.cpp -- what all users of OpenGL share: is it installed, which devices are there, displays and their users
 #include "platform/GLDisplay.h"
 
+#include "platform/MainThread.h"
 #include "platform/SharedLibrary.h"
 
 #include <dlfcn.h>
@@ -46,6 +47,7 @@ bool OpenGLIsInstalled()
 
 u32 ListGLDevices(GLDevice *asDevice)
 {
+    ASSERT_MAIN_THREAD();
     const char *pszClient = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
     const bool bLists =
         ListHasWord(pszClient, "EGL_EXT_device_base") ||
@@ -66,6 +68,7 @@ u32 ListGLDevices(GLDevice *asDevice)
 
 void *UseGLDevice(void *pDevice)
 {
+    ASSERT_MAIN_THREAD();
     const auto pfnGetPlatformDisplay = FindExtension<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
     EGLDisplay pDisplay =
         pfnGetPlatformDisplay ? pfnGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, pDevice, nullptr) : EGL_NO_DISPLAY;
@@ -74,6 +77,7 @@ void *UseGLDevice(void *pDevice)
 
 bool UseGLDisplay(void *pDisplay)
 {
+    ASSERT_MAIN_THREAD();
     if (!pDisplay)
         return false;
     DisplayUse *pUse = FindUse(pDisplay);
@@ -93,6 +97,7 @@ bool DriverStays()
 
 void DropGLDisplay(void *pDisplay)
 {
+    ASSERT_MAIN_THREAD();
     DisplayUse *pUse = pDisplay ? FindUse(pDisplay) : nullptr;
     if (!pUse || --pUse->nUsers > 0)
         return;

@@ -2,6 +2,7 @@
 #include "platform/GLWindow.h"
 
 #include "platform/GLDisplay.h"
+#include "platform/MainThread.h"
 #include "platform/Sanitizers.h"
 
 #include <epoxy/egl.h>
@@ -152,6 +153,7 @@ void ReleaseWhatIsCurrent()
 
 HostGLWindow *CreateGLWindow(i32 nWidth, i32 nHeight)
 {
+    ASSERT_MAIN_THREAD();
     if (!DisplayIsOpen())
         return nullptr;
     auto *hwndGL = static_cast<HostGLWindow *>(std::calloc(1, sizeof(HostGLWindow)));
@@ -171,11 +173,13 @@ HostGLWindow *CreateGLWindow(i32 nWidth, i32 nHeight)
 
 void ResizeGLWindow(HostGLWindow *hwndGL, i32 nWidth, i32 nHeight)
 {
+    ASSERT_MAIN_THREAD();
     RenewSurface(hwndGL, nWidth, nHeight);
 }
 
 void DestroyGLWindow(HostGLWindow *hwndGL)
 {
+    ASSERT_MAIN_THREAD();
     if (!hwndGL)
         return;
     if (hwndGL->pSurface)
@@ -200,6 +204,7 @@ void ReleaseGLThread()
 
 void CloseGLDisplay()
 {
+    ASSERT_MAIN_THREAD();
     if (!Display.pDisplay || DriverStays())
         return;
     ReleaseGLThread();

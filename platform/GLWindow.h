@@ -10,6 +10,7 @@
 HostGLWindow *CreateGLWindow(i32 nWidth, i32 nHeight);
 // Renews the surface at the new size; on failure pSurface is null. A pbuffer cannot be resized. [main-thread]
 void ResizeGLWindow(HostGLWindow *hwndGL, i32 nWidth, i32 nHeight);
+// [main-thread]
 void DestroyGLWindow(HostGLWindow *hwndGL);
 
 // Releases whatever context a module left current on this thread: one that stays current here could not be made
@@ -17,7 +18,7 @@ void DestroyGLWindow(HostGLWindow *hwndGL);
 void ReleaseCurrentGL();
 // Call when a thread ends that may have used OpenGL. [any-thread]
 void ReleaseGLThread();
-// Closes the display at the end of the process, after the last window.
+// Closes the display at the end of the process, after the last window. [main-thread]
 void CloseGLDisplay();
 
 // A context of the host's own on the surface, made current (for the start-up test), and its removal.

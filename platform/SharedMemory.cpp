@@ -1,6 +1,8 @@
 // SharedMemory.cpp -- named shared memory and named events, private to the user
 #include "platform/SharedMemory.h"
 
+#include "platform/MainThread.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -84,6 +86,7 @@ u32 MapBlock(SharedMapping *psm, u64 cb)
 
 u32 OpenSharedMapping(SharedMapping *psm, const char *pszName, u64 cb)
 {
+    ASSERT_MAIN_THREAD();
     *psm = {};
     MakeNames(psm, pszName);
     bool bAlone = false;
@@ -112,6 +115,7 @@ u32 CreateNamedEvent(SharedMapping *psm, const char *pszName)
 
 void CloseSharedMapping(SharedMapping *psm)
 {
+    ASSERT_MAIN_THREAD();
     if (psm->pEvent)
         sem_close(static_cast<sem_t *>(psm->pEvent));
     if (psm->pView)

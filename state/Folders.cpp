@@ -2,6 +2,7 @@
 #include "state/Folders.h"
 
 #include "platform/Files.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -88,6 +89,7 @@ std::u16string WithNativeSeparators(std::u16string s)
 
 void InitFolders(const FolderOverrides &overrides)
 {
+    ASSERT_MAIN_THREAD();
     BaseFolders base = FindBaseFolders(overrides.program.empty() ? ProgramPath() : std::u16string(overrides.program));
     if (!overrides.data.empty())
         base.dat = WithoutTrailingSeparators(AbsolutePath(overrides.data));

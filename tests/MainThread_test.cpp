@@ -1,6 +1,8 @@
 // MainThread_test.cpp -- tests MainThread.cpp
 #include "platform/MainThread.h"
 
+#include "editing/PresetEdit.h"
+#include "engine/PresetNews.h"
 #include "output/Presenters.h"
 #include "platform/Notices.h"
 
@@ -45,6 +47,8 @@ TEST(MainThread, AFunctionOfItsOwnStopsTheProgramOnAnotherThread)
     ClaimMainThread();
     EXPECT_DEATH(std::thread([] { AddNotice("from elsewhere"); }).join(), "OnMainThread.*Notices.cpp");
     EXPECT_DEATH(std::thread([] { PresentFrame(nullptr); }).join(), "OnMainThread.*Presenters.cpp");
+    EXPECT_DEATH(std::thread([] { TellPresetNews({}); }).join(), "OnMainThread.*PresetNews.cpp");
+    EXPECT_DEATH(std::thread([] { RunPresetEdit({}); }).join(), "OnMainThread.*PresetEdit.cpp");
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// MainWindow_test.cpp -- tests the main window's logic: sound meter, status texts, file filters, start placement
-#include "toolkit/FileFilter.h"
+// MainWindow_test.cpp -- tests the main window's logic: commands, sound meter, status texts, file filters, start placement
+#include "mainwindow/MainCommands.h"
 #include "mainwindow/SoundStrip.h"
 #include "mainwindow/StartPlacement.h"
 #include "mainwindow/StatusStrip.h"
@@ -8,8 +8,10 @@
 #include "output/FrameStats.h"
 #include "platform/Clock.h"
 #include "state/GlobalSettings.h"
+#include "toolkit/FileFilter.h"
 #include "toolkit/Meters.h"
 #include "toolkit/UIColors.h"
+#include "toolkit/WindowLayouts.h"
 
 #include <gtest/gtest.h>
 
@@ -202,6 +204,37 @@ TEST(StartPlacementTest, TheVisualsWindowStandsBesideTheMainWindowAndIsTwiceAsHi
     const FrameRect rcWide = VisualsStartRect({900, 0, 1590, 450}, rcWork, 64);
     EXPECT_EQ(rcWide.xRight - rcWide.xLeft, 64);
     EXPECT_EQ(rcWide.xRight, 1600);
+}
+
+const Command *FindByText(CommandRows rows, std::u16string_view text)
+{
+    for (const Command &command : rows) {
+        if (command.pszText && text == command.pszText)
+            return &command;
+        if (const Command *pFound = FindByText(command.children, text))
+            return pFound;
+    }
+    return nullptr;
+}
+
+TEST(MainCommandsTest, AWindowsEntryOpensItByItsNameUnderTheMainWindow)
+{
+    static void *pvOwner;
+    pvOwner = nullptr;
+    constexpr auto pfnMake = [](void *pv) -> void * { return pvOwner = pv; };
+    static constexpr WindowFunctions functions = {[](void *, u32) {}, [](void *) {}, nullptr, nullptr};
+    static constexpr WindowKind kind = {RECORDING_DIALOG, WindowUse::Dialog, pfnMake, &functions};
+    MainActions actions = {};
+    actions.pvWindow = &actions;
+    const Command *pCommand = FindByText(MainMenu(), u"Recording Options...");
+    ASSERT_NE(nullptr, pCommand);
+    EXPECT_TRUE(RunCommand(*pCommand, &actions)) << "nothing where there is no such window";
+    EXPECT_EQ(nullptr, pvOwner);
+    RegisterWindow(kind);
+    RunCommand(*pCommand, &actions);
+    EXPECT_EQ(&actions, pvOwner);
+    EXPECT_TRUE(WindowIsOpen(RECORDING_DIALOG));
+    ForgetWindowLayouts();
 }
 
 } // namespace

@@ -215,6 +215,35 @@ TEST_F(News, APlaneThatGoesIsPrecededByItsSlotsAndFollowedByTheRules)
     EXPECT_EQ("GC", TakeTold());
 }
 
+TEST_F(News, ExchangingAndPuttingBackIsToldByTheFunctionsThatDoIt)
+{
+    PresetState *lppsiNow = SwitchPreset(MakeEmpty, nullptr);
+    AddPlane(lppsiNow, 1, 0);
+    PlaneState *pps = AddPlane(lppsiNow, 0, 0);
+    AddMixRule(lppsiNow)->MixOp = MIXOP_NEGATIVE;
+    AddMixRule(lppsiNow)->MixOp = MIXOP_BLEND;
+    TakeTold();
+    EXPECT_NE(0u, SwapPlanes(lppsiNow, 0, 1));
+    EXPECT_EQ("P", TakeTold());
+    EXPECT_NE(0u, SwapMixRules(lppsiNow, 0, 1));
+    EXPECT_EQ("X", TakeTold());
+    MixRule rule = lppsiNow->asMixRule[0];
+    EXPECT_NE(0u, InsertMixRule(lppsiNow, 1, rule));
+    EXPECT_EQ("X", TakeTold());
+    EXPECT_EQ(MIXOP_NEGATIVE, lppsiNow->asMixRule[2].MixOp);
+    EXPECT_NE(lppsiNow->asMixRule[0].hbmRule, lppsiNow->asMixRule[1].hbmRule);
+    EXPECT_NE(0u, TakePlane(lppsiNow, pps));
+    EXPECT_EQ("pP", TakeTold()) << "the rules stay";
+    EXPECT_EQ(3u, lppsiNow->nMixRules);
+    EXPECT_NE(0u, ReplaceMixRules(lppsiNow, {&rule, 1}));
+    EXPECT_EQ("X", TakeTold());
+    EXPECT_EQ(1u, lppsiNow->nMixRules);
+    const std::vector<MixRule> tooMany(MIX_RULES_MAX + 1);
+    EXPECT_EQ(0u, SwapPlanes(lppsiNow, 0, 1) | SwapMixRules(lppsiNow, 0, 1) | InsertMixRule(lppsiNow, 2, rule) |
+                      ReplaceMixRules(lppsiNow, tooMany) | TakePlane(lppsiNow, pps));
+    EXPECT_EQ("", TakeTold()) << "nothing has changed";
+}
+
 TEST_F(News, APresetThatIsNotTheCurrentOneIsNoNews)
 {
     SwitchPreset(ReadStored, nullptr);

@@ -1,6 +1,8 @@
 // Commands.cpp -- one kind of table for menus, tool bars, buttons and keys
 #include "toolkit/Commands.h"
 
+#include "platform/MainThread.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -178,6 +180,7 @@ bool CommandKeys::Counts(const KeyEvent &event)
 
 bool CommandKeys::Handle(const CommandTable &table, const KeyEvent &event)
 {
+    ASSERT_MAIN_THREAD();
     const bool bCounts = Counts(event);
     const Command *pCommand = FindKeyCommand(table.rows, event);
     if (pCommand && event.bSystem && !(pCommand->key.dwModifiers & MODIFIER_ALT))
@@ -189,5 +192,6 @@ bool CommandKeys::Handle(const CommandTable &table, const KeyEvent &event)
 
 void CommandKeys::Forget()
 {
+    ASSERT_MAIN_THREAD();
     abDown.reset();
 }

@@ -2,6 +2,7 @@
 #include "toolkit/WindowLayouts.h"
 
 #include "platform/Assert.h"
+#include "platform/MainThread.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -68,11 +69,13 @@ WindowLayoutTable WindowLayouts;
 
 WindowLayout *FindWindowLayout(std::u16string_view name)
 {
+    ASSERT_MAIN_THREAD();
     return FindRecord([&](const WindowLayout &layout) { return name == layout.szName; });
 }
 
 WindowLayout *AddWindowLayout(std::u16string_view name)
 {
+    ASSERT_MAIN_THREAD();
     name = name.substr(0, WINDOW_NAME_CHARS - 1);
     if (WindowLayout *pLayout = FindWindowLayout(name))
         return pLayout;
@@ -86,18 +89,21 @@ WindowLayout *AddWindowLayout(std::u16string_view name)
 
 void RegisterWindow(const WindowKind &kind)
 {
+    ASSERT_MAIN_THREAD();
     VD_ASSERT(kind.pFunctions);
     AddWindowLayout(kind.pszName)->pKind = &kind;
 }
 
 void ForgetWindowLayouts()
 {
+    ASSERT_MAIN_THREAD();
     Records().clear();
     WindowLayouts = {};
 }
 
 void RunWindowCommand(std::u16string_view name, void *pvOwner)
 {
+    ASSERT_MAIN_THREAD();
     const WindowLayout *pLayout = FindWindowLayout(name);
     if (!pLayout || !pLayout->pKind)
         return;
@@ -109,6 +115,7 @@ void RunWindowCommand(std::u16string_view name, void *pvOwner)
 
 void *OpenWindow(std::u16string_view name, void *pvOwner, u32 bFocus)
 {
+    ASSERT_MAIN_THREAD();
     WindowLayout *pLayout = FindWindowLayout(name);
     if (!pLayout || !pLayout->pKind)
         return nullptr;
@@ -136,6 +143,7 @@ u32 WindowIsOpen(std::u16string_view name)
 // It does not follow its moves while it is being placed: they are none of the user's.
 void WindowMade(std::u16string_view name, void *hWnd)
 {
+    ASSERT_MAIN_THREAD();
     WindowLayout *pLayout = AddWindowLayout(name);
     pLayout->hWnd = hWnd;
     pLayout->bOpen = 1;
@@ -150,6 +158,7 @@ void WindowMade(std::u16string_view name, void *hWnd)
 
 void WindowMoved(void *hWnd)
 {
+    ASSERT_MAIN_THREAD();
     WindowLayout *pLayout = RecordOf(hWnd);
     WindowRect rc;
     if (!pLayout || !pLayout->bTracking || !pLayout->pKind || !pLayout->pKind->pFunctions->pfnGetRect(hWnd, &rc))
@@ -160,12 +169,14 @@ void WindowMoved(void *hWnd)
 
 void WindowClosed(void *hWnd)
 {
+    ASSERT_MAIN_THREAD();
     if (WindowLayout *pLayout = RecordOf(hWnd))
         pLayout->bOpen = 0;
 }
 
 void WindowGone(void *hWnd)
 {
+    ASSERT_MAIN_THREAD();
     if (WindowLayout *pLayout = RecordOf(hWnd)) {
         pLayout->hWnd = nullptr;
         pLayout->bOpen = pLayout->bTracking = 0;
