@@ -2,6 +2,7 @@
 #include "toolkit/QuestionBox_qt.h"
 
 #include "engine/PresetDocument.h"
+#include "engine/PresetNews.h"
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QMessageBox>
@@ -21,6 +22,13 @@ QMessageBox *MakeBox(QWidget *pParent, QMessageBox::Icon eIcon, const QString &t
     pBox->setAttribute(Qt::WA_DeleteOnClose);
     KeepFramesUnder(pBox);
     return pBox;
+}
+
+// The question was about that preset: a yes must not cost the one that comes.
+void DropQuestion(const PresetNews &news, void *)
+{
+    if (news.eKind == NewsKind::Going && pQuestion)
+        pQuestion->reject();
 }
 
 } // namespace
@@ -43,9 +51,11 @@ void ConfirmDiscard(QWidget *pParent, std::function<void()> proceed)
     pQuestion->setEscapeButton(QMessageBox::Cancel);
     QObject::connect(pQuestion, &QMessageBox::finished, pQuestion, [proceed = std::move(proceed)](int nButton) {
         pQuestion = nullptr;
+        PresetListeners.Remove(DropQuestion);
         if (nButton == QMessageBox::Yes)
             proceed();
     });
+    PresetListeners.Add(DropQuestion);
     pQuestion->open();
 }
 
