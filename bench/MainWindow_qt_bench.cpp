@@ -54,13 +54,16 @@ double Percentile(std::vector<double> af, size_t nPercent)
     return af.empty() ? 0 : af[(af.size() * nPercent + 99) / 100 - 1];
 }
 
-// Counts the processor time that the main thread spends in events, those inside events not twice.
+// Counts the processor time that the main thread spends in events, those inside events not twice. Showing a frame is
+// part of every frame, not of a switch.
 class TimedApplication : public QApplication {
   public:
     using QApplication::QApplication;
     bool notify(QObject *pObject, QEvent *pEvent) override
     {
-        if (bInside)
+        const bool bFrame = (pEvent->type() == QEvent::UpdateRequest || pEvent->type() == QEvent::Paint) &&
+                            dynamic_cast<VisualsWindow *>(pObject);
+        if (bInside || bFrame)
             return QApplication::notify(pObject, pEvent);
         bInside = true;
         const double fStart = ThreadSeconds();
