@@ -151,6 +151,27 @@ case_modules_added_moved_paused_removed() {
     terminate
 }
 
+case_defaults_of_an_item_and_of_a_branch() {
+    stock_modules
+    mkdir -p "$presets"
+    "$bin/vorticade-render" --modules "$module_folder" --save "$folder/plain.VD" default
+    sed -e 's/.*PMRotor.dll.*/&<CallsPerFrame>3<\/CallsPerFrame>/; s/.*PMGust.dll.*/&<Duration>99<\/Duration>/' \
+        "$folder/plain.VD" >"$presets/tuned.VD"
+    start_main
+    open_file tuned.VD
+    wait_for_title tuned.VD
+    keys "${rotor[@]}" Menu Down Down Down Down Down Right Return # "This Item"
+    wait_for_title '*tuned.VD'
+    saved_as item
+    ! grep -q CallsPerFrame "$preset" || fail "the module kept its calls per frame"
+    [ "$(grep -c '<Duration>99<' "$preset")" = 2 ] || fail "other modules were restored too"
+    keys Home Menu Down Right Down Return # "Entire Branch"
+    wait_for_title '*item.VD'
+    saved_as branch
+    cmp "$folder/plain.VD" "$preset" || fail "not everything was restored"
+    terminate
+}
+
 # click X Y BUTTON: in the main window
 click() {
     wait_for "the main window in front" focus_main
