@@ -60,7 +60,7 @@ class MainCommandsTest : public testing::Test {
     }
 
     std::string sAsked;
-    MainActions Actions = {this, Note<'n'>, Note<'o'>, Note<'s'>, Note<'x'>, Note<'r'>, NoteProgram};
+    MainActions Actions = {this, Note<'n'>, Note<'o'>, Note<'s'>, Note<'x'>, NoteProgram};
 };
 
 TEST_F(MainCommandsTest, TheMenuBarStandsInItsOrder)
@@ -101,7 +101,6 @@ TEST_F(MainCommandsTest, EveryEntryAsksTheWindowForItsOwnFunction)
     EXPECT_EQ(Run(MainMenu(), u"&Save"), "s") << "the chooser is always shown";
     EXPECT_EQ(Run(MainMenu(), u"Save as..."), "s");
     EXPECT_EQ(Run(MainMenu(), u"&Exit"), "x");
-    EXPECT_EQ(Run(MainMenu(), u"Recording Options..."), "r");
     EXPECT_EQ(Run(MainToolButtons(), u"New"), "n");
     EXPECT_EQ(Run(MainToolButtons(), u"Open"), "o");
     EXPECT_EQ(Run(MainToolButtons(), u"Save As"), "s");

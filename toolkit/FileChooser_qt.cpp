@@ -23,8 +23,7 @@ QStringList NameFilters(const FileQuestion &question)
     QStringList list;
     for (const FileFilter &filter : FileFilters(question.sPattern, question.sName)) {
         const QString pattern = filter.sPattern == u"*.*" ? QStringLiteral("*") : Text(filter.sPattern);
-        list += Text(filter.sDescription).section(QStringLiteral(" ("), 0, 0) + QStringLiteral(" (") + pattern +
-                QStringLiteral(")");
+        list += Text(filter.sDescription) + QStringLiteral(" (") + pattern + QStringLiteral(")");
     }
     return list;
 }
@@ -58,6 +57,7 @@ QDialog *AskForFile(QWidget *pParent, const FileQuestion &question,
     new PlainBoxes(pDialog);
     pDialog->setAcceptMode(question.bSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     pDialog->setFileMode(question.bSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    pDialog->setOption(QFileDialog::HideNameFilterDetails); // they are the toolkit's, behind the description
     pDialog->setNameFilters(NameFilters(question));
     pDialog->setDefaultSuffix(Text(DefaultExtension(question.sPattern)));
     if (!question.sName.empty())
