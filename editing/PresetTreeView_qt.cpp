@@ -139,7 +139,7 @@ void PresetTreeView::TakeExpansion(const TreeNode *pBranch)
         return;
     TakeOwnExpansion(pBranch);
     for (const TreeNode *pChild : pBranch->apChild)
-        if (!pChild->apChild.empty())
+        if (!pChild->apChild.empty() || pChild->bExpanded)
             TakeExpansion(pChild);
 }
 
