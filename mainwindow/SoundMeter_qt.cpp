@@ -23,7 +23,7 @@ SoundMeter::SoundMeter(QWidget *pParent) : QWidget(pParent)
 
 void SoundMeter::Follow(bool bQuiet)
 {
-    if (visibleRegion().isEmpty())
+    if (visibleRegion().isEmpty() || window()->isMinimized())
         return;
     const QSize size = (QSizeF(this->size()) * devicePixelRatioF()).toSize();
     QImage picture = Picture.size() == size ? Picture : QImage(size, QImage::Format_RGB32);
