@@ -118,6 +118,19 @@ class PresetEdits : public EngineTest {
     std::vector<PresetNews> heard;
     PresetEdit inverse = {};
     ModuleSlot *pmsPainter = nullptr;
+
+    // Of the first plane, in a module that waits until it is let go.
+    void LetAThreadHang()
+    {
+        FillPreset();
+        GlobalSettings.ThreadedPlanes = 1;
+        GlobalSettings.dwPlaneWaitMs = 50;
+        RecorderBehaviour rb = {};
+        rb.bHold = 1;
+        Behave(pmsPainter, rb);
+        EXPECT_EQ(0u, Step());
+        ASSERT_TRUE(PlaneIsBusy(lppsi->psPlane[0]));
+    }
 };
 
 // Random edits, most of which fit.
@@ -666,14 +679,7 @@ TEST_F(PresetEdits, PlacesNameWhatTheyWereMadeFrom)
 
 TEST_F(PresetEdits, NothingIsDoneToAPlaneThatAThreadHangsIn)
 {
-    FillPreset();
-    GlobalSettings.ThreadedPlanes = 1;
-    GlobalSettings.dwPlaneWaitMs = 50;
-    RecorderBehaviour rb = {};
-    rb.bHold = 1;
-    Behave(pmsPainter, rb);
-    EXPECT_EQ(0u, Step());
-    ASSERT_TRUE(PlaneIsBusy(lppsi->psPlane[0]));
+    LetAThreadHang();
     bPresetChanged = 0;
     heard.clear();
     const EditPlace painters = ListPlace(0, MODULEINDEX_DRAWPAINTER);
@@ -696,8 +702,7 @@ TEST_F(PresetEdits, NothingIsDoneToAPlaneThatAThreadHangsIn)
     EXPECT_EQ(0u, bPresetChanged);
     EXPECT_TRUE(heard.empty());
     EXPECT_EQ(EditResult::Done, Set(WriteNumber(PlanePlace(1), EditField::Paused, 1))) << "the other one is free";
-    rb.bHold = 0;
-    Behave(pmsPainter, rb);
+    Behave(pmsPainter, {});
     while (PlaneIsBusy(lppsi->psPlane[0]) || AnyThreadIsStuck())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     EXPECT_EQ(EditResult::Done, Run(aEdit[7]));
@@ -705,23 +710,15 @@ TEST_F(PresetEdits, NothingIsDoneToAPlaneThatAThreadHangsIn)
 
 TEST_F(PresetEdits, APlaneThatAThreadHangsInCanBeRemovedAndComesBackAsANewOne)
 {
-    FillPreset();
-    GlobalSettings.ThreadedPlanes = 1;
-    GlobalSettings.dwPlaneWaitMs = 50;
-    RecorderBehaviour rb = {};
-    rb.bHold = 1;
-    Behave(pmsPainter, rb);
-    EXPECT_EQ(0u, Step());
+    LetAThreadHang();
     PlaneState *ppsStuck = lppsi->psPlane[0];
-    ASSERT_TRUE(PlaneIsBusy(ppsStuck));
     const PresetSnapshot before(lppsi);
     EXPECT_EQ(EditResult::Done, Run(EditKind::RemovePlane, PlanePlace(0)));
     EXPECT_EQ(1, lppsi->nPlanes);
     UndoGives(before);
     EXPECT_NE(ppsStuck, lppsi->psPlane[0]);
     EXPECT_FALSE(PlaneIsBusy(lppsi->psPlane[0]));
-    rb.bHold = 0;
-    Behave(pmsPainter, rb);
+    Behave(pmsPainter, {});
     while (AnyThreadIsStuck())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     RemovePlaneModules(ppsStuck); // what was left alone
