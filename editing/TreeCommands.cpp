@@ -4,6 +4,7 @@
 #include "editing/ModuleOffers.h"
 #include "editing/PresetEdit.h"
 #include "editing/TreeFollower.h"
+#include "editing/TreePlaces.h"
 #include "editing/TreeTexts.h"
 #include "engine/PresetDocument.h"
 #include "engine/PresetManager.h"
@@ -33,32 +34,9 @@ struct Target {
     }
 };
 
-EditPlace PlaceOf(const Target &target)
-{
-    const PresetState *lppsi = target.tree.lppsi;
-    const u32 dwType = target.Type();
-    if (target.IsModule())
-        return PlaceOfSlot(lppsi, SlotOf(target.pNode));
-    if (IsControlType(dwType))
-        return PlaceOfControl(lppsi, ControlOf(target.pNode));
-    if (dwType == OBJECT_ROOT)
-        return PresetPlace();
-    if (dwType == OBJECT_PLANETREE)
-        return PlanesPlace();
-    if (dwType == OBJECT_POSTPROC)
-        return ListPlace(POST_PROCESSING, 0);
-    const PlaneState *pps = PlaneOf(target.pNode);
-    const EditPlace plane = pps ? PlaceOfPlane(lppsi, pps) : EditPlace{};
-    if (plane.eKind == PlaceKind::None || target.IsPlane())
-        return plane;
-    if (IsListType(dwType))
-        return ListPlace(plane.iPlane, ModuleTypeOfList(dwType));
-    return FamilyPlace(plane.iPlane, ModuleTypeOfList(KindOf(dwType).children[0]));
-}
-
 EditResult RunEdit(const Target &target, EditKind eKind, i32 nArgument0 = 0, i32 nArgument1 = 0)
 {
-    return RunPresetEdit(MakeEdit(eKind, PlaceOf(target), nArgument0, nArgument1));
+    return RunPresetEdit(MakeEdit(eKind, PlaceOfNode(target.pNode), nArgument0, nArgument1));
 }
 
 void AddModuleHere(const Target &target)
@@ -66,7 +44,8 @@ void AddModuleHere(const Target &target)
     const ModuleRecord *pmr = GetModuleRecord(ModuleOfKey(target.dwArgument));
     if (!IsListType(target.Type()) || !pmr)
         return;
-    RunPresetEdit(MakeModuleEdit(PlaceOf(target), pmr->szDll, static_cast<i32>(ShaderOfKey(target.dwArgument))));
+    RunPresetEdit(
+        MakeModuleEdit(PlaceOfNode(target.pNode), pmr->szDll, static_cast<i32>(ShaderOfKey(target.dwArgument))));
     SyncPresetTree(target.tree);
 }
 
