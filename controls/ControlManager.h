@@ -39,5 +39,7 @@ i32 CountChangedControls(const ModuleSlot *pms);
 void RestoreControlDefaults(ControlRecord *pctl);
 // What the dependency says; only decides how the control is shown.
 bool ControlIsActive(const ControlRecord *pctl);
+// How the comparison of a dependency is called: "equal to". Never null.
+const char16_t *DependWords(u32 dwDependOp);
 // The components of the name joined with ".", cut at 259 characters. Copes with a list that lacks its second 0.
 void ControlDottedName(const ControlRecord *pctl, NameText &szName);

@@ -68,8 +68,19 @@ bool IsGreaterOrEqual(f32 d)
     return d > -DEPEND_TOLERANCE;
 }
 
-constexpr bool (*apfnCompare[])(f32 d) = {IsEqual, IsNotEqual, IsGreater, IsLess, IsLessOrEqual, IsGreaterOrEqual};
-static_assert(std::size(apfnCompare) == DEPENDOP_GREATEREQUAL + 1);
+struct DependOp {
+    bool (*pfnHolds)(f32 d);
+    const char16_t *pszWords;
+};
+constexpr DependOp asDependOp[] = {
+    {IsEqual, u"equal to"},
+    {IsNotEqual, u"not equal to"},
+    {IsGreater, u"greater than"},
+    {IsLess, u"less than"},
+    {IsLessOrEqual, u"less than or equal to"},
+    {IsGreaterOrEqual, u"greater than or equal to"},
+};
+static_assert(std::size(asDependOp) == DEPENDOP_GREATEREQUAL + 1);
 
 } // namespace
 
@@ -78,9 +89,14 @@ bool ControlIsActive(const ControlRecord *pctl)
     const ControlRecord *pctlOther = pctl->Base.pDependsOn;
     const u32 dwOp = pctl->Base.dwDependOp;
     f32 fDistance;
-    if (!pctlOther || pctlOther->Base.dwSource != FLUIDSOURCE_FIXED || dwOp >= std::size(apfnCompare))
+    if (!pctlOther || pctlOther->Base.dwSource != FLUIDSOURCE_FIXED || dwOp >= std::size(asDependOp))
         return true;
-    return !DependDistance(pctlOther, pctl->Base, &fDistance) || apfnCompare[dwOp](fDistance);
+    return !DependDistance(pctlOther, pctl->Base, &fDistance) || asDependOp[dwOp].pfnHolds(fDistance);
+}
+
+const char16_t *DependWords(u32 dwDependOp)
+{
+    return dwDependOp < std::size(asDependOp) ? asDependOp[dwDependOp].pszWords : u"********[ Error ]********";
 }
 
 void ControlDottedName(const ControlRecord *pctl, NameText &szName)
