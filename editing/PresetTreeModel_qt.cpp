@@ -75,7 +75,7 @@ void PresetTreeModel::Take(const TreeNews &news)
         endMoveRows();
         break;
     case TreeNewsKind::Changed:
-        emit dataChanged(IndexOf(news.pNode), IndexOf(news.pNode));
+        dataChanged(IndexOf(news.pNode), IndexOf(news.pNode));
         break;
     case TreeNewsKind::BranchChanged:
     case TreeNewsKind::Expansion:

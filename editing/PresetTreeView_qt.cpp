@@ -3,6 +3,7 @@
 
 #include "editing/TreeColors.h"
 #include "toolkit/DialogPieces_qt.h"
+#include "toolkit/LeftShift_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QContextMenuEvent>
@@ -197,10 +198,20 @@ void PresetTreeView::ExpandSelected(bool bExpanded)
     SelectNode(pNode);
 }
 
-void PresetTreeView::ToggleExpansion()
+// What a double click does.
+void PresetTreeView::EnterSelected()
 {
-    if (TreeNode *pNode = SelectedNode())
-        SetExpanded(*pModel->Tree(), pNode, !pNode->bExpanded);
+    TreeNode *pNode = SelectedNode();
+    if (!pNode)
+        return;
+    SetExpanded(*pModel->Tree(), pNode, !pNode->bExpanded);
+    Bring(pNode);
+}
+
+void PresetTreeView::Bring(TreeNode *pNode)
+{
+    if (pNode && pfnBring && !LeftShiftIsDown())
+        pfnBring(pNode);
 }
 
 // The lines before a node are no part of what is selected.
@@ -221,7 +232,7 @@ void PresetTreeView::keyPressEvent(QKeyEvent *pEvent)
     else if (bCtrl && event.dwKey == 'X')
         ExpandSelected(true);
     else if (event.dwKey == KEY_RETURN)
-        ToggleExpansion();
+        EnterSelected();
     else if (event.dwKey == KEY_F10 && event.dwModifiers == MODIFIER_SHIFT)
         OpenMenuByKey();
     else if (event.dwKey != KEY_DELETE)
@@ -233,14 +244,22 @@ void PresetTreeView::keyPressEvent(QKeyEvent *pEvent)
 // A right click opens the menu of what lies under it and selects nothing.
 void PresetTreeView::mousePressEvent(QMouseEvent *pEvent)
 {
-    if (pEvent->button() == Qt::LeftButton)
-        QTreeView::mousePressEvent(pEvent);
+    if (pEvent->button() != Qt::LeftButton)
+        return;
+    TreeNode *pOld = SelectedNode();
+    QTreeView::mousePressEvent(pEvent);
+    TreeNode *pNode = SelectedNode();
+    if (pNode && pNode != pOld && pfnClicked && !LeftShiftIsDown())
+        pfnClicked(pNode, pOld);
 }
 
 void PresetTreeView::mouseDoubleClickEvent(QMouseEvent *pEvent)
 {
-    if (pEvent->button() == Qt::LeftButton)
-        QTreeView::mouseDoubleClickEvent(pEvent);
+    if (pEvent->button() != Qt::LeftButton)
+        return;
+    QTreeView::mouseDoubleClickEvent(pEvent);
+    if (const QModelIndex index = indexAt(pEvent->pos()); index.isValid())
+        Bring(PresetTreeModel::NodeOf(index));
 }
 
 // Under the node, or as near to it as the view shows.

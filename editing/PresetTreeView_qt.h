@@ -20,6 +20,9 @@ class PresetTreeView : public QTreeView {
     // selection stays as it is.
     std::function<void(TreeNode *pNode, const QPoint &place)> pfnContextMenu;
     std::function<void(TreeNode *pNode)> pfnRemove; // the Delete key
+    // For panels. Neither is called while the left Shift key is down.
+    std::function<void(TreeNode *pNode, TreeNode *pOld)> pfnClicked; // a click selected it; pOld null: none before
+    std::function<void(TreeNode *pNode)> pfnBring;                   // a double click or Enter
 
     void doItemsLayout() override;
 
@@ -39,7 +42,8 @@ class PresetTreeView : public QTreeView {
     void TakeExpansion(const TreeNode *pBranch);
     void SelectInsteadOfHidden(const TreeNode *pCollapsed);
     void ExpandSelected(bool bExpanded);
-    void ToggleExpansion();
+    void EnterSelected();
+    void Bring(TreeNode *pNode);
     void OpenMenuByKey();
     QPoint MenuPlace(const QModelIndex &index);
 

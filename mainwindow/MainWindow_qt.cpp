@@ -122,6 +122,7 @@ MainWindow::~MainWindow()
 {
     PresetListeners.Remove(HearPreset, this);
     UnfollowPreset(Tree);
+    pPanels.reset();
     delete pTreeView; // with a menu of it that is open, while the tree is there
 }
 
@@ -171,6 +172,13 @@ QWidget *MainWindow::MakeStatusStrip()
 void MainWindow::ConnectTree()
 {
     pTreeView->pfnContextMenu = [this](TreeNode *pNode, const QPoint &place) { OpenTreeMenu(pNode, place); };
+    pPanels = std::make_unique<PanelHost>(&Tree, this);
+    pPanels->pfnActivated = [this](TreeNode *pNode) {
+        if (pTreeView->SelectedNode() != pNode)
+            pTreeView->SelectNode(pNode);
+    };
+    pTreeView->pfnClicked = [this](TreeNode *pNode, TreeNode *pOld) { pPanels->NodeClicked(pNode, pOld); };
+    pTreeView->pfnBring = [this](TreeNode *pNode) { pPanels->BringPanel(pNode); };
     pTreeView->pfnRemove = [this](TreeNode *pNode) { RunTreeCommand(Tree, pNode, TreeCommand::Remove, 0); };
 }
 

@@ -1,6 +1,7 @@
 // MainWindow_qt.h -- the control room: menu, tool buttons, preset tree, status strip
 #pragma once
 
+#include "controls/panels/PanelHost_qt.h"
 #include "editing/PresetTree.h"
 #include "editing/TreeCommands.h"
 #include "engine/PresetNews.h"
@@ -9,6 +10,8 @@
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
+
+#include <memory>
 
 class PresetTreeView;
 class QDialog;
@@ -51,6 +54,7 @@ class MainWindow : public QWidget {
     PresetTree Tree;
     MainActions Actions;
     PresetTreeView *pTreeView;
+    std::unique_ptr<PanelHost> pPanels; // goes before the tree
     QLabel *pFps, *pBuffer, *pWindowSize;
     SoundMeter *pMeter;
     QToolButton *pSound;

@@ -1,0 +1,146 @@
+// PanelHost_qt.cpp -- opens and closes the panels of a preset tree
+#include "controls/panels/PanelHost_qt.h"
+
+#include "controls/panels/PanelMakers_qt.h"
+#include "controls/panels/Panel_qt.h"
+#include "toolkit/FrameExtents_qt.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QScreen>
+
+#include <cmath>
+#include <iterator>
+
+namespace {
+
+struct PanelRow {
+    PanelKind eKind;
+    Panel *(*pfnMake)(TreeNode *pNode, QWidget *pOwner); // null: no panel
+};
+
+constexpr PanelRow asPanel[] = {
+    {PanelKind::None, nullptr},
+    {PanelKind::Unknown, MakeUnknownPanel},
+    {PanelKind::Description, MakeDescriptionPanel},
+    {PanelKind::Number, nullptr},
+    {PanelKind::Boolean, nullptr},
+    {PanelKind::Item, nullptr},
+    {PanelKind::Tile, nullptr},
+    {PanelKind::FileSelect, nullptr},
+    {PanelKind::Module, nullptr},
+    {PanelKind::Plane, nullptr},
+    {PanelKind::Planes, nullptr},
+    {PanelKind::ModuleList, nullptr},
+    {PanelKind::Colors, nullptr},
+    {PanelKind::Mixer, nullptr},
+};
+static_assert(std::size(asPanel) == static_cast<size_t>(PanelKind::Count));
+
+constexpr bool RowsStandInOrder()
+{
+    for (size_t i = 0; i < std::size(asPanel); i++)
+        if (asPanel[i].eKind != static_cast<PanelKind>(i))
+            return false;
+    return true;
+}
+static_assert(RowsStandInOrder());
+
+WindowRect RectOf(const QRect &rc)
+{
+    return {rc.left(), rc.top(), rc.left() + rc.width(), rc.top() + rc.height()};
+}
+
+// In device pixels: the toolkit's own pointer is rounded to its units.
+i32 PointerHeight(const QWidget *pOwner)
+{
+    const QScreen *pScreen = pOwner->screen();
+    const int yOrigin = pScreen->geometry().top();
+    return yOrigin + static_cast<i32>(std::lround((QCursor::pos().y() - yOrigin) * pScreen->devicePixelRatio()));
+}
+
+bool PointerIsOver(const QWidget *pOwner)
+{
+    const QWidget *pUnder = QApplication::widgetAt(QCursor::pos());
+    return pUnder && pUnder->window() == pOwner;
+}
+
+void PutBeside(QWidget *pPanel, QWidget *pOwner)
+{
+    pPanel->adjustSize();
+    if (!PointerIsOver(pOwner))
+        return;
+    const QSizeF size = QSizeF(pPanel->size()) * pOwner->devicePixelRatioF();
+    const QMargins frame = FrameExtents(pPanel);
+    const PanelPlace place = {RectOf(FrameRectOf(pOwner)), RectOf(WorkAreaOf(pOwner)),
+                              static_cast<i32>(size.width()) + frame.left() + frame.right(),
+                              static_cast<i32>(size.height()) + frame.top() + frame.bottom(), PointerHeight(pOwner)};
+    const WindowRect rc = PlacePanel(place);
+    SetFrameRect(pPanel, QRect(rc.left, rc.top, rc.right - rc.left, rc.bottom - rc.top));
+}
+
+void CloseAll(TreeNode *pNode)
+{
+    if (Panel *pPanel = PanelOf(pNode))
+        delete pPanel;
+    for (TreeNode *pChild : pNode->apChild)
+        CloseAll(pChild);
+}
+
+} // namespace
+
+PanelHost::PanelHost(PresetTree *p, QWidget *pWindow) : pTree(p), pOwner(pWindow)
+{
+    pTree->NodeListeners.Add(HearNode, this);
+}
+
+PanelHost::~PanelHost()
+{
+    pTree->NodeListeners.Remove(HearNode, this);
+    if (pTree->pRoot)
+        CloseAll(pTree->pRoot);
+}
+
+void PanelHost::HearNode(TreeNode *pNode, void *)
+{
+    if (Panel *pPanel = PanelOf(pNode))
+        pPanel->NodeGoes();
+}
+
+void PanelHost::HearActivation(TreeNode *pNode, void *pv)
+{
+    const auto *pHost = static_cast<PanelHost *>(pv);
+    if (pHost->pfnActivated)
+        pHost->pfnActivated(pNode);
+}
+
+Panel *PanelHost::OpenPanel(TreeNode *pNode)
+{
+    const PanelRow &row = asPanel[static_cast<u32>(PanelKindOf(pNode))];
+    if (!row.pfnMake)
+        return nullptr;
+    Panel *pPanel = row.pfnMake(pNode, pOwner);
+    pPanel->pvHost = this;
+    pPanel->pfnActivated = HearActivation;
+    PutBeside(pPanel, pOwner);
+    pPanel->show();
+    return pPanel;
+}
+
+void PanelHost::NodeClicked(TreeNode *pNode, TreeNode *pOld)
+{
+    if (Panel *pPanel = pOld ? PanelOf(pOld) : nullptr; pPanel && !pOld->Info.bPinned)
+        pPanel->ClosePanel();
+    if (!PanelOf(pNode))
+        OpenPanel(pNode);
+}
+
+void PanelHost::BringPanel(TreeNode *pNode)
+{
+    Panel *pPanel = PanelOf(pNode);
+    pPanel = pPanel ? pPanel : OpenPanel(pNode);
+    if (!pPanel)
+        return;
+    pPanel->raise();
+    pPanel->activateWindow();
+}
