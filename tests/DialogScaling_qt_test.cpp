@@ -1,0 +1,328 @@
+// DialogScaling_qt_test.cpp -- windows that scale, against the rules and against what the layouts gave
+#include "toolkit/DialogScaling_qt.h"
+
+#include "tests/WindowFixture.h"
+#include "toolkit/DarkStyle_qt.h"
+
+#include <QAbstractItemView>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTest>
+
+#include <map>
+#include <memory>
+
+namespace {
+
+struct Seen {
+    QRect place;
+    QFont font;
+};
+using Sight = std::map<const QWidget *, Seen>;
+
+class DialogScalingTest : public WindowTest {
+  protected:
+    void SetUp() override
+    {
+        WindowTest::SetUp();
+        pDialog = std::make_unique<QDialog>();
+        auto *pLayout = new QVBoxLayout(pDialog.get());
+        pLayout->addWidget(pText = new QLabel("A text that takes several lines, as descriptions of controls do, and "
+                                              "that grows with the window"));
+        pText->setWordWrap(true);
+        pLayout->addWidget(MakeGroup());
+        pLayout->addWidget(pHidden = new QPushButton("Hidden at first"));
+        KeepPlaceWhenHidden(pHidden);
+        pHidden->hide();
+        pLayout->addWidget(pButton = new QPushButton("A button with a long text"));
+        EnableDialogScaling(pDialog.get());
+        pDialog->show();
+        design = pDialog->size();
+    }
+    QWidget *MakeGroup()
+    {
+        pGroup = new QGroupBox("Group");
+        auto *pForm = new QFormLayout(pGroup);
+        pForm->addRow("Source:", pCombo = new QComboBox);
+        pCombo->addItems({"Fixed Value", "Periodically Randomized"});
+        pForm->addRow("Value", pField = new QLineEdit("42"));
+        auto *pRow = new QWidget;
+        auto *pLine = new QHBoxLayout(pRow);
+        pLine->setContentsMargins(0, 0, 0, 0);
+        pLine->addWidget(pSlider = new QSlider(Qt::Horizontal));
+        pLine->addWidget(pSpin = new QSpinBox);
+        pSpin->setFixedWidth(70);
+        pForm->addRow("Range", pRow);
+        pForm->addRow(pCheck = new QCheckBox("Only Even"));
+        pForm->addRow(pList = new QListWidget);
+        pForm->addRow(pEdit = new QPlainTextEdit);
+        return pGroup;
+    }
+
+    // All controls but the band's pieces.
+    Sight Look() const
+    {
+        Sight sight;
+        const auto look = [](QWidget *p, void *pv) -> u32 {
+            (*static_cast<Sight *>(pv))[p] = {p->geometry(), p->font()};
+            return 1;
+        };
+        ForEachDialogChild(pDialog.get(), look, &sight, DIALOG_DEPTH);
+        return sight;
+    }
+    void Resize(f64 fX, f64 fY) const
+    {
+        pDialog->resize(RoundAway(design.width() * fX), RoundAway(design.height() * fY));
+    }
+    ScaleFactors Factors() const
+    {
+        ScaleFactors factors;
+        EXPECT_EQ(1u, GetDialogScale(pDialog.get(), &factors));
+        return factors;
+    }
+    static QRect Scaled(const QRect &rc, const ScaleFactors &factors)
+    {
+        const WindowRect to = PlaceControl({rc.x(), rc.y(), rc.x() + rc.width(), rc.y() + rc.height()}, factors, 0);
+        return {QPoint(to.left, to.top), QPoint(to.right - 1, to.bottom - 1)};
+    }
+    void ExpectSame(const Sight &before) const
+    {
+        const Sight now = Look();
+        ASSERT_EQ(before.size(), now.size());
+        for (const auto &[p, seen] : before) {
+            EXPECT_EQ(seen.place, now.at(p).place) << p->metaObject()->className();
+            EXPECT_EQ(seen.font, now.at(p).font) << p->metaObject()->className();
+        }
+    }
+
+    std::unique_ptr<QDialog> pDialog;
+    QSize design;
+    QLabel *pText;
+    QGroupBox *pGroup;
+    QComboBox *pCombo;
+    QLineEdit *pField;
+    QSlider *pSlider;
+    QSpinBox *pSpin;
+    QCheckBox *pCheck;
+    QListWidget *pList;
+    QPlainTextEdit *pEdit;
+    QPushButton *pHidden, *pButton;
+};
+
+constexpr ScaleFactors aFactors[] = {{1, 1}, {1.5f, 1.5f}, {2, 2}, {2.5f, 1}, {1, 2}, {1.25f, 1.75f}, {0.7f, 0.8f}};
+
+TEST_F(DialogScalingTest, EveryControlGoesWhereTheRulesSayHoweverDeepItLies)
+{
+    const Sight before = Look();
+    EXPECT_GE(before.size(), 14u);
+    for (const ScaleFactors &wanted : aFactors) {
+        Resize(wanted.fScaleX, wanted.fScaleY);
+        const ScaleFactors factors = Factors();
+        for (const auto &[p, seen] : Look())
+            EXPECT_EQ(Scaled(before.at(p).place, factors), seen.place)
+                << p->metaObject()->className() << " " << factors.fScaleX << " " << factors.fScaleY;
+    }
+}
+
+TEST_F(DialogScalingTest, AtTheDesignSizeEverythingIsAsItWasLaidOut)
+{
+    const Sight before = Look();
+    for (const ScaleFactors &wanted : aFactors) {
+        Resize(wanted.fScaleX, wanted.fScaleY);
+        pDialog->resize(design);
+        ExpectSame(before);
+    }
+}
+
+TEST_F(DialogScalingTest, OneFontFollowsTheFactorsAndListsAndTextsKeepTheirs)
+{
+    const ScaledFont lfDesign = ScaleInfoOf(pDialog.get())->lfDesign;
+    const QFont list = pList->font();
+    for (const ScaleFactors &wanted : {ScaleFactors{2, 2}, ScaleFactors{3, 2}, ScaleFactors{1.5f, 1.5f}}) {
+        Resize(wanted.fScaleX, wanted.fScaleY);
+        const ScaledFont lf = ScaleFont(lfDesign, Factors(), design.height());
+        for (const QWidget *p : std::initializer_list<const QWidget *>{pText, pCombo, pField, pSpin, pCheck, pButton,
+                                                                       pHidden, pGroup, pSlider}) {
+            EXPECT_EQ(-lf.lfHeight, p->font().pixelSize()) << p->metaObject()->className();
+            EXPECT_EQ(FontStretch(lf, lfDesign), p->font().stretch());
+        }
+        for (const QWidget *p : std::initializer_list<const QWidget *>{pList, pEdit})
+            EXPECT_EQ(QFontInfo(list).pixelSize(), QFontInfo(p->font()).pixelSize());
+    }
+}
+
+int WidthOf(const QFont &font, const QString &text)
+{
+    return QFontMetrics(font).horizontalAdvance(text);
+}
+
+TEST_F(DialogScalingTest, NoTextIsCutThatWasWholeAtTheDesignSize)
+{
+    for (const ScaleFactors &wanted :
+         {ScaleFactors{1, 1}, ScaleFactors{2, 2}, ScaleFactors{1, 3}, ScaleFactors{1.1f, 1.4f}, ScaleFactors{3, 1},
+          ScaleFactors{0.6f, 0.9f}, ScaleFactors{0.5f, 0.5f}}) {
+        Resize(wanted.fScaleX, wanted.fScaleY);
+        SCOPED_TRACE(testing::Message() << wanted.fScaleX << " " << wanted.fScaleY);
+        EXPECT_LE(WidthOf(pButton->font(), pButton->text()), pButton->width());
+        EXPECT_LE(QFontMetrics(pButton->font()).height(), pButton->height());
+        for (const QLabel *p : pGroup->findChildren<QLabel *>())
+            EXPECT_LE(WidthOf(p->font(), p->text()), p->width());
+        EXPECT_LE(pText->heightForWidth(pText->width()), pText->height());
+    }
+}
+
+TEST_F(DialogScalingTest, LettersAreSqueezedWhereAWindowBecomesNarrowAndTheyCanBe)
+{
+    Resize(1, 2);
+    EXPECT_LT(pField->font().stretch(), 60);
+    EXPECT_NEAR(2 * -ScaleInfoOf(pDialog.get())->lfDesign.lfHeight, pField->font().pixelSize(), 2);
+    QFont own = pField->font();
+    own.setStretch(100);
+    EXPECT_LT(WidthOf(pField->font(), "Periodically"), WidthOf(own, "Periodically") * 7 / 10);
+}
+
+TEST_F(DialogScalingTest, AHiddenControlIsInItsPlaceWhenItIsShown)
+{
+    const QRect place = pHidden->geometry();
+    EXPECT_GT(place.top(), pGroup->geometry().bottom());
+    EXPECT_GT(pButton->geometry().top(), place.bottom());
+    Resize(2, 2);
+    pHidden->show();
+    EXPECT_EQ(Scaled(place, Factors()), pHidden->geometry());
+    EXPECT_EQ(2 * design, pDialog->size());
+}
+
+TEST_F(DialogScalingTest, AControlMadeWhileStretchedTakesItsPlaceAtOnce)
+{
+    Resize(2, 2);
+    auto *pLate = new QPushButton("late", pDialog.get());
+    pLate->setGeometry(40, 60, 100, 50);
+    pLate->show();
+    EXPECT_EQ(QRect(40, 60, 100, 50), pLate->geometry());
+    EXPECT_EQ(pButton->font(), pLate->font());
+    pDialog->resize(design);
+    EXPECT_EQ(QRect(20, 30, 50, 25), pLate->geometry());
+    ScaleInfoOf(pDialog.get())->bRawChildRects = 1;
+    Resize(2, 2);
+    auto *pRaw = new QPushButton("raw", pDialog.get());
+    pRaw->setGeometry(10, 10, 40, 20);
+    pRaw->show();
+    EXPECT_EQ(QRect(20, 20, 80, 40), pRaw->geometry());
+}
+
+TEST_F(DialogScalingTest, AControlPutIntoALayoutWhileStretchedMakesTheWindowGrow)
+{
+    Resize(2, 2);
+    auto *pSub = new QGroupBox("Sub-panel");
+    (new QHBoxLayout(pSub))->addWidget(new QLineEdit("inside"));
+    pDialog->layout()->addWidget(pSub);
+    pSub->show();
+    EXPECT_GT(pSub->geometry().top(), pButton->geometry().bottom());
+    EXPECT_LT(pSub->geometry().bottom(), pDialog->height() - SIZING_BAND);
+    EXPECT_NEAR(2, Factors().fScaleY, 0.01);
+    EXPECT_GT(pDialog->height(), 2 * design.height());
+    EXPECT_EQ(pButton->font(), pSub->findChild<QLineEdit *>()->font());
+}
+
+TEST_F(DialogScalingTest, AControlThatGoesLeavesTheOthersInPeace)
+{
+    Sight before = Look();
+    Resize(1.5, 1.5);
+    before.erase(pSpin);
+    delete pSpin;
+    for (const QWidget *p : pGroup->findChildren<QWidget *>())
+        if (pGroup->isAncestorOf(p) && pEdit->isAncestorOf(p))
+            before.erase(p);
+    delete pEdit;
+    before.erase(pEdit);
+    pDialog->resize(design);
+    ExpectSame(before);
+    ReleaseScaleInfo(pDialog.get());
+    Resize(2, 2);
+    EXPECT_EQ(nullptr, ScaleInfoOf(pButton));
+    ExpectSame(before);
+    ScaleFactors factors;
+    EXPECT_EQ(0u, GetDialogScale(pDialog.get(), &factors));
+    EXPECT_EQ(1, factors.fScaleX);
+}
+
+TEST_F(DialogScalingTest, AComboBoxHasAWideListOfEightEntries)
+{
+    for (const f64 f : {1.0, 2.0, 0.8}) {
+        Resize(f, f);
+        EXPECT_EQ(std::max(pCombo->view()->minimumWidth(), RoundAway(pCombo->width() * 1.5)),
+                  pCombo->view()->minimumWidth());
+        EXPECT_GE(pCombo->maxVisibleItems(), 8);
+    }
+    pCombo->view()->setMinimumWidth(2000);
+    Resize(1.2, 1.2);
+    EXPECT_EQ(2000, pCombo->view()->minimumWidth()) << "a long text needs it";
+}
+
+TEST_F(DialogScalingTest, AnotherFontOfTheUserGivesAnotherDesign)
+{
+    Resize(2, 2);
+    const QFont before = QApplication::font();
+    QFont larger = before;
+    larger.setPixelSize(2 * QFontInfo(before).pixelSize());
+    QApplication::setFont(larger);
+    WaitFor([&] { return pDialog->height() > 2.2 * design.height(); });
+    EXPECT_NEAR(2, Factors().fScaleY, 0.02);
+    const QSize large = pDialog->size() / 2;
+    pDialog->resize(ScaleInfoOf(pDialog.get())->rcDesign.right, ScaleInfoOf(pDialog.get())->rcDesign.bottom);
+    EXPECT_EQ(larger.pixelSize(), pButton->font().pixelSize());
+    EXPECT_GE(pButton->height(), QFontMetrics(larger).height());
+    EXPECT_NEAR(large.height(), pDialog->height(), 2);
+    QApplication::setFont(before);
+    WaitFor([&] { return pDialog->size() == design; });
+}
+
+TEST_F(DialogScalingTest, TakingTheDesignAgainWithoutAChangeChangesNothing)
+{
+    for (const f64 f : {1.0, 1.7}) {
+        Resize(f, f);
+        const Sight before = Look();
+        const QSize size = pDialog->size();
+        TakeDesignAgain(pDialog.get());
+        EXPECT_EQ(size, pDialog->size());
+        ExpectSame(before);
+    }
+}
+
+TEST_F(DialogScalingTest, TheBandIsFreeAndShowsWhatCanBeMoved)
+{
+    for (const f64 f : {1.0, 2.0, 0.5}) {
+        Resize(f, f);
+        for (const auto &[y, eCursor] : {std::pair{pDialog->height() / 2, Qt::SizeHorCursor},
+                                         std::pair{pDialog->height() - 8, Qt::SizeFDiagCursor}}) {
+            QWidget *pPiece = pDialog->childAt(pDialog->width() - 2, y);
+            ASSERT_NE(nullptr, pPiece);
+            QTest::mouseMove(pPiece, pPiece->mapFrom(pDialog.get(), QPoint(pDialog->width() - 2, y)));
+            EXPECT_EQ(eCursor, pPiece->cursor().shape());
+        }
+        const QRect free = pDialog->rect().adjusted(SIZING_BAND, 0, -SIZING_BAND, -SIZING_BAND);
+        for (const auto &[p, seen] : Look()) {
+            const bool bInside = p->parentWidget() != pDialog.get() || free.contains(seen.place);
+            EXPECT_TRUE(bInside) << p->metaObject()->className() << f;
+        }
+    }
+    EXPECT_EQ(QSize(design.width() / 2, design.height() / 2), pDialog->minimumSize());
+}
+
+} // namespace
+
+// The arguments of the machine: at 150 and 200 per cent it is started again.
+int main(int argc, char **argv)
+{
+    return RunWindowTests(argc, argv, "1");
+}
