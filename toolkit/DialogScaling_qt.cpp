@@ -42,6 +42,21 @@ bool BelongsTo(const QWidget *pWidget, const QWidget *pDialog)
     return pRecord && pRecord->Info.hwndTop == pDialog;
 }
 
+// Where the control's parent begins in the window, at the design size and now. Places are scaled as the window has
+// them: rounded within each parent, what ends with its parent would be cut.
+QPoint ParentAtDesign(const QWidget *pControl, const QWidget *pDialog)
+{
+    QPoint at;
+    for (const QWidget *p = pControl->parentWidget(); p && p != pDialog && BelongsTo(p, pDialog); p = p->parentWidget())
+        at += ToQRect(InfoOf(p).rcDesign).topLeft();
+    return at;
+}
+
+QPoint ParentNow(const QWidget *pControl, const QWidget *pDialog)
+{
+    return pControl->parentWidget()->mapTo(pDialog, QPoint()) - QPoint(0, ScaledTop(pDialog));
+}
+
 // Something between it and the window places its children by itself.
 bool StandsInPages(const QWidget *pControl, const QWidget *pDialog)
 {
@@ -125,8 +140,9 @@ QSize TakeDesign(QWidget *pDialog)
 // A control that came later: where it stands now is where it belongs at the present size.
 void TakeLateControl(QWidget *pDialog, QWidget *pControl, const ScaleFactors &factors)
 {
-    const WindowRect rcNow = RectOf(PlaceOf(pControl, pDialog));
-    const WindowRect rc = InfoOf(pDialog).bRawChildRects ? rcNow : BringToDesign(rcNow, factors);
+    const WindowRect rcNow = RectOf(pControl->geometry().translated(ParentNow(pControl, pDialog)));
+    const WindowRect rcWindow = InfoOf(pDialog).bRawChildRects ? rcNow : BringToDesign(rcNow, factors);
+    const WindowRect rc = RectOf(ToQRect(rcWindow).translated(-ParentAtDesign(pControl, pDialog)));
     if (PartOf(pControl) == DialogPart::Group) {
         pControl->resize(ToQRect(rc).size());
         LayOut(pControl, pControl->size());
@@ -155,13 +171,13 @@ bool LeavesBandFree(const QWidget *pDialog, const WindowRect &rc, const QSize &s
 
 void PlaceOne(const QWidget *pDialog, QWidget *pControl, const ScaleFactors &factors)
 {
-    const WindowRect &rcDesign = InfoOf(pControl).rcDesign;
+    const QPoint design = ParentAtDesign(pControl, pDialog);
+    const WindowRect rcDesign = RectOf(ToQRect(InfoOf(pControl).rcDesign).translated(design));
     WindowRect rc = PlaceControl(rcDesign, factors, 0); // a combo box has no list in its height here
-    const bool bOfWindow = pControl->parentWidget() == pDialog;
     const QSize now = PlaceOf(pDialog, pDialog).size();
-    if (bOfWindow && LeavesBandFree(pDialog, rcDesign, DesignSize(pDialog)))
+    if (LeavesBandFree(pDialog, rcDesign, DesignSize(pDialog)))
         rc = LeaveBandFree(rc, now.width(), now.height());
-    pControl->setGeometry(ToQRect(rc).translated(0, bOfWindow ? ScaledTop(pDialog) : 0));
+    pControl->setGeometry(ToQRect(rc).translated(-ParentNow(pControl, pDialog)));
 }
 
 void PlaceAll(const QWidget *pDialog, const std::vector<QWidget *> &apControl, const ScaleFactors &factors)

@@ -56,7 +56,6 @@ class BandPiece : public QWidget {
     BandPiece(QWidget *pWindow, Qt::Edge e) : QWidget(pWindow), eSide(e)
     {
         setMouseTracking(true);
-        setAttribute(Qt::WA_NoMousePropagation);
         setAttribute(Qt::WA_OpaquePaintEvent);
     }
     void Place(int y)
