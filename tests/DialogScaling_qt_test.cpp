@@ -13,7 +13,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QProcess>
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
@@ -300,29 +302,57 @@ TEST_F(DialogScalingTest, TakingTheDesignAgainWithoutAChangeChangesNothing)
     }
 }
 
+// What the pointer looks like there.
+Qt::CursorShape CursorAt(QWidget *pWindow, const QPoint &at)
+{
+    QWidget *pPiece = pWindow->childAt(at);
+    if (!pPiece)
+        return Qt::BlankCursor;
+    QMouseEvent move(QEvent::MouseMove, pPiece->mapFrom(pWindow, at), pWindow->mapToGlobal(at), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(pPiece, &move);
+    return pPiece->cursor().shape();
+}
+
 TEST_F(DialogScalingTest, TheBandIsFreeAndShowsWhatCanBeMoved)
 {
     for (const f64 f : {1.0, 2.0, 0.5}) {
         Resize(f, f);
-        for (const auto &[y, eCursor] : {std::pair{pDialog->height() / 2, Qt::SizeHorCursor},
-                                         std::pair{pDialog->height() - 8, Qt::SizeFDiagCursor}}) {
-            QWidget *pPiece = pDialog->childAt(pDialog->width() - 2, y);
-            ASSERT_NE(nullptr, pPiece);
-            QTest::mouseMove(pPiece, pPiece->mapFrom(pDialog.get(), QPoint(pDialog->width() - 2, y)));
-            EXPECT_EQ(eCursor, pPiece->cursor().shape());
-        }
+        const int x = pDialog->width(), y = pDialog->height();
+        EXPECT_EQ(Qt::SizeHorCursor, CursorAt(pDialog.get(), {2, y / 2}));
+        EXPECT_EQ(Qt::SizeVerCursor, CursorAt(pDialog.get(), {x / 2, y - 1}));
+        EXPECT_EQ(Qt::SizeFDiagCursor, CursorAt(pDialog.get(), {x - 2, y - 8}));
+        EXPECT_EQ(Qt::SizeBDiagCursor, CursorAt(pDialog.get(), {8, y - 2}));
         const QRect free = pDialog->rect().adjusted(SIZING_BAND, 0, -SIZING_BAND, -SIZING_BAND);
-        for (const auto &[p, seen] : Look()) {
+        for (const auto &[p, seen] : Look())
             EXPECT_TRUE(free.contains(seen.place)) << p->metaObject()->className() << f;
-        }
     }
     EXPECT_EQ(QSize(design.width() / 2, design.height() / 2), pDialog->minimumSize());
+    pDialog->setFixedWidth(pDialog->width());
+    EXPECT_EQ(Qt::ArrowCursor, CursorAt(pDialog.get(), {2, pDialog->height() / 2}));
+    EXPECT_EQ(Qt::SizeVerCursor, CursorAt(pDialog.get(), {8, pDialog->height() - 2}));
+}
+
+constexpr char SCALE[] = "DIALOG_SCALING_TEST_SCALE"; // of the screen
+
+TEST(DialogScalingScreens, AllOfItHoldsOnDenseScreens)
+{
+    if (qEnvironmentVariableIsSet(SCALE))
+        GTEST_SKIP() << "this is one of them";
+    for (const char *pszScale : {"1.5", "2"}) {
+        QProcess tests;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(SCALE, pszScale);
+        tests.setProcessEnvironment(environment);
+        tests.start(QCoreApplication::applicationFilePath(), {"--gtest_brief=1"});
+        EXPECT_TRUE(tests.waitForFinished(-1));
+        EXPECT_EQ(0, tests.exitCode()) << pszScale << tests.readAllStandardOutput().toStdString();
+    }
 }
 
 } // namespace
 
-// The arguments of the machine: at 150 and 200 per cent it is started again.
 int main(int argc, char **argv)
 {
-    return RunWindowTests(argc, argv, "1");
+    return RunWindowTests(argc, argv, qEnvironmentVariable(SCALE, "1").toUtf8());
 }
