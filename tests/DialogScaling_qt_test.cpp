@@ -8,17 +8,21 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenuBar>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSlider>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -48,6 +52,7 @@ class DialogScalingTest : public WindowTest {
         KeepPlaceWhenHidden(pHidden);
         pHidden->hide();
         pLayout->addWidget(pButton = new QPushButton("A button with a long text"));
+        pLayout->addWidget(new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel));
         EnableDialogScaling(pDialog.get());
         pDialog->show();
         design = pDialog->size();
@@ -237,6 +242,71 @@ TEST_F(DialogScalingTest, AControlPutIntoALayoutWhileStretchedMakesTheWindowGrow
     EXPECT_EQ(pButton->font(), pSub->findChild<QLineEdit *>()->font());
 }
 
+TEST_F(DialogScalingTest, APanelInAPanelThatScalesAsWellIsScaledOnce)
+{
+    Resize(2, 2);
+    auto *pSub = new QDialog(pDialog.get());
+    pSub->setWindowFlags(Qt::Widget);
+    auto *pInner = new QLineEdit("inside");
+    pInner->setFixedHeight(30);
+    (new QHBoxLayout(pSub))->addWidget(pInner);
+    EnableDialogScaling(pSub);
+    pSub->setGeometry(20, 20, 200, 120);
+    pSub->show();
+    EXPECT_EQ(QRect(20, 20, 200, 120), pSub->geometry());
+    EXPECT_EQ(60, pInner->height());
+    EXPECT_EQ(pButton->font(), pInner->font());
+    const Sight before = Look();
+    TakeDesignAgain(pDialog.get());
+    ExpectSame(before);
+    pDialog->resize(design);
+    EXPECT_EQ(QSize(100, 60), pSub->size());
+    EXPECT_EQ(30, pInner->height());
+}
+
+TEST_F(DialogScalingTest, WhatIsInAScrollAreaOrOnPagesIsLeftToThem)
+{
+    auto *pArea = new QScrollArea;
+    auto *pInside = new QPushButton("in a scroll area");
+    pArea->setWidget(pInside);
+    auto *pPages = new QTabWidget;
+    auto *pPage = new QWidget;
+    auto *pInner = new QLineEdit("on a page");
+    (new QVBoxLayout(pPage))->addWidget(pInner);
+    pPages->addTab(pPage, "Page");
+    QDialog dialog;
+    auto *pLayout = new QVBoxLayout(&dialog);
+    pLayout->addWidget(pArea);
+    pLayout->addWidget(pPages);
+    EnableDialogScaling(&dialog);
+    const QSize size = dialog.size();
+    const QFont font = pInside->font();
+    dialog.show();
+    const QRect inside = pInside->geometry();
+    dialog.resize(size * 2);
+    EXPECT_EQ(inside, pInside->geometry());
+    EXPECT_EQ(font, pInside->font());
+    EXPECT_GT(pPage->width(), size.width());
+    EXPECT_GT(pInner->width(), pPage->width() / 2);
+    EXPECT_EQ(2 * QFontInfo(font).pixelSize(), pInner->font().pixelSize());
+    dialog.resize(size);
+    EXPECT_EQ(font, pInner->font());
+}
+
+TEST_F(DialogScalingTest, AListKeepsTheFontThatItsUserChoseMeanwhile)
+{
+    QFont font = pList->font();
+    for (const f64 f : {1.0, 2.0}) {
+        Resize(f, f);
+        font.setPixelSize(RoundAway(17 * f));
+        pList->setFont(font);
+        Resize(1.5, 1.5);
+        EXPECT_EQ(font.pixelSize(), pList->font().pixelSize());
+        pDialog->resize(design);
+        EXPECT_EQ(font.pixelSize(), pList->font().pixelSize());
+    }
+}
+
 TEST_F(DialogScalingTest, AControlThatGoesLeavesTheOthersInPeace)
 {
     Sight before = Look();
@@ -300,6 +370,51 @@ TEST_F(DialogScalingTest, TakingTheDesignAgainWithoutAChangeChangesNothing)
         EXPECT_EQ(size, pDialog->size());
         ExpectSame(before);
     }
+}
+
+TEST_F(DialogScalingTest, AWindowThatIsRestyledStandsAsBefore)
+{
+    Resize(1.6, 1.3);
+    const Sight before = Look();
+    for (QWidget *p : pDialog->findChildren<QWidget *>())
+        QCoreApplication::sendEvent(p, std::make_unique<QEvent>(QEvent::StyleChange).get());
+    QCoreApplication::sendEvent(pDialog.get(), std::make_unique<QEvent>(QEvent::StyleChange).get());
+    QCoreApplication::processEvents();
+    ExpectSame(before);
+}
+
+TEST_F(DialogScalingTest, AMenuBarIsAsWideAsTheWindowAndNeverHigher)
+{
+    QWidget window;
+    auto *pLayout = new QVBoxLayout(&window);
+    auto *pBar = new QMenuBar;
+    pBar->addMenu("&File");
+    pLayout->setMenuBar(pBar);
+    auto *pChild = new QPushButton("child");
+    pLayout->addWidget(pChild);
+    window.setFixedWidth(300);
+    window.resize(300, 200);
+    EnableDialogScaling(&window);
+    window.show();
+    const int nBar = pBar->height();
+    const QRect place = pChild->geometry().translated(0, -nBar);
+    EXPECT_EQ(QRect(0, 0, 300, nBar), pBar->geometry());
+    window.resize(300, nBar + 2 * (200 - nBar));
+    EXPECT_EQ(QRect(0, 0, 300, nBar), pBar->geometry());
+    EXPECT_EQ(Scaled(place, {1, 2}).translated(0, nBar), pChild->geometry());
+    EXPECT_EQ(300, window.minimumWidth());
+    EXPECT_EQ(nBar + (200 - nBar) / 2, window.minimumHeight());
+}
+
+TEST_F(DialogScalingTest, AWindowOpensInTheSizeThatItHadLast)
+{
+    pDialog->hide();
+    Resize(2, 2);
+    pDialog->show();
+    EXPECT_EQ(2 * design, pDialog->size());
+    EXPECT_NEAR(2 * -ScaleInfoOf(pDialog.get())->lfDesign.lfHeight, pButton->font().pixelSize(), 1);
+    pDialog->resize(design);
+    EXPECT_EQ(QFontInfo(QApplication::font()).pixelSize(), QFontInfo(pButton->font()).pixelSize());
 }
 
 // What the pointer looks like there.

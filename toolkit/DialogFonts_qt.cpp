@@ -160,6 +160,8 @@ void SetGivenFont(QWidget *pControl, ControlRecord *pRecord, QFont font)
 {
     if (pRecord->bFontGiven && pControl->font() == font)
         return;
+    if (!pRecord->bFontGiven)
+        pRecord->OwnFont = pControl->testAttribute(Qt::WA_SetFont) ? pControl->font() : QFont();
     font.setResolveMask(QFont::AllPropertiesResolved);
     pControl->setFont(font);
     pRecord->GivenFont = pControl->font();
@@ -193,8 +195,6 @@ ScaledFont DesignFontOf(const QWidget *pWidget)
 
 void TakeFont(QWidget *pControl, ControlRecord *pRecord)
 {
-    if (!pRecord->bFontGiven)
-        pRecord->OwnFont = pControl->testAttribute(Qt::WA_SetFont) ? pControl->font() : QFont();
     const QFontMetrics metrics(pControl->font());
     const QString text = TextOn(pControl);
     const int nBeside = text.isEmpty() ? 0 : WidthBeside(pControl, TextWidth(pControl, text, metrics));

@@ -14,7 +14,7 @@ struct ControlRecord;
 
 ScaledFont DesignFontOf(const QWidget *pWidget);
 
-// The font that it was given and the room beside its text, while it stands at its design size.
+// The room that it has beside its text, while it stands at its design size with its own font.
 void TakeFont(QWidget *pControl, ControlRecord *pRecord);
 // It has the font again that it was given, unless somebody else has changed it meanwhile.
 void PutFontBack(QWidget *pControl, ControlRecord *pRecord);

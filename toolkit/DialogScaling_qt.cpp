@@ -66,6 +66,12 @@ bool StandsInPages(const QWidget *pControl, const QWidget *pDialog)
     return false;
 }
 
+// It is no control of another window that scales.
+bool ScalesAlone(const QWidget *pDialog)
+{
+    return BelongsTo(pDialog, pDialog);
+}
+
 // Somebody has given it a place: a layout, or its maker.
 bool HasPlace(const QWidget *pControl)
 {
@@ -122,6 +128,16 @@ void LimitWindow(QWidget *pDialog)
     pDialog->setMinimumSize(least);
 }
 
+// What no layout places stands at its design size too.
+void PutLooseControls(QWidget *pDialog)
+{
+    for (QWidget *pControl : DialogChildren(pDialog)) {
+        const int yTop = pControl->parentWidget() == pDialog ? ScaledTop(pDialog) : 0;
+        if (BelongsTo(pControl, pDialog) && RecordOf(pControl)->bPlaced && !StandsInLayout(pControl))
+            pControl->setGeometry(ToQRect(InfoOf(pControl).rcDesign).translated(0, yTop));
+    }
+}
+
 // Everything as the layouts want it becomes the design. The window may have any size meanwhile.
 QSize TakeDesign(QWidget *pDialog)
 {
@@ -130,6 +146,7 @@ QSize TakeDesign(QWidget *pDialog)
         PutBack(pControl);
     pRecord->Info.lfDesign = DesignFontOf(pDialog);
     const QSize size = AllowedSize(*pRecord, LargestAsked(pDialog, *pRecord));
+    PutLooseControls(pDialog);
     LayOut(pDialog, size);
     const WindowRect rcClient = {0, 0, size.width() - SIZING_BAND, size.height() - ScaledTop(pDialog) - SIZING_BAND};
     pRecord->Info.rcDesign = DialogDesignRect(rcClient);
@@ -143,12 +160,16 @@ void TakeLateControl(QWidget *pDialog, QWidget *pControl, const ScaleFactors &fa
     const WindowRect rcNow = RectOf(pControl->geometry().translated(ParentNow(pControl, pDialog)));
     const WindowRect rcWindow = InfoOf(pDialog).bRawChildRects ? rcNow : BringToDesign(rcNow, factors);
     const WindowRect rc = RectOf(ToQRect(rcWindow).translated(-ParentAtDesign(pControl, pDialog)));
-    if (PartOf(pControl) == DialogPart::Group) {
+    const bool bGroup = PartOf(pControl) == DialogPart::Group;
+    if (bGroup) {
+        for (QWidget *pChild : DialogChildren(pControl))
+            PutBack(pChild);
         pControl->resize(ToQRect(rc).size());
         LayOut(pControl, pControl->size());
-        TakeControls(pDialog, pControl);
     }
     TakeControl(pControl, pDialog, rc, true);
+    if (bGroup)
+        TakeControls(pDialog, pControl);
 }
 
 void TakeLateControls(QWidget *pDialog, const ScaleFactors &factors)
@@ -211,8 +232,8 @@ class Scaler : public QObject {
   public:
     explicit Scaler(QWidget *p) : QObject(p), pDialog(p)
     {
-        Watch();
     }
+    // Those that are there.
     void Watch()
     {
         pDialog->installEventFilter(this);
@@ -223,14 +244,18 @@ class Scaler : public QObject {
   protected:
     bool eventFilter(QObject *pObject, QEvent *pEvent) override
     {
-        if (!RecordOf(pDialog))
-            return false;
-        if (pEvent->type() == QEvent::ChildAdded)
+        switch (pEvent->type()) {
+        case QEvent::ChildAdded:
             WatchChild(static_cast<QChildEvent *>(pEvent)->child());
-        if (pObject == pDialog)
-            HearWindow(pEvent->type());
-        else if (pEvent->type() == QEvent::ShowToParent)
-            HearShown(static_cast<QWidget *>(pObject));
+            break;
+        case QEvent::ShowToParent:
+            if (pObject != pDialog && ScalesAlone(pDialog))
+                HearShown(static_cast<QWidget *>(pObject));
+            break;
+        default:
+            if (pObject == pDialog)
+                HearWindow(pEvent->type());
+        }
         return false;
     }
 
@@ -262,8 +287,9 @@ class Scaler : public QObject {
     // A group comes with all that is in it.
     void HearShown(QWidget *pControl)
     {
+        const QWidget *pParent = pControl->parentWidget();
         const bool bKnown = BelongsTo(pControl, pDialog) || PartOf(pControl) == DialogPart::None;
-        if (bKnown || !pDialog->isAncestorOf(pControl) || StandsInPages(pControl, pDialog))
+        if (bKnown || !BelongsTo(pParent, pDialog) || StandsInPages(pControl, pDialog))
             return;
         if (StandsInLayout(pControl))
             return TakeDesignAgain(pDialog);
@@ -327,13 +353,14 @@ void EnableDialogScaling(QWidget *pDialog)
     pRecord->Most = pDialog->maximumSize();
     if (pDialog->testAttribute(Qt::WA_Resized))
         pRecord->DesignAsked = pDialog->size();
-    if (pDialog->isWindow())
+    if (pDialog->isWindow() && !ScalerOf(pDialog))
         MakeBand(pDialog);
     pDialog->resize(TakeDesign(pDialog));
     LimitWindow(pDialog);
     PlaceMenuBar(pDialog);
     PlaceSizingBand(pDialog, ScaledTop(pDialog));
-    new Scaler(pDialog);
+    Scaler *pScaler = ScalerOf(pDialog); // from before it was released
+    (pScaler ? pScaler : new Scaler(pDialog))->Watch();
 }
 
 void KeepPlaceWhenHidden(QWidget *pControl)
@@ -362,7 +389,7 @@ void ScaleDialog(QWidget *pDialog)
 {
     ASSERT_MAIN_THREAD();
     ControlRecord *pRecord = RecordOf(pDialog);
-    if (!pRecord || pRecord->Info.bResizing)
+    if (!ScalesAlone(pDialog) || pRecord->Info.bResizing)
         return;
     PlaceMenuBar(pDialog);
     const bool bAtDesign = PlaceOf(pDialog, pDialog).size() == DesignSize(pDialog);
@@ -381,7 +408,7 @@ void TakeDesignAgain(QWidget *pDialog)
 {
     ASSERT_MAIN_THREAD();
     ControlRecord *pRecord = RecordOf(pDialog);
-    if (!pRecord || pRecord->Info.bResizing)
+    if (!ScalesAlone(pDialog) || pRecord->Info.bResizing)
         return;
     ScaleFactors factors;
     GetDialogScale(pDialog, &factors);
@@ -389,6 +416,7 @@ void TakeDesignAgain(QWidget *pDialog)
     pRecord->Info.bResizing = 1;
     pDialog->setUpdatesEnabled(false);
     PolishAll(pDialog);
+    TakeLateControls(pDialog, factors);
     TakeDesign(pDialog);
     LimitWindow(pDialog);
     const WindowRect rc = PlaceControl(pRecord->Info.rcDesign, factors, 0);
