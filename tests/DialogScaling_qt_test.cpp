@@ -2,7 +2,7 @@
 #include "toolkit/DialogScaling_qt.h"
 
 #include "tests/WindowFixture.h"
-#include "toolkit/DarkStyle_qt.h"
+#include "toolkit/SizingBand_qt.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>
@@ -178,7 +178,7 @@ TEST_F(DialogScalingTest, NoTextIsCutThatWasWholeAtTheDesignSize)
 {
     for (const ScaleFactors &wanted :
          {ScaleFactors{1, 1}, ScaleFactors{2, 2}, ScaleFactors{1, 3}, ScaleFactors{1.1f, 1.4f}, ScaleFactors{3, 1},
-          ScaleFactors{0.6f, 0.9f}, ScaleFactors{0.5f, 0.5f}}) {
+          ScaleFactors{0.8f, 1}, ScaleFactors{0.9f, 1.5f}, ScaleFactors{0.6f, 0.9f}, ScaleFactors{0.5f, 0.5f}}) {
         Resize(wanted.fScaleX, wanted.fScaleY);
         SCOPED_TRACE(testing::Message() << wanted.fScaleX << " " << wanted.fScaleY);
         EXPECT_LE(WidthOf(pButton->font(), pButton->text()), pButton->width());
@@ -262,6 +262,31 @@ TEST_F(DialogScalingTest, APanelInAPanelThatScalesAsWellIsScaledOnce)
     pDialog->resize(design);
     EXPECT_EQ(QSize(100, 60), pSub->size());
     EXPECT_EQ(30, pInner->height());
+}
+
+TEST_F(DialogScalingTest, DialogsInDialogsAreWalkedTwoDeep)
+{
+    QWidget window;
+    QWidget *pParent = &window;
+    std::vector<QWidget *> apPanel;
+    for (int i = 0; i < 4; i++) {
+        apPanel.push_back(new QDialog(pParent));
+        apPanel.back()->setWindowFlags(Qt::Widget);
+        (new QVBoxLayout(pParent))->addWidget(apPanel.back());
+        pParent = apPanel.back();
+    }
+    std::vector<QWidget *> apWalked;
+    const auto walk = [](QWidget *p, void *pv) -> u32 {
+        static_cast<std::vector<QWidget *> *>(pv)->push_back(p);
+        return 1;
+    };
+    EXPECT_EQ(1u, ForEachDialogChild(&window, walk, &apWalked, DIALOG_DEPTH));
+    apPanel.pop_back();
+    EXPECT_EQ(apPanel, apWalked);
+    const auto stop = [](QWidget *, void *pv) -> u32 { return --*static_cast<int *>(pv) > 0; };
+    int nLeft = 2;
+    EXPECT_EQ(0u, ForEachDialogChild(&window, stop, &nLeft, DIALOG_DEPTH));
+    EXPECT_EQ(0, nLeft);
 }
 
 TEST_F(DialogScalingTest, WhatIsInAScrollAreaOrOnPagesIsLeftToThem)
@@ -443,6 +468,15 @@ TEST_F(DialogScalingTest, TheBandIsFreeAndShowsWhatCanBeMoved)
             EXPECT_TRUE(free.contains(seen.place)) << p->metaObject()->className() << f;
     }
     EXPECT_EQ(QSize(design.width() / 2, design.height() / 2), pDialog->minimumSize());
+    QWidget *pTold = nullptr;
+    const auto hear = [](QWidget *pWindow, void *pv) { *static_cast<QWidget **>(pv) = pWindow; };
+    SizingBandListeners.Add(hear, &pTold);
+    QTest::mousePress(pDialog->childAt(2, 30), Qt::LeftButton);
+    EXPECT_EQ(pDialog.get(), pTold);
+    pTold = nullptr;
+    QTest::mousePress(pDialog->childAt(2, 30), Qt::RightButton);
+    SizingBandListeners.Remove(hear, &pTold);
+    EXPECT_EQ(nullptr, pTold);
     pDialog->setFixedWidth(pDialog->width());
     EXPECT_EQ(Qt::ArrowCursor, CursorAt(pDialog.get(), {2, pDialog->height() / 2}));
     EXPECT_EQ(Qt::SizeVerCursor, CursorAt(pDialog.get(), {8, pDialog->height() - 2}));

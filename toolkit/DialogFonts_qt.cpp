@@ -22,7 +22,7 @@
 
 namespace {
 
-constexpr i32 LEAST_READABLE = 6;               // where a window is smaller than its design
+constexpr i32 LEAST_READABLE = 6;               // where a window is narrower or lower than its design
 constexpr int MOST_BESIDE = 16, MOST_ABOVE = 4; // that a style needs around a text; what is more may get less
 constexpr int FIELD_EDGE = 8, GROUP_EDGE = 24;
 constexpr int LIST_ITEMS = 8;
@@ -216,14 +216,16 @@ QFont FitDialogFont(const QWidget *pDialog, const std::vector<QWidget *> &apCont
 {
     const SDScaleInfo &info = RecordOf(pDialog)->Info;
     const ScaledFont lf = ScaleFont(info.lfDesign, factors, info.rcDesign.bottom - info.rcDesign.top);
-    const i32 nWanted = LetterHeight(pDialog, lf), nDesign = -info.lfDesign.lfHeight;
+    const i32 nWanted = LetterHeight(pDialog, lf);
+    const bool bSmaller = factors.fScaleX < 1 || factors.fScaleY < 1;
     Fit fit = {pDialog->font(), {}};
     fit.Font.setWeight(QFont::Normal);
     fit.Font.setStretch(FontStretch(lf, info.lfDesign));
     fit.Font.setPixelSize(nWanted);
     fit.apTight = FindTight(pDialog, apControl, fit.Font);
     if (!fit.apTight.empty())
-        fit.Font.setPixelSize(FitFontHeight(nWanted, nWanted < nDesign ? LEAST_READABLE : nDesign, AllFit, &fit));
+        fit.Font.setPixelSize(
+            FitFontHeight(nWanted, bSmaller ? LEAST_READABLE : -info.lfDesign.lfHeight, AllFit, &fit));
     return fit.Font;
 }
 
