@@ -19,12 +19,14 @@
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QTest>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include <map>
 #include <memory>
@@ -210,6 +212,18 @@ TEST_F(DialogScalingTest, AHiddenControlIsInItsPlaceWhenItIsShown)
     EXPECT_EQ(2 * design, pDialog->size());
 }
 
+TEST_F(DialogScalingTest, WhatIsHiddenMeanwhileKeepsItsPlaceInADesignThatIsTakenAgain)
+{
+    const Sight before = Look();
+    Resize(2, 2);
+    pGroup->hide();
+    TakeDesignAgain(pDialog.get());
+    EXPECT_EQ(2 * design, pDialog->size());
+    pDialog->resize(design);
+    pGroup->show();
+    ExpectSame(before);
+}
+
 TEST_F(DialogScalingTest, AControlMadeWhileStretchedTakesItsPlaceAtOnce)
 {
     Resize(2, 2);
@@ -383,6 +397,23 @@ TEST_F(DialogScalingTest, AnotherFontOfTheUserGivesAnotherDesign)
     EXPECT_NEAR(large.height(), pDialog->height(), 2);
     QApplication::setFont(before);
     WaitFor([&] { return pDialog->size() == design; });
+}
+
+TEST_F(DialogScalingTest, AnotherScreenGivesAnotherDesign)
+{
+    QWindow *pWindow = pDialog->windowHandle();
+    const std::function<void()> aChange[] = {
+        [&] { emit pWindow->screenChanged(pWindow->screen()); },
+        [&] { emit pWindow->screen()->logicalDotsPerInchChanged(120); },
+    };
+    for (const auto &change : aChange) {
+        const int nBefore = pDialog->width();
+        pButton->setText(pButton->text() + pButton->text()); // whatever differs there
+        QCoreApplication::processEvents();
+        EXPECT_EQ(nBefore, pDialog->width());
+        change();
+        WaitFor([&] { return pDialog->width() > nBefore; });
+    }
 }
 
 TEST_F(DialogScalingTest, TakingTheDesignAgainWithoutAChangeChangesNothing)

@@ -236,6 +236,7 @@ void TakeControl(QWidget *pControl, QWidget *pTop, const WindowRect &rcDesign, b
     pRecord->bPlaced = bPlaced;
     if (!bPlaced)
         return;
+    KeepPlaceWhenHidden(pControl); // also when the design is taken again
     pControl->setMinimumSize(0, 0);
     pControl->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
 }
