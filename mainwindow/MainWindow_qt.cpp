@@ -14,6 +14,7 @@
 #include "state/Folders.h"
 #include "toolkit/CommandMenus_qt.h"
 #include "toolkit/Commands.h"
+#include "toolkit/DialogScaling_qt.h"
 #include "toolkit/FileChooser_qt.h"
 #include "toolkit/Icons_qt.h"
 #include "toolkit/QuestionBox_qt.h"
@@ -107,8 +108,10 @@ MainWindow::MainWindow(void (*pfn)()) : pfnExit(pfn)
     pLayout->addWidget(MakeToolButtons());
     pLayout->addWidget(pTreeView, 1);
     pLayout->addWidget(MakeStatusStrip());
-    setFixedWidth(std::max(FIRST_SIZE.width(), sizeHint().width()));
+    setFixedWidth(std::max(FIRST_SIZE.width(), sizeHint().width() + 2 * SIZING_BAND));
     resize(width(), FIRST_SIZE.height());
+    EnableDialogScaling(this);
+    ScaleInfoOf(this)->bRawChildRects = 1;
     ConnectTree();
     FollowPreset(Tree);
     BuildPresetTree(Tree, CurrentPreset());

@@ -6,6 +6,7 @@
 #include "platform/Files.h"
 #include "state/GlobalSettings.h"
 #include "toolkit/DialogPieces_qt.h"
+#include "toolkit/DialogScaling_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 #include "toolkit/WindowLayouts_qt.h"
 
@@ -92,6 +93,7 @@ RecordingDialog::RecordingDialog(QWidget *pParent) : QDialog(pParent)
     connect(pButtons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     Fill(CurrentRecordingChoice());
     ShowCheck();
+    EnableDialogScaling(this);
 }
 
 QWidget *RecordingDialog::MakeRecorderGroup()
@@ -138,6 +140,7 @@ QHBoxLayout *RecordingDialog::MakeDemoRow()
     pTrouble = new QLabel;
     pTrouble->setObjectName(QStringLiteral("trouble"));
     pCreate = new QPushButton(QStringLiteral("Create folder"));
+    KeepPlaceWhenHidden(pCreate);
     connect(pCreate, &QPushButton::clicked, this, [this] { CreateFolder(); });
     auto *pTroubleRow = new QHBoxLayout;
     pTroubleRow->addWidget(pTrouble, 1);

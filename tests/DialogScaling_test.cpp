@@ -58,6 +58,26 @@ TEST(DialogScaling, TheFontFollowsTheHeightAndIsSqueezedButNeverWidened)
     EXPECT_EQ(5, DesignFontWidth(-11));
 }
 
+TEST(DialogScaling, TheStretchIsWhatIsLeftOfTheDesignFontsProportions)
+{
+    for (i32 nHeight = 8; nHeight < 40; nHeight++) {
+        const ScaledFont lfDesign = {-nHeight, DesignFontWidth(nHeight), 0};
+        EXPECT_EQ(100, FontStretch(lfDesign, lfDesign)) << nHeight;
+        EXPECT_EQ(100, FontStretch(ScaleFont(lfDesign, {2, 1}, 205), lfDesign)) << "no width of its own";
+        EXPECT_EQ(50, FontStretch(ScaleFont(lfDesign, {1, 2}, 205), lfDesign)) << nHeight;
+        EXPECT_LE(FontStretch(ScaleFont(lfDesign, {1.3f, 1.3f}, 205), lfDesign), 100) << "never wider";
+    }
+    EXPECT_EQ(100, FontStretch({-11, 5, 0}, {}));
+}
+
+TEST(DialogScaling, AControlLeavesTheBandFreeAndOneInsideStaysWhereItIs)
+{
+    EXPECT_TRUE(Same(LeaveBandFree({5, 0, 115, 75}, 120, 80), {5, 0, 115, 75}));
+    EXPECT_TRUE(Same(LeaveBandFree({2, -3, 118, 79}, 120, 80), {5, -3, 115, 75}));
+    const WindowRect rc = LeaveBandFree({0, 0, 9, 9}, 4, 4); // no room at all
+    EXPECT_TRUE(rc.left <= rc.right && rc.top <= rc.bottom);
+}
+
 TEST(DialogScaling, AFontTallerThanItsWindowGetsFourFifthsOfIt)
 {
     const ScaledFont lf = ScaleFont({-30, 14, 0}, {1, 1}, 20);

@@ -8,6 +8,7 @@
 #include "tests/EngineFixture.h"
 #include "tests/TempFolder.h"
 #include "tests/WindowFixture.h"
+#include "toolkit/DialogScaling_qt.h"
 #include "toolkit/UIColors.h"
 
 #include <QFileDialog>
@@ -347,6 +348,26 @@ TEST_F(MainWindowTest, TheWheelTurnsTheTreeWhereverThePointerIs)
         EXPECT_GT(pBar->maximum(), 0);
         EXPECT_EQ(nDelta < 0 ? pBar->maximum() : 0, pBar->value());
     }
+}
+
+TEST_F(MainWindowTest, TheWindowScalesInHeightAloneAndAButtonThatComesLaterFindsRoom)
+{
+    const QSize design = pWindow->size();
+    const int nTree = pTree->height(), nMenu = pWindow->findChild<QMenuBar *>()->height();
+    const QFont font = pTree->font();
+    pWindow->resize(2 * design.width(), nMenu + 2 * (design.height() - nMenu));
+    EXPECT_EQ(design.width(), pWindow->width());
+    EXPECT_NEAR(2 * nTree, pTree->height(), 1);
+    EXPECT_EQ(font, pTree->font());
+    EXPECT_EQ(nMenu, pWindow->findChild<QMenuBar *>()->height());
+    EXPECT_EQ(1u, ScaleInfoOf(pWindow.get())->bRawChildRects);
+    const QToolButton *pBefore = Button("Save As"), *pBehind = Button("Shader Editor");
+    QToolButton *pUpdate = Button("Update Available");
+    pUpdate->show();
+    EXPECT_LE(pBefore->geometry().right(), pUpdate->x());
+    EXPECT_LE(pUpdate->geometry().right(), pBehind->x());
+    pWindow->resize(design);
+    EXPECT_EQ(nTree, pTree->height());
 }
 
 TEST_F(MainWindowTest, ANodesMenuRunsItsCommandsAndClosesWhenThePresetGoes)

@@ -83,6 +83,14 @@ ScaledFont ScaleFont(const ScaledFont &lfDesign, const ScaleFactors &factors, i3
     return lf;
 }
 
+i32 FontStretch(const ScaledFont &lf, const ScaledFont &lfDesign)
+{
+    const f64 fOwn = std::abs(1.0 * lf.lfHeight * lfDesign.lfWidth);
+    if (lf.lfWidth <= 0 || fOwn <= 0)
+        return 100;
+    return std::clamp(RoundAway(100.0 * lf.lfWidth * std::abs(lfDesign.lfHeight) / fOwn), 1, 100);
+}
+
 i32 FitFontHeight(i32 nWanted, i32 nLeast, bool (*pfnFits)(i32 nHeight, void *pvContext), void *pvContext)
 {
     i32 nFits = std::clamp(nLeast, 1, std::max(nWanted, 1));
@@ -92,6 +100,18 @@ i32 FitFontHeight(i32 nWanted, i32 nLeast, bool (*pfnFits)(i32 nHeight, void *pv
         (pfnFits(nTry, pvContext) ? nFits : nTooTall) = nTry;
     }
     return nFits;
+}
+
+WindowRect LeaveBandFree(const WindowRect &rc, i32 nWidth, i32 nHeight)
+{
+    const i32 xRight = std::max(nWidth - SIZING_BAND, SIZING_BAND), yBottom = std::max(nHeight - SIZING_BAND, 0);
+    return {std::clamp(rc.left, SIZING_BAND, xRight), std::min(rc.top, yBottom),
+            std::clamp(rc.right, SIZING_BAND, xRight), std::min(rc.bottom, yBottom)};
+}
+
+WindowRect LeastDialogRect(const WindowRect &rcDesign)
+{
+    return {0, 0, Width(rcDesign) / 2, Height(rcDesign) / 2};
 }
 
 SizingEdge HitSizingBand(i32 x, i32 y, i32 nWidth, i32 nHeight)

@@ -38,9 +38,17 @@ i32 DesignFontWidth(i32 lfHeight);
 // The one font of the dialog's controls. nDesignHeight is the height of the dialog's design rectangle.
 ScaledFont ScaleFont(const ScaledFont &lfDesign, const ScaleFactors &factors, i32 nDesignHeight);
 
+// Width of the letters in per cent of what the design font's proportions give them at that height; 100 at most.
+i32 FontStretch(const ScaledFont &lf, const ScaledFont &lfDesign);
+
 // The largest height from 1 to nWanted, which is at least 1, at which the text still fits; not below nLeast, the height
 // at the design size, unless nWanted is. pfnFits says so for one height, and that of every smaller one then too.
 i32 FitFontHeight(i32 nWanted, i32 nLeast, bool (*pfnFits)(i32 nHeight, void *pvContext), void *pvContext);
+
+// Where a control of a window of that size goes that would cover the sizing band.
+WindowRect LeaveBandFree(const WindowRect &rc, i32 nWidth, i32 nHeight);
+// The least size of a window that scales.
+WindowRect LeastDialogRect(const WindowRect &rcDesign);
 
 enum class SizingEdge : u32 { None, Left, Right, Top, Bottom, TopLeft, TopRight, BottomLeft, BottomRight };
 // What of the edge lies under a point of the client area, which is nWidth times nHeight; None: what would be there
