@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <limits>
-#include <new>
+#include <utility>
 
 std::u16string szPaletteFolder;
 u32 bInterpolatePalettes = 1;
@@ -19,6 +19,7 @@ namespace {
 constexpr std::string_view PALETTE_PARTS[] = {".pal", ".col"};
 constexpr char16_t OWN_PALETTES[] = u"%EXE_BASEFOLDER%\\Palettes";
 constexpr u32 NAMES_BETWEEN_LOOKS = 64; // at the clock
+constexpr size_t ROWS_SORTED_AT_ONCE = 4096;
 constexpr i32 NAME_PERCENT = 15, PALETTE_PERCENT = 85;
 
 std::u16string FolderPart(std::u16string_view path)
@@ -49,7 +50,7 @@ u32 AddRow(PaletteList *pList, u32 iFolder, std::string_view name)
 {
     if (pList->sNames.size() + name.size() > std::numeric_limits<u32>::max())
         return 0;
-    pList->rows.push_back({iFolder, static_cast<u32>(pList->sNames.size()), static_cast<u32>(name.size()), nullptr});
+    pList->rows.push_back({iFolder, static_cast<u32>(pList->sNames.size()), static_cast<u32>(name.size()), 0});
     pList->sNames += name;
     return 1;
 }
@@ -59,9 +60,11 @@ std::string_view NameOf(const PaletteList &list, const PaletteRow &row)
     return std::string_view(list.sNames).substr(row.iName, row.cbName);
 }
 
-// Appends the rows and leaves none behind.
+// Appends rows of which none was read, and leaves none behind.
 void MoveRows(PaletteList *pFrom, PaletteList *pTo)
 {
+    if (pTo->rows.empty())
+        return std::swap(*pFrom, *pTo);
     for (const PaletteRow &row : pFrom->rows)
         AddRow(pTo, FolderPlace(pTo, pFrom->folders[row.iFolder]), NameOf(*pFrom, row));
     EmptyPaletteList(pFrom);
@@ -138,17 +141,43 @@ PaletteWalk::~PaletteWalk()
 u32 PaletteWalk::Look(i64 nNanoseconds)
 {
     const i64 nStart = RealNanoseconds();
-    while (pWalk && RealNanoseconds() - nStart < nNanoseconds)
+    while (pWalk) {
         LookAtNames();
+        if (found.rows.size() - runs.back() >= ROWS_SORTED_AT_ONCE)
+            SortNewRows();
+        if (RealNanoseconds() - nStart >= nNanoseconds)
+            break;
+    }
     return pWalk != nullptr;
 }
 
 u32 PaletteWalk::Finish()
 {
-    std::ranges::sort(found.rows, {}, [this](const PaletteRow &row) { return NameOf(found, row); });
+    SortNewRows();
+    while (runs.size() > 2)
+        MergeLastRuns();
     const size_t nBefore = pTo->rows.size();
     MoveRows(&found, pTo);
     return static_cast<u32>(pTo->rows.size() - nBefore);
+}
+
+// Sorts while it walks: a run of rows is merged with the one before it when it is as long, so none is merged often.
+void PaletteWalk::SortNewRows()
+{
+    const auto nameOf = [this](const PaletteRow &row) { return NameOf(found, row); };
+    std::ranges::sort(found.rows.begin() + static_cast<i64>(runs.back()), found.rows.end(), {}, nameOf);
+    runs.push_back(found.rows.size());
+    const auto length = [this](i64 iFromLast) { return runs.end()[-iFromLast] - runs.end()[-iFromLast - 1]; };
+    while (runs.size() > 2 && length(1) >= length(2))
+        MergeLastRuns();
+}
+
+void PaletteWalk::MergeLastRuns()
+{
+    const auto place = [this](i64 iFromLast) { return found.rows.begin() + static_cast<i64>(runs.end()[-iFromLast]); };
+    std::ranges::inplace_merge(place(3), place(2), place(1), {},
+                               [this](const PaletteRow &row) { return NameOf(found, row); });
+    runs.erase(runs.end() - 2);
 }
 
 void PaletteWalk::LookAtNames()
@@ -178,15 +207,17 @@ std::u16string PalettePath(const PaletteList &list, u32 iRow)
 const PaletteEntry *ReadPaletteRow(PaletteList *pList, u32 iRow)
 {
     PaletteRow &row = pList->rows[iRow];
-    if (row.pEntry)
-        return row.pEntry.get();
+    if (row.nEntry)
+        return pList->entries[row.nEntry - 1].get();
     // Asked first: a file that is gone costs a search of its folder for another case, and opening a device can wake it.
     const std::u16string path = PalettePath(*pList, iRow);
     PaletteEntry entry = {};
-    if (QueryFile(path, nullptr) == FileKind::Regular &&
-        ReadPaletteFile(path, &entry.nColors, entry.abRed, entry.abGreen, entry.abBlue) && entry.nColors > 0)
-        row.pEntry.reset(new (std::nothrow) PaletteEntry(entry));
-    return row.pEntry.get();
+    if (QueryFile(path, nullptr) != FileKind::Regular ||
+        !ReadPaletteFile(path, &entry.nColors, entry.abRed, entry.abGreen, entry.abBlue) || entry.nColors <= 0)
+        return nullptr;
+    pList->entries.push_back(std::make_unique<PaletteEntry>(entry));
+    row.nEntry = static_cast<u32>(pList->entries.size());
+    return pList->entries.back().get();
 }
 
 std::vector<u32> PaletteStrip(PaletteList *pList, u32 iRow)

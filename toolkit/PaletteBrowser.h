@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 struct FolderWalk;
@@ -24,13 +25,15 @@ struct PaletteRow {
     u32 iFolder; // place in PaletteList::folders
     u32 iName;   // place in PaletteList::sNames
     u32 cbName;
-    std::unique_ptr<PaletteEntry> pEntry; // null: not read yet, or it could not be
+    u32 nEntry; // counted from 1 in PaletteList::entries; 0: not read yet, or it could not be
 };
+static_assert(std::is_trivially_copyable_v<PaletteRow>);
 
 struct PaletteList {
     std::vector<PaletteRow> rows;
     std::string sNames; // UTF-8, one behind the other
     std::vector<std::u16string> folders;
+    std::vector<std::unique_ptr<PaletteEntry>> entries;
 };
 
 extern std::u16string szPaletteFolder; // the folder shown last; stays for the run. [main-thread]
@@ -64,10 +67,13 @@ class PaletteWalk {
 
   private:
     void LookAtNames();
+    void SortNewRows();
+    void MergeLastRuns();
 
     PaletteList *const pTo;
     PaletteList found;
-    FolderWalk *pWalk; // null: all names were seen
+    std::vector<size_t> runs = {0}; // where sorted runs of found.rows end, behind the 0 before the first
+    FolderWalk *pWalk;              // null: all names were seen
 };
 
 // Name and extension, and the full path. [main-thread]

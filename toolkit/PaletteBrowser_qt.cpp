@@ -18,6 +18,7 @@
 #include <QItemSelectionModel>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -29,7 +30,7 @@
 
 namespace {
 
-constexpr QSize FIRST_SIZE(900, 560);
+constexpr QSize FIRST_SIZE(900, 560);                      // less on a small screen
 constexpr int BESIDE_LIST_LEFT = 2, BESIDE_LIST_RIGHT = 1; // three in all
 constexpr int STATUS_PAD = 40;                             // the grip in the corner and the space around the text
 constexpr i64 FIRST_STEP_NS = 20000000;                    // usual folders are through by then
@@ -87,7 +88,7 @@ PaletteBrowser::PaletteBrowser(QWidget *pOwner, const PaletteBrowserParms &parms
     pLayout->addLayout(MakeButtons());
     pLayout->addLayout(MakeList(), 1);
     pLayout->addWidget(pStatus);
-    resize(FIRST_SIZE);
+    resize(FIRST_SIZE.boundedTo(screen()->availableSize() * 9 / 10));
     connect(&WalkTimer, &QTimer::timeout, this, [this] { StepWalk(STEP_NS); });
     if (FolderExists(Parms.lpszFolder))
         ListFolder(Parms.lpszFolder);
