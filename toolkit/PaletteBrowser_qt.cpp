@@ -56,6 +56,7 @@ class PaletteBrowser : public QDialog {
     void SetSelectionButton();
     void ShowFolder();
     void FitFolder();
+    template <typename Fn> void ChangeRows(Fn change);
     void ListFolder(const std::u16string &folder);
     void ListFiles(const std::vector<std::u16string> &paths);
     void StepWalk(i64 nNanoseconds);
@@ -85,6 +86,7 @@ PaletteBrowser::PaletteBrowser(QWidget *pOwner, const PaletteBrowserParms &parms
     pStatus = new QStatusBar;
     auto *pLayout = new QVBoxLayout(this);
     pLayout->setContentsMargins(0, 0, 0, 0);
+    pLayout->setSpacing(0);
     pLayout->addLayout(MakeButtons());
     pLayout->addLayout(MakeList(), 1);
     pLayout->addWidget(pStatus);
@@ -113,8 +115,8 @@ QLayout *PaletteBrowser::MakeButtons()
     auto *pCancel = new QPushButton(QStringLiteral("&Cancel"));
     connect(pCancel, &QPushButton::clicked, this, &QDialog::reject);
     auto *pLayout = new QHBoxLayout;
-    const QMargins usual = style()->pixelMetric(QStyle::PM_LayoutLeftMargin) * QMargins(1, 1, 1, 0);
-    pLayout->setContentsMargins(usual);
+    const int nMargin = style()->pixelMetric(QStyle::PM_LayoutLeftMargin);
+    pLayout->setContentsMargins(nMargin, nMargin, nMargin, nMargin / 2);
     pLayout->addWidget(pInterpolate);
     pLayout->addWidget(pSelect);
     pLayout->addStretch(1);
@@ -148,6 +150,7 @@ void PaletteBrowser::ShowFolder()
     AddToolTip(pStatus, folder);
     pStatus->setAccessibleName(folder);
     FitFolder();
+    pView->setFocus(); // next comes a choice
 }
 
 // The end of a long path says more than its middle.
@@ -157,10 +160,17 @@ void PaletteBrowser::FitFolder()
     pStatus->showMessage(pStatus->fontMetrics().elidedText(pStatus->accessibleName(), Qt::ElideMiddle, nWidth));
 }
 
+// Keys start at the first row.
+template <typename Fn> void PaletteBrowser::ChangeRows(Fn change)
+{
+    pRows->Change(change);
+    pView->selectionModel()->setCurrentIndex(pRows->index(0, PALETTE_COLUMN_NAME), QItemSelectionModel::NoUpdate);
+}
+
 void PaletteBrowser::ListFolder(const std::u16string &folder)
 {
     szPaletteFolder = folder;
-    pRows->Change([this] { EmptyPaletteList(&Palettes); });
+    ChangeRows([this] { EmptyPaletteList(&Palettes); });
     ShowFolder();
     setCursor(Qt::WaitCursor);
     pWalk = std::make_unique<PaletteWalk>(&Palettes);
@@ -173,7 +183,7 @@ void PaletteBrowser::StepWalk(i64 nNanoseconds)
         WalkTimer.start(0);
         return;
     }
-    pRows->Change([this] { pWalk->Finish(); });
+    ChangeRows([this] { pWalk->Finish(); });
     EndWalk();
 }
 
@@ -187,7 +197,7 @@ void PaletteBrowser::EndWalk()
 void PaletteBrowser::ListFiles(const std::vector<std::u16string> &paths)
 {
     EndWalk();
-    pRows->Change([&] { ListPaletteFiles(&Palettes, paths); });
+    ChangeRows([&] { ListPaletteFiles(&Palettes, paths); });
     ShowFolder();
 }
 
