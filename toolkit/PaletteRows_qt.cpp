@@ -1,6 +1,7 @@
 // PaletteRows_qt.cpp -- the list of the palette browser: a model over its rows, and the view that paints their strips
 #include "toolkit/PaletteRows_qt.h"
 
+#include "platform/VectorState.h"
 #include "toolkit/Commands.h"
 #include "toolkit/DialogPieces_qt.h"
 #include "toolkit/PaletteBrowser.h"
@@ -43,6 +44,7 @@ class StripDelegate : public QStyledItemDelegate {
             return QStyledItemDelegate::paint(pPainter, option, index);
         option.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &option, pPainter, option.widget);
         PaletteList *pList = static_cast<const PaletteRows *>(index.model())->List();
+        ClearVectorState(); // much arithmetic between two strokes of the painter
         DrawStrip(pPainter, option.rect, PaletteStrip(pList, static_cast<u32>(index.row())));
     }
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
