@@ -117,6 +117,7 @@ QLayout *PaletteBrowser::MakeButtons()
     auto *pLayout = new QHBoxLayout;
     const int nMargin = style()->pixelMetric(QStyle::PM_LayoutLeftMargin);
     pLayout->setContentsMargins(nMargin, nMargin, nMargin, nMargin / 2);
+    pLayout->setSpacing(style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing));
     pLayout->addWidget(pInterpolate);
     pLayout->addWidget(pSelect);
     pLayout->addStretch(1);
