@@ -148,6 +148,33 @@ u32 ListFolder(std::u16string_view folder, std::string_view suffix, u32 bFacts, 
     return 1;
 }
 
+struct FolderWalk {
+    DIR *pDir;
+};
+
+FolderWalk *OpenFolderWalk(std::u16string_view folder)
+{
+    DIR *pDir = opendir(ToUtf8(folder).c_str());
+    return pDir ? new FolderWalk{pDir} : nullptr;
+}
+
+void CloseFolderWalk(FolderWalk *pWalk)
+{
+    if (pWalk)
+        closedir(pWalk->pDir);
+    delete pWalk;
+}
+
+std::string_view NextName(FolderWalk *pWalk)
+{
+    while (const dirent *pEntry = readdir(pWalk->pDir)) {
+        const std::string_view name = pEntry->d_name;
+        if (name != "." && name != ".." && OpensAgain(name))
+            return name;
+    }
+    return {};
+}
+
 OpenedFolder OpenFolder(std::u16string_view folder)
 {
     return {std::u16string(folder), open(ToUtf8(folder).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};

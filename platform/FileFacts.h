@@ -41,6 +41,14 @@ struct FolderListing {
 // only, and their facts, which takes a query each. 0 when the folder cannot be read. [any-thread]
 u32 ListFolder(std::u16string_view folder, std::string_view suffix, u32 bFacts, FolderListing *pListing);
 
+// Walks through a folder name by name, so that a walk through a huge one can rest in between. Opaque; null means none.
+struct FolderWalk;
+FolderWalk *OpenFolderWalk(std::u16string_view folder); // null when the folder cannot be read
+void CloseFolderWalk(FolderWalk *pWalk);                // null is fine
+// The next name in the order of the disk, valid until the call after it; empty: there are no more. Names of all kinds,
+// folders and pipes too, but no name that could not be opened again from its UTF-16 form.
+std::string_view NextName(FolderWalk *pWalk);
+
 // A buffer that one thread reads file after file into.
 constexpr u64 READ_SLACK = 128; // zero bytes behind the contents: a search may look ahead
 struct ReadBuffer {

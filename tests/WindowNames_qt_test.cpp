@@ -4,6 +4,7 @@
 #include "output/RecordingDialog_qt.h"
 #include "output/VisualsWindow_qt.h"
 #include "tests/WindowFixture.h"
+#include "toolkit/PaletteBrowser_qt.h"
 #include "toolkit/QuestionBox_qt.h"
 
 #include <QAccessible>
@@ -24,6 +25,7 @@ constexpr WindowRow asWindow[] = {
     {"main window", [](QWidget *) -> QWidget * { return new MainWindow([] {}); }},
     {"visuals window", [](QWidget *) -> QWidget * { return new VisualsWindow([] {}); }},
     {"recording dialog", [](QWidget *pOwner) { return static_cast<QWidget *>(RecordingDialogKind.pfnMake(pOwner)); }},
+    {"palette browser", [](QWidget *pOwner) -> QWidget * { return BrowsePalettes(pOwner, u"/", [](const auto &) {}); }},
     {"question",
      [](QWidget *pOwner) -> QWidget * {
          bPresetChanged = 1;

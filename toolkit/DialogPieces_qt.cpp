@@ -1,15 +1,16 @@
 // DialogPieces_qt.cpp -- the small parts that dialogs and panels are made of
 #include "toolkit/DialogPieces_qt.h"
 
+#include "toolkit/FileChooser_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QDir>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
@@ -64,16 +65,13 @@ class FontZoom : public QObject {
 
 void PickFolder(QLineEdit *pLine, const QString &prompt, const std::function<void()> &picked)
 {
-    auto *pPicker = new QFileDialog(pLine->window(), prompt, pLine->text());
-    pPicker->setAttribute(Qt::WA_DeleteOnClose);
-    KeepFramesUnder(pPicker);
-    pPicker->setFileMode(QFileDialog::Directory);
-    pPicker->setOption(QFileDialog::ShowDirsOnly);
-    QObject::connect(pPicker, &QFileDialog::fileSelected, pLine, [pLine, picked](const QString &path) {
-        pLine->setText(QDir::toNativeSeparators(path));
-        picked();
-    });
-    pPicker->open();
+    AskForFolder(pLine->window(), prompt.toStdU16String(), pLine->text().toStdU16String(),
+                 [line = QPointer(pLine), picked](const std::u16string &path) {
+                     if (!line)
+                         return;
+                     line->setText(QDir::toNativeSeparators(QString::fromStdU16String(path)));
+                     picked();
+                 });
 }
 
 } // namespace

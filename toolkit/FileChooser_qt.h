@@ -1,10 +1,11 @@
-// FileChooser_qt.h -- the routine that asks for a file to open or to save
+// FileChooser_qt.h -- the routines that ask for a file to open or to save, for many files or for a folder
 #pragma once
 
 #include <QDialog>
 
 #include <functional>
 #include <string>
+#include <vector>
 
 class QWidget;
 
@@ -20,3 +21,9 @@ struct FileQuestion {
 // full path; cancelling calls nothing. The dialog is returned so that the caller may close it. [main-thread]
 QDialog *AskForFile(QWidget *pParent, const FileQuestion &question,
                     std::function<void(const std::u16string &path)> pfnChosen);
+
+// The same for files to open, one or many, and for a folder; a question's bSave means nothing here. [main-thread]
+QDialog *AskForFiles(QWidget *pParent, const FileQuestion &question,
+                     std::function<void(const std::vector<std::u16string> &paths)> pfnChosen);
+QDialog *AskForFolder(QWidget *pParent, const std::u16string &sTitle, const std::u16string &sFolder,
+                      std::function<void(const std::u16string &path)> pfnChosen);

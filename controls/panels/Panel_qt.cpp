@@ -3,6 +3,7 @@
 
 #include "editing/TreePlaces.h"
 #include "editing/TreeTexts.h"
+#include "toolkit/DialogScaling_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QCheckBox>
@@ -83,6 +84,7 @@ void Panel::Finish(QLayout *pContent, Pin ePin)
         });
     }
     Refresh();
+    EnableDialogScaling(this);
 }
 
 QPlainTextEdit *Panel::MakeDescriptionBox()
