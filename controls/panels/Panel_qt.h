@@ -31,6 +31,27 @@ class Panel : public QWidget {
     // The node is about to be deleted: the panel goes without taking over what is being typed.
     void NodeGoes();
 
+    // What the panel and its sub-panels see and do. Null where the node is gone or stands for something else.
+    const ControlRecord *Control() const;
+    const ModuleSlot *Slot() const;
+    const PlaneState *Plane() const;
+    EditPlace Place() const; // kind None: the node is gone
+    bool IsFilling() const
+    {
+        return bFilling;
+    }
+
+    // Edits of the node's record. Refused while the panel is being filled and when the node is gone.
+    EditResult Write(FieldWrite write);
+    EditResult Write(std::vector<FieldWrite> writes);
+    // The same for an edit of another kind. The panel may have lost its node afterwards.
+    EditResult Run(const PresetEdit &edit);
+    void Command(TreeCommand eCommand, u32 dwArgument = 0);
+    // A drag of one or more fields is one edit. Ended by the end of the panel too.
+    void BeginFieldDrag();
+    EditResult DragFields(std::vector<FieldWrite> writes);
+    void EndFieldDrag();
+
     void (*pfnActivated)(TreeNode *pNode, void *pv) = nullptr; // the panel became the active window
     void *pvHost = nullptr;
 
@@ -53,27 +74,6 @@ class Panel : public QWidget {
     void Finish(QLayout *pContent, Pin ePin = Pin::Yes);
     // A read-only box with the description of the node's control.
     QPlainTextEdit *MakeDescriptionBox();
-
-    // Null where the node is gone or stands for something else.
-    const ControlRecord *Control() const;
-    const ModuleSlot *Slot() const;
-    const PlaneState *Plane() const;
-    EditPlace Place() const; // kind None: the node is gone
-    bool IsFilling() const
-    {
-        return bFilling;
-    }
-
-    // Edits of the node's record. Refused while the panel is being filled and when the node is gone.
-    EditResult Write(FieldWrite write);
-    EditResult Write(std::vector<FieldWrite> writes);
-    // The same for an edit of another kind. The panel may have lost its node afterwards.
-    EditResult Run(const PresetEdit &edit);
-    void Command(TreeCommand eCommand, u32 dwArgument = 0);
-    // A drag of one or more fields is one edit. Ended by the end of the panel too.
-    void BeginFieldDrag();
-    EditResult DragFields(std::vector<FieldWrite> writes);
-    void EndFieldDrag();
 
     void showEvent(QShowEvent *pEvent) override;
     void hideEvent(QHideEvent *pEvent) override;
