@@ -61,6 +61,20 @@ size_t AsciiRun(std::string_view text)
     return i;
 }
 
+// The same, four characters at a time.
+size_t AsciiRun(std::u16string_view text)
+{
+    size_t i = 0;
+    for (u64 qw = 0; i + sizeof qw / sizeof(char16_t) <= text.size(); i += sizeof qw / sizeof(char16_t)) {
+        std::memcpy(&qw, text.data() + i, sizeof qw);
+        if (qw & 0xFF80FF80FF80FF80u)
+            break;
+    }
+    while (i < text.size() && text[i] < 0x80)
+        i++;
+    return i;
+}
+
 void AppendUtf8(std::string *ps, char32_t ch)
 {
     const auto add = [&](char32_t b) { ps->push_back(static_cast<char>(b)); };
@@ -136,6 +150,11 @@ std::string ToUtf8(std::u16string_view text)
     std::string s;
     s.reserve(text.size());
     for (size_t i = 0; i < text.size(); i++) {
+        const size_t cchAscii = AsciiRun(text.substr(i));
+        s.append(text.data() + i, text.data() + i + cchAscii);
+        i += cchAscii;
+        if (i == text.size())
+            break;
         char32_t ch = text[i];
         const bool bHigh = ch >= 0xD800 && ch <= 0xDBFF;
         if (bHigh && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF)
