@@ -2,6 +2,7 @@
 #include "editing/PresetTreeView_qt.h"
 
 #include "editing/TreeColors.h"
+#include "editing/TreeMenu_qt.h"
 #include "editing/TreeTexts.h"
 #include "tests/TreeFixture.h"
 #include "tests/WindowFixture.h"
@@ -9,6 +10,9 @@
 
 #include <QAbstractItemModelTester>
 #include <QAccessible>
+#include <QClipboard>
+#include <QMenu>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTest>
 #include <QWindow>
@@ -234,6 +238,7 @@ TEST_F(TreeView, ABranchClosesAndOpensByKeysAndItsNodeStaysSelected)
 {
     TreeNode *pPlane = NthPlaneNode(tree, 0);
     pView->SelectNode(pPlane);
+    QApplication::clipboard()->setText(QStringLiteral("a fragment"));
     Key(Qt::Key_X, Qt::ControlModifier);
     CheckRows();
     for (const TreeNode *pNode : AllNodes(pPlane))
@@ -248,6 +253,52 @@ TEST_F(TreeView, ABranchClosesAndOpensByKeysAndItsNodeStaysSelected)
     EXPECT_TRUE(pPlane->bExpanded && Shown()[3] == pPlane->apChild[0]);
     Key(Qt::Key_Left);
     EXPECT_FALSE(pPlane->bExpanded) << "the toolkit's own keys arrive in the tree";
+    EXPECT_EQ("a fragment", QApplication::clipboard()->text());
+    Key(Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(std::vector<TreeNode *>{pPlane}, apMenu);
+}
+
+TEST_F(TreeView, AClickThatSelectsAndADoubleClickOrEnterAskForPanels)
+{
+    std::vector<std::pair<TreeNode *, TreeNode *>> clicks, none;
+    std::vector<TreeNode *> brought;
+    pView->pfnClicked = [&](TreeNode *pNode, TreeNode *pOld) { clicks.push_back({pNode, pOld}); };
+    pView->pfnBring = [&](TreeNode *pNode) { brought.push_back(pNode); };
+    TreeNode *pPlane = NthPlaneNode(tree, 0), *pBranch = tree.pRoot->apChild[0];
+    pView->SelectNode(pBranch);
+    Key(Qt::Key_Down);
+    EXPECT_TRUE(pView->SelectedNode() == pPlane && clicks == none) << "a selection by key opens nothing";
+    Click(Qt::LeftButton, PlaceOf(pBranch));
+    Click(Qt::LeftButton, PlaceOf(pBranch));
+    clicks.resize(1); // the toolkit may take the two for a double click
+    EXPECT_EQ(clicks[0], std::pair(pBranch, pPlane));
+    Click(Qt::LeftButton, PlaceOf(pPlane));
+    brought.clear();
+    QTest::mouseDClick(pView->viewport(), Qt::LeftButton, {}, PlaceOf(pPlane));
+    EXPECT_EQ(std::vector<TreeNode *>{pPlane}, brought);
+    EXPECT_FALSE(pPlane->bExpanded);
+    QTest::mouseDClick(pView->viewport(), Qt::RightButton, {}, PlaceOf(pPlane));
+    EXPECT_EQ(1u, brought.size());
+    EXPECT_FALSE(pPlane->bExpanded);
+    pView->SelectNode(pBranch);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(pBranch, brought.back());
+}
+
+TEST_F(TreeView, AMenuClosesWhenItsNodeGoesAndStaysWhenAnotherDoes)
+{
+    u32 nRuns = 0;
+    const QPointer<QMenu> pMenu =
+        MakeTreeMenu(&tree, NthPlaneNode(tree, 0), pView.get(), [&](TreeNode *, TreeCommand, u32) { nRuns++; });
+    pMenu->popup(QPoint(10, 10));
+    DeleteNode(tree, NthPlaneNode(tree, 1));
+    EXPECT_TRUE(pMenu->isVisible());
+    QAction *pRemove = pMenu->actions().first();
+    BuildPresetTree(tree, nullptr);
+    EXPECT_FALSE(pMenu && pMenu->isVisible());
+    if (pMenu)
+        pRemove->trigger();
+    EXPECT_EQ(nRuns, 0u);
 }
 
 TEST_F(TreeView, TheSelectedNodeIsAlwaysOneThatIsShown)
