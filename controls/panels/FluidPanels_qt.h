@@ -24,6 +24,7 @@ class FluidPanels : public QWidget {
 
   private:
     void Make();
+    FluidPanel *Wanted();
 
     Panel *pPanel;
     FluidPanel *apSub[FLUID_PANELS] = {}; // null: not made yet
