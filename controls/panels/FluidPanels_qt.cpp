@@ -197,6 +197,7 @@ void FluidPanels::ShowSource()
         pWanted->show();
     }
     pShown = pWanted;
+    updateGeometry(); // a layout that rests does not pass it on
     TakeDesignAgain(window());
 }
 
