@@ -158,8 +158,12 @@ TEST_F(FluidPanelsTest, TheWindowGrowsAndShrinksWithTheSourceAtAnySize)
         Open(pctl);
         pPanel->resize(pPanel->size() * fScale);
         const QSize size = pPanel->size();
-        for (const u32 dwSource : {FLUIDSOURCE_WAVE, FLUIDSOURCE_SOUND}) {
+        QSize grown;
+        for (const u32 dwSource : {FLUIDSOURCE_WAVE, FLUIDSOURCE_SOUND, FLUIDSOURCE_PERIODIC}) {
             pPanel->Choose(dwSource);
+            grown = grown.isValid() ? grown : pPanel->size();
+            EXPECT_NEAR(grown.width(), pPanel->width(), 2) << "all take the same room";
+            EXPECT_NEAR(grown.height(), pPanel->height(), 2);
             EXPECT_GT(pPanel->height(), size.height() + static_cast<int>(60 * fScale)) << fScale;
             EXPECT_EQ(pPanel->pFluid->width(), pPanel->findChild<QGroupBox *>()->parentWidget()->width());
             pPanel->Choose(FLUIDSOURCE_FIXED);
