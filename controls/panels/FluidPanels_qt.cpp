@@ -152,17 +152,21 @@ FluidPanels::FluidPanels(Panel *p) : QWidget(p), pPanel(p)
     pLayout->setContentsMargins(0, 0, 0, 0);
 }
 
+// All of one size, so that only the step from none to one moves the window's edge. Measured while they have no parent
+// yet, whose font may be a scaled one.
 void FluidPanels::Make()
 {
     VD_ASSERT(ControlSupportsFluidSources(pPanel->Control()));
-    TVObjectInfo &Info = pPanel->Node()->Info;
-    int i = 0;
-    for (const FluidSetting &setting : FluidSettings()) {
-        auto *pSub = new FluidPanel(pPanel, setting);
+    QSize size;
+    for (int i = 0; i < FLUID_PANELS; i++) {
+        apSub[i] = new FluidPanel(pPanel, FluidSettings()[static_cast<size_t>(i)]);
+        size = size.expandedTo(apSub[i]->sizeHint());
+    }
+    for (FluidPanel *pSub : apSub) {
+        pSub->setMinimumSize(size);
         pSub->setParent(this);
         pSub->hide();
-        Info.*setting.phPanel = pSub;
-        apSub[i++] = pSub;
+        pPanel->Node()->Info.*(pSub->Setting.phPanel) = pSub;
     }
 }
 
@@ -197,6 +201,7 @@ void FluidPanels::ShowSource()
         pWanted->show();
     }
     pShown = pWanted;
+    updateGeometry(); // a layout that rests does not pass it on
     TakeDesignAgain(window());
 }
 
