@@ -134,6 +134,7 @@ class ColorWindow : public QWidget {
 ColorWindow::ColorWindow(QWidget *pOwner) : QWidget(pOwner, Qt::Dialog)
 {
     setWindowTitle(QStringLiteral("Color Palettes"));
+    setAttribute(Qt::WA_ShowWithoutActivating); // read when PutBeside makes the window system's part
     KeepFramesUnder(this);
     auto *pLayout = new QVBoxLayout(this);
     pLayout->addWidget(pStrips, 1);
