@@ -17,22 +17,23 @@ namespace {
 struct PanelRow {
     PanelKind eKind;
     Panel *(*pfnMake)(TreeNode *pNode, QWidget *pOwner); // null: no panel
+    const char16_t *pszWindow = nullptr;                 // what opens instead, in the table of windows; null: nothing
 };
 
 constexpr PanelRow asPanel[] = {
     {PanelKind::None, nullptr},
     {PanelKind::Unknown, MakeUnknownPanel},
     {PanelKind::Description, MakeDescriptionPanel},
-    {PanelKind::Number, nullptr},
-    {PanelKind::Boolean, nullptr},
-    {PanelKind::Item, nullptr},
+    {PanelKind::Number, MakeNumberPanel},
+    {PanelKind::Boolean, MakeBooleanPanel},
+    {PanelKind::Item, MakeItemPanel},
     {PanelKind::Tile, nullptr},
     {PanelKind::FileSelect, nullptr},
     {PanelKind::Module, nullptr},
     {PanelKind::Plane, nullptr},
     {PanelKind::Planes, nullptr},
     {PanelKind::ModuleList, nullptr},
-    {PanelKind::Colors, nullptr},
+    {PanelKind::Colors, nullptr, PALETTE_WINDOW},
     {PanelKind::Mixer, nullptr},
 };
 static_assert(std::size(asPanel) == static_cast<size_t>(PanelKind::Count));
@@ -65,20 +66,6 @@ bool PointerIsOver(const QWidget *pOwner)
     return pUnder && pUnder->window() == pOwner;
 }
 
-void PutBeside(QWidget *pPanel, QWidget *pOwner)
-{
-    pPanel->adjustSize();
-    if (!PointerIsOver(pOwner))
-        return;
-    const QSizeF size = QSizeF(pPanel->size()) * pOwner->devicePixelRatioF();
-    const QMargins frame = FrameExtents(pPanel);
-    const PanelPlace place = {RectOf(FrameRectOf(pOwner)), RectOf(WorkAreaOf(pOwner)),
-                              static_cast<i32>(size.width()) + frame.left() + frame.right(),
-                              static_cast<i32>(size.height()) + frame.top() + frame.bottom(), PointerHeight(pOwner)};
-    const WindowRect rc = PlacePanel(place);
-    SetFrameRect(pPanel, QRect(rc.left, rc.top, rc.right - rc.left, rc.bottom - rc.top));
-}
-
 void CloseAll(TreeNode *pNode)
 {
     if (Panel *pPanel = PanelOf(pNode))
@@ -88,6 +75,20 @@ void CloseAll(TreeNode *pNode)
 }
 
 } // namespace
+
+void PutBeside(QWidget *pWindow, QWidget *pOwner)
+{
+    pWindow->adjustSize();
+    if (!PointerIsOver(pOwner))
+        return;
+    const QSizeF size = QSizeF(pWindow->size()) * pOwner->devicePixelRatioF();
+    const QMargins frame = FrameExtents(pWindow);
+    const PanelPlace place = {RectOf(FrameRectOf(pOwner)), RectOf(WorkAreaOf(pOwner)),
+                              static_cast<i32>(size.width()) + frame.left() + frame.right(),
+                              static_cast<i32>(size.height()) + frame.top() + frame.bottom(), PointerHeight(pOwner)};
+    const WindowRect rc = PlacePanel(place);
+    SetFrameRect(pWindow, QRect(rc.left, rc.top, rc.right - rc.left, rc.bottom - rc.top));
+}
 
 PanelHost::PanelHost(PresetTree *p, QWidget *pWindow) : pTree(p), pOwner(pWindow)
 {
@@ -114,9 +115,11 @@ void PanelHost::HearActivation(TreeNode *pNode, void *pv)
         pHost->pfnActivated(pNode);
 }
 
-Panel *PanelHost::OpenPanel(TreeNode *pNode)
+Panel *PanelHost::OpenPanel(TreeNode *pNode, u32 bFocus)
 {
     const PanelRow &row = asPanel[static_cast<u32>(PanelKindOf(pNode))];
+    if (row.pszWindow)
+        OpenWindow(row.pszWindow, pOwner, bFocus);
     if (!row.pfnMake)
         return nullptr;
     Panel *pPanel = row.pfnMake(pNode, pOwner);
@@ -132,13 +135,13 @@ void PanelHost::NodeClicked(TreeNode *pNode, TreeNode *pOld)
     if (Panel *pPanel = pOld ? PanelOf(pOld) : nullptr; pPanel && !pOld->Info.bPinned)
         pPanel->ClosePanel();
     if (!PanelOf(pNode))
-        OpenPanel(pNode);
+        OpenPanel(pNode, 0);
 }
 
 void PanelHost::BringPanel(TreeNode *pNode)
 {
     Panel *pPanel = PanelOf(pNode);
-    pPanel = pPanel ? pPanel : OpenPanel(pNode);
+    pPanel = pPanel ? pPanel : OpenPanel(pNode, 1);
     if (!pPanel)
         return;
     pPanel->raise();

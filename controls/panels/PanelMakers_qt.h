@@ -8,3 +8,6 @@ struct TreeNode;
 // All take the node and the window that the panel belongs to, and return it unshown.
 Panel *MakeUnknownPanel(TreeNode *pNode, QWidget *pOwner);
 Panel *MakeDescriptionPanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakeNumberPanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakeBooleanPanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakeItemPanel(TreeNode *pNode, QWidget *pOwner);

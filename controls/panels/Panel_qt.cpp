@@ -71,7 +71,7 @@ void Panel::closeEvent(QCloseEvent *pEvent)
     pEvent->accept();
 }
 
-void Panel::Finish(QLayout *pContent, Pin ePin)
+void Panel::Finish(QLayout *pContent, Pin ePin, QWidget *pDocked)
 {
     auto *pLayout = new QVBoxLayout(this);
     pLayout->addLayout(pContent, 1);
@@ -83,6 +83,8 @@ void Panel::Finish(QLayout *pContent, Pin ePin)
                 pOwnNode->Info.bPinned = bOn;
         });
     }
+    if (pDocked)
+        pLayout->addWidget(pDocked);
     Refresh();
     EnableDialogScaling(this);
 }

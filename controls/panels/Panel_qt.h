@@ -70,8 +70,8 @@ class Panel : public QWidget {
     }
 
     enum class Pin { Yes, No };
-    // The layout with "Pin" below it; fills the controls.
-    void Finish(QLayout *pContent, Pin ePin = Pin::Yes);
+    // The layout with "Pin" below it, and at the bottom what is docked there, if anything; fills the controls.
+    void Finish(QLayout *pContent, Pin ePin = Pin::Yes, QWidget *pDocked = nullptr);
     // A read-only box with the description of the node's control.
     QPlainTextEdit *MakeDescriptionBox();
 
