@@ -8,3 +8,7 @@ struct TreeNode;
 // All take the node and the window that the panel belongs to, and return it unshown.
 Panel *MakeUnknownPanel(TreeNode *pNode, QWidget *pOwner);
 Panel *MakeDescriptionPanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakeModulePanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakePlanePanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakePlanesPanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakeModuleListPanel(TreeNode *pNode, QWidget *pOwner);
