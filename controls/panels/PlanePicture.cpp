@@ -1,9 +1,11 @@
 // PlanePicture.cpp -- a plane's bitmap, made smaller for a preview
 #include "controls/panels/PlanePicture.h"
 
+#include "controls/panels/PictureRows.h"
 #include "engine/PlaneThreads.h"
 #include "platform/VectorState.h"
 
+#include <array>
 #include <cstring>
 #include <vector>
 
@@ -25,41 +27,43 @@ Part PartOf(i32 i, i32 n, i32 nSource, i32 nMost)
     return {nFirst, (nLength + nStep - 1) / nStep, nStep};
 }
 
-// Bytes of ROWS rows, added up one below the other. The count is known here so that sums stay in registers.
-template <i32 ROWS> void AddRows(const u8 *pFirst, u64 cbStep, u16 *pSum, size_t nBytes)
+std::vector<Part> PartsOf(i32 n, i32 nSource, i32 nMost)
 {
-    for (size_t i = 0; i < nBytes; i++) {
-        u16 nSum = 0;
-        for (i32 iRow = 0; iRow < ROWS; iRow++)
-            nSum = static_cast<u16>(nSum + pFirst[static_cast<u64>(iRow) * cbStep + i]);
-        pSum[i] = nSum;
-    }
+    std::vector<Part> parts;
+    parts.reserve(static_cast<size_t>(n));
+    for (i32 i = 0; i < n; i++)
+        parts.push_back(PartOf(i, n, nSource, nMost));
+    return parts;
 }
 
-constexpr void (*apfnAddRows[])(const u8 *, u64, u16 *, size_t) = {AddRows<1>, AddRows<2>, AddRows<3>, AddRows<4>,
-                                                                   AddRows<5>, AddRows<6>, AddRows<7>, AddRows<8>};
-static_assert(sizeof apfnAddRows == PICTURE_ROWS * sizeof apfnAddRows[0]);
+// 65536 over each number of pixels, rounded.
+constexpr auto SHARES = [] {
+    std::array<u32, PICTURE_ROWS *PICTURE_COLUMNS + 1> shares = {};
+    for (u32 n = 1; n < shares.size(); n++)
+        shares[n] = (0x10000 + n / 2) / n;
+    return shares;
+}();
 
-u32 MeanOf(u64 qwSums, i32 nCount)
+// Two channels at a time, each in the lower half of 32 bits.
+u32 MeanOf(u64 qwSums, u32 nShare)
 {
-    const f32 fShare = 1.0f / static_cast<f32>(nCount);
-    const auto channel = [&](u32 nShift) {
-        return static_cast<u32>(static_cast<f32>(qwSums >> nShift & 0xFFFF) * fShare + 0.5f);
-    };
-    return 0xFF000000 | channel(32) << 16 | channel(16) << 8 | channel(0);
+    constexpr u64 LOWER = 0x0000FFFF0000FFFF, HALVES = 0x0000800000008000;
+    const u64 qwEven = ((qwSums & LOWER) * nShare + HALVES) >> 16;
+    const u64 qwOdd = ((qwSums >> 16 & LOWER) * nShare + HALVES) >> 16;
+    return static_cast<u32>((qwEven & 0xFF) | (qwOdd & 0xFF) << 8 | (qwEven >> 16 & 0xFF0000)) | 0xFF000000;
 }
 
-void ShrinkRow(u32 *pTo, i32 nWidth, const u16 *pSum, i32 nSourceWidth, i32 nRows)
+void ShrinkRow(u32 *pTo, const std::vector<Part> &columns, const u16 *pSum, i32 nRows)
 {
-    for (i32 x = 0; x < nWidth; x++) {
-        const Part part = PartOf(x, nWidth, nSourceWidth, PICTURE_COLUMNS);
+    for (const Part &part : columns) {
+        const u16 *pFrom = pSum + static_cast<size_t>(part.nFirst) * 4;
         u64 qwSums = 0;
-        for (i32 i = 0; i < part.nCount; i++) {
+        for (i32 i = 0; i < part.nCount; i++, pFrom += part.nStep * 4) {
             u64 qwPixel;
-            std::memcpy(&qwPixel, pSum + static_cast<size_t>(part.nFirst + i * part.nStep) * 4, sizeof qwPixel);
+            std::memcpy(&qwPixel, pFrom, sizeof qwPixel);
             qwSums += qwPixel;
         }
-        pTo[x] = MeanOf(qwSums, part.nCount * nRows);
+        *pTo++ = MeanOf(qwSums, SHARES[static_cast<size_t>(part.nCount * nRows)]);
     }
 }
 
@@ -68,15 +72,17 @@ void ShrinkRow(u32 *pTo, i32 nWidth, const u16 *pSum, i32 nSourceWidth, i32 nRow
 void ShrinkBitmap(const PictureTarget &target, const HostBitmap *hbm)
 {
     ClearVectorState();
-    const size_t nBytes = static_cast<size_t>(hbm->nWidth) * 4;
-    std::vector<u16> sums(nBytes);
+    const std::vector<Part> columns = PartsOf(target.nWidth, hbm->nWidth, PICTURE_COLUMNS);
+    const AddRowsFn pfnAddRows = GetAddRows();
+    std::vector<u16> sums(static_cast<size_t>(hbm->nWidth) * 4);
     for (i32 y = 0; y < target.nHeight; y++) {
         const Part part = PartOf(y, target.nHeight, hbm->nHeight, PICTURE_ROWS);
         const u8 *pFirst = static_cast<const u8 *>(hbm->pBits) + static_cast<u64>(part.nFirst) * hbm->cbRow;
-        apfnAddRows[part.nCount - 1](pFirst, static_cast<u64>(part.nStep) * hbm->cbRow, sums.data(), nBytes);
+        const u64 cbStep = static_cast<u64>(part.nStep) * hbm->cbRow;
+        pfnAddRows(sums.data(), pFirst, cbStep, part.nCount, sums.size());
         u32 *pTo =
             target.pPixels + static_cast<u64>(target.nHeight - 1 - y) * target.nStride; // the bottom row is first
-        ShrinkRow(pTo, target.nWidth, sums.data(), hbm->nWidth, part.nCount);
+        ShrinkRow(pTo, columns, sums.data(), part.nCount);
     }
 }
 

@@ -3,7 +3,7 @@
 
 #include "state/PresetState.h"
 
-constexpr i32 PICTURE_ROWS = 8, PICTURE_COLUMNS = 32;
+constexpr i32 PICTURE_ROWS = 4, PICTURE_COLUMNS = 32;
 
 // Pixels to write to, the top row first.
 struct PictureTarget {
