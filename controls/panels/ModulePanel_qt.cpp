@@ -19,6 +19,7 @@ namespace {
 
 constexpr int METER_HEIGHT = 14;
 constexpr int SLIDER_WIDTH = 200;
+constexpr int READ_OUT_GAP = 12;
 
 // How far the module is on the way to its next reset.
 class ResetMeter : public QWidget {
@@ -140,6 +141,7 @@ class ModulePanel : public Panel {
         pRow->addWidget(new QLabel(QString::fromUtf16(row.pszLow)));
         pRow->addWidget(MakeSlider(i), 1);
         pRow->addWidget(new QLabel(QString::fromUtf16(row.pszHigh)));
+        pRow->addSpacing(READ_OUT_GAP);
         pRow->addWidget(asOwnSlider[i].pText = MakeReadOut(row));
         return pGroup;
     }
