@@ -11,3 +11,7 @@ Panel *MakeDescriptionPanel(TreeNode *pNode, QWidget *pOwner);
 Panel *MakeNumberPanel(TreeNode *pNode, QWidget *pOwner);
 Panel *MakeBooleanPanel(TreeNode *pNode, QWidget *pOwner);
 Panel *MakeItemPanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakeModulePanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakePlanePanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakePlanesPanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakeModuleListPanel(TreeNode *pNode, QWidget *pOwner);
