@@ -129,11 +129,15 @@ u32 FindDataFile(char16_t (&szPath)[NAME_CHARS])
     return 0;
 }
 
+bool LiesInDataFolder(std::u16string_view path)
+{
+    return ContainsNoCase(WithNativeSeparators(std::u16string(path)), FolderPath(PATH_DATA) + std::u16string(u"/"));
+}
+
 u32 MakeDataFileRelative(char16_t (&szPath)[NAME_CHARS])
 {
     const std::u16string path(szPath, TextLength(szPath, NAME_CHARS));
-    const std::u16string data = FolderPath(PATH_DATA);
-    if (!ContainsNoCase(WithNativeSeparators(path), data + u"/"))
+    if (!LiesInDataFolder(path))
         return 0;
     CopyText(szPath, NameAndExtension(path));
     return 1;

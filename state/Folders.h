@@ -58,5 +58,7 @@ const char16_t *ConfigurationType();
 // this order. Non-zero: the buffer holds the full path of the first hit; 0: it is unchanged. [any-thread]
 u32 FindDataFile(char16_t (&szPath)[NAME_CHARS]);
 
+// Whether the path, of any length, is one of a file inside the data folder.
+bool LiesInDataFolder(std::u16string_view path);
 // Cuts a path inside the data folder down to its name and extension. Non-zero if it did.
 u32 MakeDataFileRelative(char16_t (&szPath)[NAME_CHARS]);

@@ -17,12 +17,13 @@ QString Text(const std::u16string &s)
     return QString::fromStdU16String(s);
 }
 
-// The toolkit reads patterns between brackets behind the description, and takes "*.*" to want a dot.
+// The toolkit reads patterns between brackets behind the description, apart by blanks, and takes "*.*" to want a dot.
 QStringList NameFilters(const FileQuestion &question)
 {
     QStringList list;
     for (const FileFilter &filter : FileFilters(question.sPattern, question.sName)) {
-        const QString pattern = filter.sPattern == u"*.*" ? QStringLiteral("*") : Text(filter.sPattern);
+        QString pattern = filter.sPattern == u"*.*" ? QStringLiteral("*") : Text(filter.sPattern);
+        pattern.replace(u';', u' ');
         list += Text(filter.sDescription) + QStringLiteral(" (") + pattern + QStringLiteral(")");
     }
     return list;
@@ -62,7 +63,10 @@ QFileDialog *MakeFileChooser(QWidget *pParent, const FileQuestion &question, QFi
     pDialog->setAcceptMode(eMode == QFileDialog::AnyFile ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     pDialog->setFileMode(eMode);
     pDialog->setOption(QFileDialog::HideNameFilterDetails); // they are the toolkit's, behind the description
-    pDialog->setNameFilters(NameFilters(question));
+    const QStringList filters = NameFilters(question);
+    pDialog->setNameFilters(filters);
+    if (question.iFilter > 0 && question.iFilter < static_cast<u32>(filters.size()))
+        pDialog->selectNameFilter(filters[question.iFilter]);
     pDialog->setDefaultSuffix(Text(DefaultExtension(question.sPattern)));
     if (!question.sName.empty())
         pDialog->selectFile(Text(question.sName));

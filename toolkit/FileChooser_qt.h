@@ -1,6 +1,8 @@
 // FileChooser_qt.h -- the routines that ask for a file to open or to save, for many files or for a folder
 #pragma once
 
+#include "platform/BaseTypes.h"
+
 #include <QDialog>
 
 #include <functional>
@@ -15,6 +17,7 @@ struct FileQuestion {
     std::u16string sName;    // filled in; empty: none
     std::u16string sPattern; // see FileFilters; its extension is added to names without one
     bool bSave;              // asks before an existing file is overwritten; else the file must exist
+    u32 iFilter = 0;         // of the pattern's descriptions: the one it starts on
 };
 
 // Opens the toolkit's chooser, or the desktop's own, over the window; frames go on behind it. pfnChosen receives the

@@ -15,3 +15,5 @@ Panel *MakeModulePanel(TreeNode *pNode, QWidget *pOwner);
 Panel *MakePlanePanel(TreeNode *pNode, QWidget *pOwner);
 Panel *MakePlanesPanel(TreeNode *pNode, QWidget *pOwner);
 Panel *MakeModuleListPanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakeTilePanel(TreeNode *pNode, QWidget *pOwner);
+Panel *MakeFilePanel(TreeNode *pNode, QWidget *pOwner);

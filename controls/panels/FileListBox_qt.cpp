@@ -1,0 +1,180 @@
+// FileListBox_qt.cpp -- the text box of a list of files, which stays quick with millions of characters
+#include "controls/panels/FileListBox_qt.h"
+
+#include "controls/panels/FilePanel.h"
+
+#include <QElapsedTimer>
+#include <QFocusEvent>
+#include <QMimeData>
+#include <QTextBlock>
+
+namespace {
+
+constexpr qsizetype PART_CHARS = 4096;       // inserted at once; of a longer line, laid out as one
+constexpr qsizetype HISTORY_CHARS = 1000000; // longer texts are edited without Undo, which would double them
+constexpr qint64 FIRST_STEP_NS = 30000000;   // usual lists are through by then
+constexpr qint64 STEP_NS = 4000000;          // for the others the frames go on in between
+constexpr int CONTINUES = 1;                 // the state of a block that goes on with the line before
+constexpr auto MAX_CHARS = qsizetype{FILE_LIST_CHARS};
+
+QString WithLineFeeds(QString s)
+{
+    return s.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(u'\r', u'\n');
+}
+
+// The end of what is inserted next: behind a line break, else in the middle of a long line.
+qsizetype EndOfPart(QStringView rest)
+{
+    if (rest.size() <= PART_CHARS)
+        return rest.size();
+    const qsizetype iBreak = rest.first(PART_CHARS).lastIndexOf(u'\n');
+    if (iBreak >= 0)
+        return iBreak + 1;
+    return rest[PART_CHARS - 1].isHighSurrogate() ? PART_CHARS - 1 : PART_CHARS;
+}
+
+} // namespace
+
+FileListBox::FileListBox()
+{
+    setLineWrapMode(QPlainTextEdit::NoWrap);
+    setTabChangesFocus(true);
+    connect(&LoadTimer, &QTimer::timeout, this, [this] { LoadStep(STEP_NS); });
+    connect(document(), &QTextDocument::contentsChange, this, [this](int iAt, int, int nNew) {
+        iAdded = iAt;
+        nAdded = nNew;
+    });
+    connect(this, &QPlainTextEdit::textChanged, this, [this] { TextChanged(); });
+}
+
+void FileListBox::SetList(std::u16string_view list)
+{
+    EndLoading();
+    bPieces = false;
+    sSource = WithLineFeeds(QString::fromUtf16(list.data(), static_cast<qsizetype>(list.size())));
+    iNext = 0;
+    setUndoRedoEnabled(false);
+    setReadOnly(true);
+    clear();
+    LoadStep(FIRST_STEP_NS);
+}
+
+void FileListBox::LoadStep(qint64 nNanoseconds)
+{
+    QElapsedTimer timer;
+    timer.start();
+    QTextCursor cursor(document());
+    cursor.movePosition(QTextCursor::End);
+    while (IsLoading() && timer.nsecsElapsed() < nNanoseconds)
+        iNext += InsertPart(&cursor, QStringView(sSource).sliced(iNext));
+    if (IsLoading())
+        return LoadTimer.start(0);
+    EndLoading();
+    moveCursor(QTextCursor::Start);
+}
+
+void FileListBox::EndLoading()
+{
+    LoadTimer.stop();
+    sSource.clear();
+    iNext = 0;
+    setReadOnly(false);
+    setUndoRedoEnabled(true);
+    LimitHistory();
+    NoteTaken();
+}
+
+// Returns how much it was.
+qsizetype FileListBox::InsertPart(QTextCursor *pCursor, QStringView rest)
+{
+    const qsizetype n = EndOfPart(rest);
+    const QStringView part = rest.first(n);
+    pCursor->insertText(part.toString());
+    if (n < rest.size() && part.back() != u'\n') {
+        pCursor->insertBlock();
+        pCursor->block().setUserState(CONTINUES);
+        bPieces = true;
+    }
+    return n;
+}
+
+QString FileListBox::WholeLines() const
+{
+    QString s;
+    for (QTextBlock block = document()->firstBlock(); block.isValid(); block = block.next()) {
+        if (block.blockNumber() > 0 && block.userState() != CONTINUES)
+            s += u'\n';
+        s += block.text();
+    }
+    return s;
+}
+
+std::u16string FileListBox::List() const
+{
+    // The document's own plain text would turn unbreakable blanks into plain ones.
+    const QString s = IsLoading() ? sSource : bPieces ? WholeLines() : document()->toRawText();
+    return ListWithBreaks({reinterpret_cast<const char16_t *>(s.utf16()), static_cast<size_t>(s.size())});
+}
+
+bool FileListBox::IsBeingTyped() const
+{
+    return hasFocus() && document()->isModified();
+}
+
+void FileListBox::NoteTaken()
+{
+    document()->setModified(false);
+}
+
+qsizetype FileListBox::Chars() const
+{
+    const qsizetype n = document()->characterCount() - 1 + document()->blockCount() - 1;
+    if (n <= MAX_CHARS || !bPieces)
+        return n;
+    const QString s = WholeLines();
+    return s.size() + s.count(u'\n');
+}
+
+void FileListBox::LimitHistory()
+{
+    if (isUndoRedoEnabled() && (bPieces || document()->characterCount() > HISTORY_CHARS))
+        setUndoRedoEnabled(false);
+}
+
+void FileListBox::TextChanged()
+{
+    if (IsLoading())
+        return;
+    LimitHistory();
+    const qsizetype iEnd = qMin(iAdded + nAdded, qsizetype{document()->characterCount()} - 1);
+    const qsizetype nExcess = qMin(Chars() - MAX_CHARS, iEnd - iAdded);
+    nAdded = 0;
+    if (nExcess <= 0)
+        return;
+    QTextCursor cursor(document());
+    cursor.setPosition(static_cast<int>(iEnd - nExcess));
+    cursor.setPosition(static_cast<int>(iEnd), QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+}
+
+void FileListBox::insertFromMimeData(const QMimeData *pData)
+{
+    if (isReadOnly() || !pData->hasText())
+        return;
+    const QString text = WithLineFeeds(pData->text().left(MAX_CHARS));
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.removeSelectedText();
+    for (qsizetype i = 0; i < text.size();)
+        i += InsertPart(&cursor, QStringView(text).sliced(i));
+    cursor.endEditBlock();
+    setTextCursor(cursor);
+    ensureCursorVisible();
+}
+
+void FileListBox::focusOutEvent(QFocusEvent *pEvent)
+{
+    QPlainTextEdit::focusOutEvent(pEvent);
+    if (pEvent->reason() != Qt::PopupFocusReason && pfnLeft) // its own menu leaves the focus with it
+        pfnLeft();
+}
