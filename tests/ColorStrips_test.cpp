@@ -32,14 +32,15 @@ class ColorStrip : public testing::Test {
     // The pixel, found from the table alone: which band, which of its rows, which colour.
     u32 Wanted(i32 x, i32 y, i32 w, i32 h) const
     {
-        const i32 nMeter = std::min(h, std::max(h / 6, 8));
-        if (settings.ShowPrg && pInfo->nSteps > 0 && pInfo->nStep < pInfo->nSteps && y >= h - nMeter)
+        const bool bMeter = settings.ShowPrg && pInfo->nSteps > 0 && pInfo->nStep < pInfo->nSteps;
+        const i32 hBands = h - (bMeter ? std::min(h, std::max(h / 6, 8)) : 0);
+        if (y >= hBands)
             return Meter(x, w);
         const std::string bands = std::string("t") + (settings.ShowMP ? "12" : "") + (settings.ShowRGB ? "rgb" : "");
         i32 nRows = 1;
         while (!settings.ShowOneRow && nRows * w < pi.nColors)
             nRows++;
-        const i32 iRow = y * nRows * static_cast<i32>(bands.size()) / h;
+        const i32 iRow = y * nRows * static_cast<i32>(bands.size()) / hBands;
         const i32 i = (iRow % nRows * w + x) * pi.nColors / (w * nRows);
         return 0xFF000000 | Color(bands[static_cast<size_t>(iRow / nRows)], static_cast<size_t>(i));
     }

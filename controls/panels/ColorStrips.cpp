@@ -98,10 +98,14 @@ bool IsUnderWay(const ColorState &cs)
     return cs.nSteps > 0 && cs.nStep < cs.nSteps;
 }
 
-void FillMeter(const ColorState &cs, i32 nWidth, i32 nHeight, u32 *pPixel)
+// 0: there is no meter now.
+i32 MeterRows(const ColorState &cs, const GlobalSettingsRecord &settings, i32 nHeight)
 {
-    const i32 nRows = std::min(std::max(nHeight / METER_PART, METER_ROWS_MIN), nHeight);
-    u32 *pRow = pPixel + static_cast<size_t>(nHeight - nRows) * static_cast<size_t>(nWidth);
+    return settings.ShowPrg && IsUnderWay(cs) ? std::min(std::max(nHeight / METER_PART, METER_ROWS_MIN), nHeight) : 0;
+}
+
+void FillMeter(const ColorState &cs, i32 nWidth, i32 nRows, u32 *pRow)
+{
     const f32 fLevel = static_cast<f32>(std::max(cs.nStep, 0)) / static_cast<f32>(cs.nSteps);
     FillProgressStrip({pRow, static_cast<size_t>(nWidth)}, fLevel, UIColorTable[UICOLOR_METER_LOW].dwColor,
                       UIColorTable[UICOLOR_METER_HIGH].dwColor);
@@ -143,8 +147,9 @@ u32 DrawColorStrip(const ColorState &cs, const GlobalSettingsRecord &settings, i
     const i32 nHeight = nWidth > 0 ? static_cast<i32>(picture.size() / static_cast<size_t>(nWidth)) : 0;
     if (cs.nColors <= 0 || nHeight == 0)
         return 0;
-    FillBands(cs, settings, nWidth, nHeight, picture.data());
-    if (settings.ShowPrg && IsUnderWay(cs))
-        FillMeter(cs, nWidth, nHeight, picture.data());
+    const i32 nMeter = MeterRows(cs, settings, nHeight), nBands = nHeight - nMeter;
+    FillBands(cs, settings, nWidth, nBands, picture.data());
+    if (nMeter)
+        FillMeter(cs, nWidth, nMeter, &picture[static_cast<size_t>(nBands) * static_cast<size_t>(nWidth)]);
     return 1;
 }

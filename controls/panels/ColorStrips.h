@@ -36,6 +36,6 @@ struct ColorStripPlace {
 // Of strip i of nStrips in a window of nHeight rows: all of the same height but for one row, with nGap rows between.
 ColorStripPlace PlaceColorStrip(i32 i, i32 nStrips, i32 nHeight, i32 nGap);
 
-// Fills the picture, which is nWidth wide. The parts that it shows are those of the settings. 0: there are no colours,
-// and nothing is filled.
+// Fills the picture, which is nWidth wide. The parts that it shows are those of the settings; the meter at the bottom
+// leaves the bands the rest, so that it hides none. 0: there are no colours, and nothing is filled.
 u32 DrawColorStrip(const ColorState &cs, const GlobalSettingsRecord &settings, i32 nWidth, std::span<u32> picture);

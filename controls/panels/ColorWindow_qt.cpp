@@ -27,7 +27,7 @@ namespace {
 
 constexpr QSize STRIPS_SIZE(380, 240);
 constexpr int STRIPS_MAX = 32767; // pixels each way
-constexpr int GAP = 2;            // between strips
+constexpr int GAP = 6;            // between strips
 constexpr int SWITCH_COLUMNS = 2;
 
 // All strips, one below the other.
