@@ -79,10 +79,13 @@ void PutBeside(QWidget *pPanel, QWidget *pOwner)
     SetFrameRect(pPanel, QRect(rc.left, rc.top, rc.right - rc.left, rc.bottom - rc.top));
 }
 
+// Each is hidden first: what its controls report then still finds the whole panel, which has nothing to edit any more.
 void CloseAll(TreeNode *pNode)
 {
-    if (Panel *pPanel = PanelOf(pNode))
+    if (Panel *pPanel = PanelOf(pNode)) {
+        pPanel->NodeGoes();
         delete pPanel;
+    }
     for (TreeNode *pChild : pNode->apChild)
         CloseAll(pChild);
 }
