@@ -374,6 +374,33 @@ TEST_F(ValuePanels, ManyStepsOfADragInOneTurnPaintOnceAndLayOutNothing)
     QTest::mouseRelease(pSlider, Qt::LeftButton, {}, QPoint(At(0.5), UPPER));
 }
 
+TEST_F(ValuePanels, ADragWritesEachStepAtOnceAndPaintsAtMostOnceAFrame)
+{
+    OpenWith(pCount, FLUIDSOURCE_WAVE);
+    QTest::mousePress(pSlider, Qt::LeftButton, {}, QPoint(At(0.1), UPPER));
+    QCoreApplication::processEvents();
+    PaintCounter slider, box;
+    pSlider->installEventFilter(&slider);
+    Box("Minimum")->installEventFilter(&box);
+    QElapsedTimer timer;
+    timer.start();
+    int nSteps = 0;
+    for (; timer.elapsed() < 320; nSteps++) {
+        const int x = At(0.2) + nSteps % At(0.5);
+        QTest::mouseMove(pSlider, QPoint(x, UPPER));
+        ASSERT_NEAR(100.0 * x / pSlider->width(), pCount->Integer.nMin, 0.5001);
+        QCoreApplication::processEvents();
+    }
+    const i64 nFrames = timer.elapsed() / 16 + 4; // and some that the panel's own timer asks for
+    EXPECT_GT(nSteps, nFrames);
+    EXPECT_LE(slider.nPaints, nFrames + 4);
+    EXPECT_LE(box.nPaints, nFrames);
+    EXPECT_GE(box.nPaints, 2);
+    QTest::mouseMove(pSlider, QPoint(At(0.1), UPPER));
+    QTest::mouseRelease(pSlider, Qt::LeftButton, {}, QPoint(At(0.1), UPPER));
+    EXPECT_EQ(std::to_string(pCount->Integer.nMin), TextIn("Minimum"));
+}
+
 TEST_F(ValuePanels, ClosingTakesOverWhatIsBeingTyped)
 {
     OpenWith(pSize, FLUIDSOURCE_WAVE);
@@ -458,6 +485,20 @@ TEST_F(ValuePanels, APanelOutlivesItsModule)
         QTest::mouseMove(pSlider, QPoint(At(0.8), UPPER));
     WaitUntilGone(pTyped);
     WaitUntilGone(pDragged);
+}
+
+TEST_F(ValuePanels, APanelThatIsDraggedAndTypedInGoesWithItsHost)
+{
+    OpenWith(pCount, FLUIDSOURCE_WAVE);
+    Type("Minimum", "55");
+    QTest::mousePress(pSlider, Qt::LeftButton, {}, QPoint(At(0.1), UPPER));
+    for (int i = 0; i < 3; i++)
+        QTest::mouseMove(pSlider, QPoint(At(0.2 + 0.1 * i), UPPER));
+    Box("Maximum")->setFocus();
+    QTest::keyClicks(Box("Maximum"), QStringLiteral("1"));
+    pHost.reset();
+    EXPECT_FALSE(PanelOf(pNode));
+    EXPECT_EQ(90, pCount->Integer.nMax);
 }
 
 TEST_F(ValuePanels, StrangeRangesAreShownAndTakeWhatTheyCan)

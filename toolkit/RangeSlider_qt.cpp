@@ -84,7 +84,8 @@ constexpr KeyStep asKeyStep[] = {
 
 } // namespace
 
-RangeSelectSlider::RangeSelectSlider(const SliderInfo &info, QWidget *pParent) : QWidget(pParent), Info(info)
+RangeSelectSlider::RangeSelectSlider(const SliderInfo &info, QWidget *pParent)
+    : QWidget(pParent), Info(info), Pace([this] { ShowDrag(); })
 {
     static const bool bHeard = [] {
         QAccessible::installFactory(MakeVoice);
@@ -140,9 +141,16 @@ u32 RangeSelectSlider::Scale() const
     return static_cast<u32>(qRound(devicePixelRatioF() * 100 * qMax(height(), 1) / DESIGN_SIZE.height()));
 }
 
-void RangeSelectSlider::Changed()
+void RangeSelectSlider::ShowDrag()
 {
     update();
+    if (Info.bDragging)
+        QToolTip::showText(xyPointer, TextOf(SliderThumbValue(Info, Info.nDragThumb)), this);
+}
+
+void RangeSelectSlider::Changed()
+{
+    Pace.Ask();
     QAccessibleValueChangeEvent event(this, SliderThumbValue(Info, FocusedThumb()));
     QAccessible::updateAccessibility(&event);
     if (pfnChanged)
@@ -187,7 +195,7 @@ void RangeSelectSlider::mouseMoveEvent(QMouseEvent *pEvent)
     const bool bFine = pEvent->modifiers() & Qt::ShiftModifier;
     if (!DragSlider(&Info, &Grip, DevicePlace(pEvent->position()).x(), DeviceSize().width(), bFine))
         return;
-    QToolTip::showText(pEvent->globalPosition().toPoint(), TextOf(SliderThumbValue(Info, Info.nDragThumb)), this);
+    xyPointer = pEvent->globalPosition().toPoint();
     Changed();
 }
 
@@ -197,6 +205,7 @@ void RangeSelectSlider::EndDrag()
         return;
     EndSliderDrag(&Info);
     QToolTip::hideText();
+    update();
     if (pfnDrag)
         pfnDrag(false);
 }

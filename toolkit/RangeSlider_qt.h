@@ -1,6 +1,7 @@
 // RangeSlider_qt.h -- the slider with one thumb for a value or two for a range, as a widget
 #pragma once
 
+#include "toolkit/FramePace_qt.h"
 #include "toolkit/RangeSlider.h"
 
 #include <QWidget>
@@ -47,8 +48,11 @@ class RangeSelectSlider : public QWidget {
     QPoint DevicePlace(const QPointF &place) const;
     u32 Scale() const;
     void Changed();
+    void ShowDrag();
     void EndDrag();
 
+    FramePace Pace;
+    QPoint xyPointer; // of the drag, on the screen
     SliderGrip Grip = {};
     u32 dwFocused = THUMB_LOW; // counts in range mode
 };

@@ -6,6 +6,7 @@
 #include "controls/panels/ValuePanel_qt.h"
 #include "platform/Assert.h"
 #include "toolkit/DialogScaling_qt.h"
+#include "toolkit/FramePace_qt.h"
 #include "toolkit/RangeSlider_qt.h"
 
 #include <QCheckBox>
@@ -53,22 +54,26 @@ class NumberPanel : public ValuePanel {
     void FillFlags();
     void ShowParts();
     void ShowReadOut();
+    bool PlaceThumbs();
     void ShowSlider();
     void ShowEdited();
     void WriteFlag(const NumberFlag &flag, bool bOn);
     void ReadBox(u32 iBox);
     void StepBox(u32 iBox, i32 nSteps);
     void TakeSlider();
+    void EndSliderDrag();
     void TakeDefault(u32 dwThumb);
 
     QCheckBox *apFlag[3] = {}; // null: not of this kind of number
     NumberBox *apBox[std::size(asBox)] = {};
     RangeSelectSlider *pSlider;
+    FramePace DragPace;                 // of what the boxes show
     SliderInfo Shown = {};              // the slider as the panel has put it
     QLabel *pReadOut, *pReadOutOfFixed; // between the ends of the range; beside the value
 };
 
-NumberPanel::NumberPanel(TreeNode *pNode, QWidget *pOwner) : ValuePanel(pNode, pOwner)
+NumberPanel::NumberPanel(TreeNode *pNode, QWidget *pOwner)
+    : ValuePanel(pNode, pOwner), DragPace([this] { ShowEdited(); })
 {
     VD_ASSERT(IsNumber(Control()));
     auto *pGrid = new QGridLayout;
@@ -109,7 +114,7 @@ void NumberPanel::MakeSlider()
     pSlider = new RangeSelectSlider(Shown);
     pSlider->setAccessibleName(QStringLiteral("Value and Range"));
     pSlider->pfnChanged = [this] { TakeSlider(); };
-    pSlider->pfnDrag = [this](bool bBegins) { bBegins ? BeginFieldDrag() : EndFieldDrag(); };
+    pSlider->pfnDrag = [this](bool bBegins) { bBegins ? BeginFieldDrag() : EndSliderDrag(); };
     pSlider->pfnDefault = [this](u32 dwThumb) { TakeDefault(dwThumb); };
     Node()->Info.hSlider = pSlider;
 }
@@ -202,13 +207,19 @@ void NumberPanel::ShowReadOut()
             pLabel->setText(text);
 }
 
+// The thumbs as the record has them. Whether any of them stood elsewhere.
+bool NumberPanel::PlaceThumbs()
+{
+    const SliderInfo before = Shown;
+    ShowInSlider(Control(), &Shown);
+    ShowInSlider(Control(), &pSlider->Info);
+    return std::memcmp(&before, &Shown, sizeof before) != 0;
+}
+
 // Painted only where something has changed.
 void NumberPanel::ShowSlider()
 {
-    ShowInSlider(Control(), &pSlider->Info);
-    SliderInfo before = Shown;
-    ShowInSlider(Control(), &Shown);
-    if (std::memcmp(&before, &Shown, sizeof before))
+    if (PlaceThumbs())
         pSlider->update();
 }
 
@@ -271,7 +282,16 @@ void NumberPanel::TakeSlider()
         DragFields(std::move(writes));
     else
         Write(std::move(writes));
-    ShowEdited();
+    if (!Control())
+        return;
+    PlaceThumbs();
+    DragPace.Ask();
+}
+
+void NumberPanel::EndSliderDrag()
+{
+    EndFieldDrag();
+    DragPace.Finish();
 }
 
 void NumberPanel::TakeDefault(u32 dwThumb)

@@ -66,10 +66,13 @@ bool PointerIsOver(const QWidget *pOwner)
     return pUnder && pUnder->window() == pOwner;
 }
 
+// Each is hidden first: what its controls report then still finds the whole panel, which has nothing to edit any more.
 void CloseAll(TreeNode *pNode)
 {
-    if (Panel *pPanel = PanelOf(pNode))
+    if (Panel *pPanel = PanelOf(pNode)) {
+        pPanel->NodeGoes();
         delete pPanel;
+    }
     for (TreeNode *pChild : pNode->apChild)
         CloseAll(pChild);
 }
