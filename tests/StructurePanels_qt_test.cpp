@@ -175,23 +175,6 @@ TEST_F(ModulePanelTest, EachMovementOfADragActsAtOnceAndAnEndOfTheNodeEndsIt)
     EXPECT_EQ(0, lppsi->psPlane[0]->anModules[MODULEINDEX_DRAWPAINTER]);
 }
 
-TEST_F(ModulePanelTest, TheMeterIsBlackForNever)
-{
-    auto *pMeter = Find<QWidget>(pPanel, "Next reset");
-    const auto isBlack = [&] {
-        const QImage picture = pMeter->grab().toImage().convertToFormat(QImage::Format_RGB32);
-        for (int x = 0; x < picture.width(); x++)
-            if (picture.pixel(x, picture.height() / 2) != qRgb(0, 0, 0))
-                return false;
-        return true;
-    };
-    pms->nDuration = 16;
-    pms->qwNextReset = TickCount() + 100;
-    EXPECT_FALSE(isBlack());
-    pms->nDuration = DURATION_NEVER;
-    EXPECT_TRUE(isBlack());
-}
-
 // The panels of planes
 
 TEST_F(StructurePanels, APlanesOwnButtonRemovesItAndClosesEveryPanelOfThePreset)

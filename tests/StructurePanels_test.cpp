@@ -146,17 +146,6 @@ TEST_F(PlanePanels, TheBoxSaysWhereThePlaneStandsAndWhatItIs)
     EXPECT_EQ(u"Plane 1\t [Unused]", PlaneBoxText(nullptr, 0));
 }
 
-TEST_F(PlanePanels, MoveButtonsStandBetweenColumnsAndOnlyThere)
-{
-    for (i32 i = 0; i < PLANES_MAX; i++) {
-        const auto buttons = ButtonsOfColumn(i);
-        EXPECT_EQ(i > 0, buttons.front() == PlaneButton::MoveLeft);
-        EXPECT_EQ(i < PLANES_MAX - 1, buttons.back() == PlaneButton::MoveRight);
-    }
-    EXPECT_EQ(PlaneButton::Pause, ButtonsOfPlane().front());
-    EXPECT_EQ(PlaneButton::Remove, ButtonsOfPlane().back());
-}
-
 TEST_F(PlanePanels, BothArrowsBetweenTwoColumnsExchangeThem)
 {
     UsePlanes(3);
@@ -200,19 +189,6 @@ TEST_F(PlanePanels, ClearMakesThePictureBlackAtOnceWithoutAMark)
     EXPECT_FALSE(TakeMark());
 }
 
-TEST_F(PlanePanels, PauseTurnsThePictureOfItsButton)
-{
-    UsePlanes(1);
-    const auto name = [&] {
-        return std::u16string(LookOfPlaneButton(PlaneButton::Pause, lppsi->psPlane[0]->bPaused).pszName);
-    };
-    const std::u16string before = name();
-    ClickOwnPlaneButton(NodeOf(lppsi->psPlane[0]), PlaneButton::Pause);
-    EXPECT_TRUE(lppsi->psPlane[0]->bPaused);
-    EXPECT_NE(before, name());
-    EXPECT_FALSE(TakeMark());
-}
-
 TEST_F(PlanePanels, RemovingByItsOwnPanelBuildsTheWholeTreeAnew)
 {
     UsePlanes(3);
@@ -227,19 +203,6 @@ TEST_F(PlanePanels, RemovingByItsOwnPanelBuildsTheWholeTreeAnew)
     EXPECT_EQ(u"Plane 2", NthPlaneNode(tree, 1)->sText);
     EXPECT_TRUE(TakeMark());
     CheckTree();
-}
-
-TEST_F(PlanePanels, AFifthPlaneIsNotAddedAndNotMarked)
-{
-    UsePlanes(2);
-    AddPlaneTo(PlanesNode(), true);
-    AddPlaneTo(PlanesNode(), false);
-    EXPECT_TRUE(TakeMark());
-    EXPECT_EQ(1u, lppsi->psPlane[2]->Info.bIndexed);
-    EXPECT_EQ(0u, lppsi->psPlane[3]->Info.bIndexed);
-    AddPlaneTo(PlanesNode(), true);
-    EXPECT_EQ(PLANES_MAX, lppsi->nPlanes);
-    EXPECT_FALSE(TakeMark());
 }
 
 // The panel of a module list
@@ -393,22 +356,6 @@ TEST_F(ModuleListsTest, RowsAreAddedMovedAndRemovedInAPlaneAndBehindTheMixer)
         EXPECT_FALSE(TakeMark()) << "nothing was selected, or it is gone";
         CheckTree();
     }
-}
-
-TEST_F(ModuleListsTest, AHangingThreadLetsNothingBeAddedMovedOrRemoved)
-{
-    UsePlanes(1);
-    Hang();
-    TreeNode *pList = ListNode(OBJECT_DRAWPAINTERTREE);
-    const auto before = RowsInUse(pList);
-    AddModulesTo(pList, std::vector{RowsOnOffer(pList)[0].dwKey});
-    for (const SlotButton eButton : {SlotButton::MoveUp, SlotButton::Remove, SlotButton::MoveDown})
-        ClickSlotButton(pList, pmsHanging, eButton);
-    EXPECT_EQ(before, RowsInUse(pList));
-    EXPECT_FALSE(PlaneCanBeShown(lppsi->psPlane[0]));
-    CheckTree();
-    LetGo();
-    EXPECT_TRUE(PlaneCanBeShown(lppsi->psPlane[0]));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "toolkit/Commands.h"
 #include "toolkit/ControlColors_qt.h"
+#include "toolkit/DialogPieces_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 
 #include <QHeaderView>
@@ -36,10 +37,11 @@ int ModuleRows::columnCount(const QModelIndex &parent) const
 
 QVariant ModuleRows::data(const QModelIndex &index, int nRole) const
 {
-    if (nRole != Qt::DisplayRole)
+    if (nRole != Qt::DisplayRole && nRole != Qt::ToolTipRole)
         return QVariant();
     const ModuleRow &row = Shown[static_cast<size_t>(index.row())];
-    return QString::fromStdU16String(OneLine(row.asText[index.column()]));
+    const QString text = QString::fromStdU16String(OneLine(row.asText[index.column()]));
+    return nRole == Qt::ToolTipRole ? PlainTip(text) : text; // columns are narrow
 }
 
 QVariant ModuleRows::headerData(int iSection, Qt::Orientation eOrientation, int nRole) const
