@@ -265,7 +265,7 @@ TEST_F(PaletteWindow, ASingleChoiceIsOnePathAndFilesCanBeAskedFor)
     auto *pChooser = pDialog->findChild<QFileDialog *>();
     ASSERT_NE(nullptr, pChooser);
     EXPECT_EQ(QFileDialog::ExistingFiles, pChooser->fileMode());
-    emit pChooser->filesSelected(
+    Q_EMIT pChooser->filesSelected(
         {QString::fromStdString(folder.string() + "/a.pal"), QString::fromStdString(folder.string() + "/d.col")});
     pChooser->reject();
     ASSERT_EQ(2, Rows());

@@ -10,16 +10,23 @@
 
 namespace {
 
-constexpr qsizetype PART_CHARS = 4096;       // inserted at once; of a longer line, laid out as one
+constexpr qsizetype PART_CHARS = 2048;       // inserted at once; of a longer line, laid out as one
 constexpr qsizetype HISTORY_CHARS = 1000000; // longer texts are edited without Undo, which would double them
 constexpr qint64 FIRST_STEP_NS = 30000000;   // usual lists are through by then
 constexpr qint64 STEP_NS = 4000000;          // for the others the frames go on in between
 constexpr int CONTINUES = 1;                 // the state of a block that goes on with the line before
-constexpr auto MAX_CHARS = qsizetype{FILE_LIST_CHARS};
 
-QString WithLineFeeds(QString s)
+// In one pass: Qt's replacing goes over millions of places slowly.
+QString WithLineFeeds(QStringView text)
 {
-    return s.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(u'\r', u'\n');
+    QString s;
+    s.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); i++)
+        if (text[i] != u'\r')
+            s += text[i];
+        else if (i + 1 == text.size() || text[i + 1] != u'\n')
+            s += u'\n';
+    return s;
 }
 
 // The end of what is inserted next: behind a line break, else in the middle of a long line.
@@ -35,7 +42,7 @@ qsizetype EndOfPart(QStringView rest)
 
 } // namespace
 
-FileListBox::FileListBox()
+FileListBox::FileListBox(size_t nMax) : nMaxChars(static_cast<qsizetype>(nMax))
 {
     setLineWrapMode(QPlainTextEdit::NoWrap);
     setTabChangesFocus(true);
@@ -51,7 +58,7 @@ void FileListBox::SetList(std::u16string_view list)
 {
     EndLoading();
     bPieces = false;
-    sSource = WithLineFeeds(QString::fromUtf16(list.data(), static_cast<qsizetype>(list.size())));
+    sSource = WithLineFeeds(QStringView(list.data(), static_cast<qsizetype>(list.size())));
     iNext = 0;
     setUndoRedoEnabled(false);
     setReadOnly(true);
@@ -65,8 +72,10 @@ void FileListBox::LoadStep(qint64 nNanoseconds)
     timer.start();
     QTextCursor cursor(document());
     cursor.movePosition(QTextCursor::End);
+    cursor.beginEditBlock(); // laid out once, at its end
     while (IsLoading() && timer.nsecsElapsed() < nNanoseconds)
         iNext += InsertPart(&cursor, QStringView(sSource).sliced(iNext));
+    cursor.endEditBlock();
     if (IsLoading())
         return LoadTimer.start(0);
     EndLoading();
@@ -129,7 +138,7 @@ void FileListBox::NoteTaken()
 qsizetype FileListBox::Chars() const
 {
     const qsizetype n = document()->characterCount() - 1 + document()->blockCount() - 1;
-    if (n <= MAX_CHARS || !bPieces)
+    if (n <= nMaxChars || !bPieces)
         return n;
     const QString s = WholeLines();
     return s.size() + s.count(u'\n');
@@ -143,11 +152,11 @@ void FileListBox::LimitHistory()
 
 void FileListBox::TextChanged()
 {
-    if (IsLoading())
+    if (isReadOnly()) // being loaded
         return;
     LimitHistory();
     const qsizetype iEnd = qMin(iAdded + nAdded, qsizetype{document()->characterCount()} - 1);
-    const qsizetype nExcess = qMin(Chars() - MAX_CHARS, iEnd - iAdded);
+    const qsizetype nExcess = qMin(Chars() - nMaxChars, iEnd - iAdded);
     nAdded = 0;
     if (nExcess <= 0)
         return;
@@ -161,7 +170,7 @@ void FileListBox::insertFromMimeData(const QMimeData *pData)
 {
     if (isReadOnly() || !pData->hasText())
         return;
-    const QString text = WithLineFeeds(pData->text().left(MAX_CHARS));
+    const QString text = WithLineFeeds(pData->text().left(nMaxChars));
     QTextCursor cursor = textCursor();
     cursor.beginEditBlock();
     cursor.removeSelectedText();

@@ -1,17 +1,19 @@
 // FileListBox_qt.h -- the text box of a list of files, which stays quick with millions of characters
 #pragma once
 
+#include "editing/EditFields.h"
+
 #include <QPlainTextEdit>
 #include <QTimer>
 
 #include <functional>
 
-// Holds FILE_LIST_CHARS characters at most, line breaks as two; what is typed or pasted beyond is dropped. Loads long
+// Holds so many characters at most, line breaks as two; what is typed or pasted beyond is dropped. Loads long
 // lists in steps between which frames go on; until it is through, the text cannot be edited. Lines that are too long to
 // be laid out as one are shown in pieces and given back whole. [main-thread]
 class FileListBox : public QPlainTextEdit {
   public:
-    FileListBox();
+    explicit FileListBox(size_t nMaxChars = FILE_LIST_CHARS);
 
     void SetList(std::u16string_view list);
     // With CR LF.
@@ -27,6 +29,7 @@ class FileListBox : public QPlainTextEdit {
     void insertFromMimeData(const QMimeData *pData) override;
 
   private:
+    const qsizetype nMaxChars;
     bool IsLoading() const
     {
         return iNext < sSource.size();
