@@ -25,6 +25,11 @@ template <const char16_t *const &pszName> void RunWindow(u32, void *pvContext)
     RunWindowCommand(pszName, Actions(pvContext).pvWindow);
 }
 
+template <const char16_t *const &pszName> bool WindowMarked(u32, void *)
+{
+    return WindowIsMarked(pszName) != 0;
+}
+
 void OpenSibling(u32 eRow, void *pvContext)
 {
     const std::u16string path = FindSiblingProgram(static_cast<PathRow>(eRow));
@@ -97,7 +102,7 @@ constexpr Command asLayoutsMenu[] = {
 
 constexpr Command asViewMenu[] = {
     {.pszText = u"Visuals Window", .children = asVisualsMenu},
-    {.pszText = u"Color Monitor...", .pfnRun = DoNothing, .pfnEnabled = NotYet},
+    {.pszText = u"Color Monitor...", .pfnRun = RunWindow<PALETTE_WINDOW>, .pfnChecked = WindowMarked<PALETTE_WINDOW>},
     {.pszText = u"Sound Monitor...", .pfnRun = DoNothing, .pfnEnabled = NotYet},
     {.pszText = u"Preset Browser...", .pfnRun = DoNothing, .pfnEnabled = NotYet},
     {.pszText = u"Palette Editor...", .pfnRun = OpenSibling, .dwArgument = PATH_PALETTE_EDITOR},
@@ -129,7 +134,7 @@ constexpr Command asToolButton[] = {
      .pszToolTip = u"Launch the GLSL Pixel Shader Editor", .pszIcon = "shadereditor"},
     {.pszText = u"Palette Editor", .pfnRun = OpenSibling, .dwArgument = PATH_PALETTE_EDITOR,
      .pszToolTip = u"Launch the Palette Editor", .pszIcon = "paletteeditor"},
-    {.pszText = u"Colors Window", .pfnRun = DoNothing, .pfnEnabled = NotYet,
+    {.pszText = u"Colors Window", .pfnRun = RunWindow<PALETTE_WINDOW>,
      .pszToolTip = u"Display the Colors window", .pszIcon = "colors"},
     {.pszText = u"Preset Browser", .pfnRun = DoNothing, .pfnEnabled = NotYet,
      .pszToolTip = u"Display the Preset Browser window", .pszIcon = "browser"},

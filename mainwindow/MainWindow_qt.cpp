@@ -1,6 +1,7 @@
 // MainWindow_qt.cpp -- the control room: menu, tool buttons, preset tree, status strip
 #include "mainwindow/MainWindow_qt.h"
 
+#include "controls/panels/ColorWindow_qt.h"
 #include "editing/PresetTreeView_qt.h"
 #include "editing/TreeMenu_qt.h"
 #include "editing/TreeFollower.h"
@@ -286,4 +287,5 @@ void RegisterMainWindow(void (*pfnExit)())
     static const WindowKind kind = {MAIN_WINDOW, WindowUse::Main, MakeMainWindow, &WidgetFunctions};
     pfnEndProgram = pfnExit;
     RegisterWindow(kind);
+    RegisterWindow(ColorWindowKind);
 }

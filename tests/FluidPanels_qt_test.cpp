@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSlider>
 #include <QTest>
@@ -171,6 +172,19 @@ TEST_F(FluidPanelsTest, TheWindowGrowsAndShrinksWithTheSourceAtAnySize)
             EXPECT_NEAR(size.width(), pPanel->width(), 2) << fScale;
         }
         pPanel.reset();
+    }
+}
+
+TEST_F(FluidPanelsTest, AWindowThatGrowsOverTheEdgeOfTheWorkAreaMovesInside)
+{
+    Open(pctl);
+    const QRect work = pPanel->screen()->availableGeometry();
+    for (const QPoint from : {work.bottomRight() - QPoint(90, 90), work.topLeft() + QPoint(5, 7)}) {
+        pPanel->move(from);
+        pPanel->Choose(FLUIDSOURCE_WAVE);
+        EXPECT_TRUE(work.contains(pPanel->geometry()));
+        EXPECT_EQ(from.x() > 50, pPanel->pos() != from) << "not without need";
+        pPanel->Choose(FLUIDSOURCE_FIXED);
     }
 }
 

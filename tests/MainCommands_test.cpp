@@ -70,7 +70,7 @@ TEST_F(MainCommandsTest, TheMenuBarStandsInItsOrder)
               "Settings{~Performance Options..., ~User Interface Options..., Recording Options...}, "
               "&View{Visuals Window{Display frame rate, Display backbuffer metrics, Display preset name, "
               "Display keyboard commands}, "
-              "~Color Monitor..., ~Sound Monitor..., ~Preset Browser..., Palette Editor..., Shader Editor..., "
+              "Color Monitor..., ~Sound Monitor..., ~Preset Browser..., Palette Editor..., Shader Editor..., "
               "~&Move/Size Windows Together, ~Window &Snap-to-Edge, Window Layouts{~Load Layout, ~Save Layout}}, "
               "&Help{~&Check for Updates, ~&License, ~&About...}");
 }

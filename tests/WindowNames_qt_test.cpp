@@ -1,5 +1,6 @@
 // WindowNames_qt_test.cpp -- walks all windows: whatever can take the focus there says its name to a screen reader
 #include "controls/ControlManager.h"
+#include "controls/panels/ColorWindow_qt.h"
 #include "mainwindow/MainWindow_qt.h"
 #include "output/RecordingDialog_qt.h"
 #include "output/VisualsWindow_qt.h"
@@ -25,6 +26,7 @@ constexpr WindowRow asWindow[] = {
     {"main window", [](QWidget *) -> QWidget * { return new MainWindow([] {}); }},
     {"visuals window", [](QWidget *) -> QWidget * { return new VisualsWindow([] {}); }},
     {"recording dialog", [](QWidget *pOwner) { return static_cast<QWidget *>(RecordingDialogKind.pfnMake(pOwner)); }},
+    {"colour window", [](QWidget *pOwner) { return static_cast<QWidget *>(ColorWindowKind.pfnMake(pOwner)); }},
     {"palette browser", [](QWidget *pOwner) -> QWidget * { return BrowsePalettes(pOwner, u"/", [](const auto &) {}); }},
     {"question",
      [](QWidget *pOwner) -> QWidget * {

@@ -103,7 +103,10 @@ void DrawScrollHandle(const DarkPiece &piece, const QStyleOptionSlider *pBar)
     const u32 dwFill = bActive && state.bDown    ? Look().dwLineHover
                        : bActive && state.bHover ? Look().dwLine
                                                  : Look().dwButtonDown;
-    DrawOutlinedRect(piece.pPainter, handle, ColorOf(Look().dwLine), ColorOf(dwFill));
+    const QColor outline = state.bFocus ? OutlineOf(state) : ColorOf(state.bEnabled ? Look().dwLine : Look().dwFaint);
+    DrawOutlinedRect(piece.pPainter, handle, outline, ColorOf(state.bEnabled ? dwFill : Look().dwButton));
+    if (state.bFocus)
+        DrawFocusMark(piece.pPainter, handle.adjusted(1, 1, -1, -1));
 }
 
 // Paints upright what then stands sideways, so that a bar is described once.

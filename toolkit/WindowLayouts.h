@@ -10,6 +10,7 @@ constexpr u32 WINDOW_NAME_CHARS = 64; // the terminating 0 included
 
 // Names of windows that others ask for.
 constexpr const char16_t *MAIN_WINDOW = u"Main";
+constexpr const char16_t *PALETTE_WINDOW = u"Palette"; // the colour window
 constexpr const char16_t *RECORDING_DIALOG = u"RecordingOptions";
 
 struct WindowRect {

@@ -9,20 +9,35 @@
 #include "platform/Assert.h"
 #include "toolkit/DialogPieces_qt.h"
 #include "toolkit/DialogScaling_qt.h"
+#include "toolkit/FrameExtents_qt.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QSignalBlocker>
 #include <QSlider>
+
+#include <algorithm>
 
 namespace {
 
 QString Text(const char16_t *psz)
 {
     return QString::fromUtf16(psz);
+}
+
+// A window that has grown over the lower or the right edge of the work area goes up or left, but not over the others.
+void KeepInWorkArea(QWidget *pWindow)
+{
+    if (!pWindow->isVisible())
+        return;
+    const QRect rc = FrameRectOf(pWindow), rcWork = WorkAreaOf(pWindow);
+    const QPoint over(std::max(rc.right() - rcWork.right(), 0), std::max(rc.bottom() - rcWork.bottom(), 0));
+    const QPoint room(std::max(rc.left() - rcWork.left(), 0), std::max(rc.top() - rcWork.top(), 0));
+    const QPoint by(std::min(over.x(), room.x()), std::min(over.y(), room.y()));
+    if (!by.isNull())
+        SetFrameRect(pWindow, rc.translated(-by));
 }
 
 } // namespace
@@ -203,6 +218,8 @@ void FluidPanels::ShowSource()
     pShown = pWanted;
     updateGeometry(); // a layout that rests does not pass it on
     TakeDesignAgain(window());
+    if (pShown)
+        KeepInWorkArea(window());
 }
 
 void FluidPanels::Fill()

@@ -17,6 +17,7 @@ namespace {
 struct PanelRow {
     PanelKind eKind;
     Panel *(*pfnMake)(TreeNode *pNode, QWidget *pOwner); // null: no panel
+    const char16_t *pszWindow = nullptr;                 // what opens instead, in the table of windows; null: nothing
 };
 
 constexpr PanelRow asPanel[] = {
@@ -32,7 +33,7 @@ constexpr PanelRow asPanel[] = {
     {PanelKind::Plane, nullptr},
     {PanelKind::Planes, nullptr},
     {PanelKind::ModuleList, nullptr},
-    {PanelKind::Colors, nullptr},
+    {PanelKind::Colors, nullptr, PALETTE_WINDOW},
     {PanelKind::Mixer, nullptr},
 };
 static_assert(std::size(asPanel) == static_cast<size_t>(PanelKind::Count));
@@ -65,20 +66,6 @@ bool PointerIsOver(const QWidget *pOwner)
     return pUnder && pUnder->window() == pOwner;
 }
 
-void PutBeside(QWidget *pPanel, QWidget *pOwner)
-{
-    pPanel->adjustSize();
-    if (!PointerIsOver(pOwner))
-        return;
-    const QSizeF size = QSizeF(pPanel->size()) * pOwner->devicePixelRatioF();
-    const QMargins frame = FrameExtents(pPanel);
-    const PanelPlace place = {RectOf(FrameRectOf(pOwner)), RectOf(WorkAreaOf(pOwner)),
-                              static_cast<i32>(size.width()) + frame.left() + frame.right(),
-                              static_cast<i32>(size.height()) + frame.top() + frame.bottom(), PointerHeight(pOwner)};
-    const WindowRect rc = PlacePanel(place);
-    SetFrameRect(pPanel, QRect(rc.left, rc.top, rc.right - rc.left, rc.bottom - rc.top));
-}
-
 // Each is hidden first: what its controls report then still finds the whole panel, which has nothing to edit any more.
 void CloseAll(TreeNode *pNode)
 {
@@ -91,6 +78,20 @@ void CloseAll(TreeNode *pNode)
 }
 
 } // namespace
+
+void PutBeside(QWidget *pWindow, QWidget *pOwner)
+{
+    pWindow->adjustSize();
+    if (!PointerIsOver(pOwner))
+        return;
+    const QSizeF size = QSizeF(pWindow->size()) * pOwner->devicePixelRatioF();
+    const QMargins frame = FrameExtents(pWindow);
+    const PanelPlace place = {RectOf(FrameRectOf(pOwner)), RectOf(WorkAreaOf(pOwner)),
+                              static_cast<i32>(size.width()) + frame.left() + frame.right(),
+                              static_cast<i32>(size.height()) + frame.top() + frame.bottom(), PointerHeight(pOwner)};
+    const WindowRect rc = PlacePanel(place);
+    SetFrameRect(pWindow, QRect(rc.left, rc.top, rc.right - rc.left, rc.bottom - rc.top));
+}
 
 PanelHost::PanelHost(PresetTree *p, QWidget *pWindow) : pTree(p), pOwner(pWindow)
 {
@@ -117,9 +118,11 @@ void PanelHost::HearActivation(TreeNode *pNode, void *pv)
         pHost->pfnActivated(pNode);
 }
 
-Panel *PanelHost::OpenPanel(TreeNode *pNode)
+Panel *PanelHost::OpenPanel(TreeNode *pNode, u32 bFocus)
 {
     const PanelRow &row = asPanel[static_cast<u32>(PanelKindOf(pNode))];
+    if (row.pszWindow)
+        OpenWindow(row.pszWindow, pOwner, bFocus);
     if (!row.pfnMake)
         return nullptr;
     Panel *pPanel = row.pfnMake(pNode, pOwner);
@@ -135,13 +138,13 @@ void PanelHost::NodeClicked(TreeNode *pNode, TreeNode *pOld)
     if (Panel *pPanel = pOld ? PanelOf(pOld) : nullptr; pPanel && !pOld->Info.bPinned)
         pPanel->ClosePanel();
     if (!PanelOf(pNode))
-        OpenPanel(pNode);
+        OpenPanel(pNode, 0);
 }
 
 void PanelHost::BringPanel(TreeNode *pNode)
 {
     Panel *pPanel = PanelOf(pNode);
-    pPanel = pPanel ? pPanel : OpenPanel(pNode);
+    pPanel = pPanel ? pPanel : OpenPanel(pNode, 1);
     if (!pPanel)
         return;
     pPanel->raise();

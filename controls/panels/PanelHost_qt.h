@@ -10,6 +10,9 @@
 
 class Panel;
 
+// Gives the window its size, and its place beside the owner if the pointer is over that. [main-thread]
+void PutBeside(QWidget *pWindow, QWidget *pOwner);
+
 // The panels of one tree, owned by one window, beside which they open. Deletes them with itself. [main-thread]
 class PanelHost {
   public:
@@ -30,7 +33,7 @@ class PanelHost {
   private:
     static void HearNode(TreeNode *pNode, void *pv);
     static void HearActivation(TreeNode *pNode, void *pv);
-    Panel *OpenPanel(TreeNode *pNode);
+    Panel *OpenPanel(TreeNode *pNode, u32 bFocus);
 
     PresetTree *pTree;
     QWidget *pOwner;
