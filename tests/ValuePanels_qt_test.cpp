@@ -352,36 +352,15 @@ TEST_F(ValuePanels, ADragIsOneEditOfOneRecord)
     EXPECT_NEAR(90, pCount->Integer.nValue, 1) << "the next drag finds the record where it is now";
 }
 
-TEST_F(ValuePanels, ManyStepsOfADragInOneTurnPaintOnceAndLayOutNothing)
-{
-    OpenWith(pSize, FLUIDSOURCE_WAVE);
-    QTest::mousePress(pSlider, Qt::LeftButton, {}, QPoint(At(0.5617), UPPER));
-    QCoreApplication::processEvents();
-    PaintCounter slider, box, panel;
-    pSlider->installEventFilter(&slider);
-    Box("Minimum")->installEventFilter(&box);
-    pPanel->installEventFilter(&panel);
-    for (int i = 0; i < 1000; i++) {
-        QMouseEvent event(QEvent::MouseMove, QPointF(i % pSlider->width(), UPPER), QPointF(), Qt::NoButton,
-                          Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(pSlider, &event);
-    }
-    EXPECT_EQ(0, slider.nPaints);
-    QCoreApplication::processEvents();
-    EXPECT_LE(slider.nPaints, 2);
-    EXPECT_LE(box.nPaints, 2);
-    EXPECT_EQ(0, panel.nLayouts);
-    QTest::mouseRelease(pSlider, Qt::LeftButton, {}, QPoint(At(0.5), UPPER));
-}
-
 TEST_F(ValuePanels, ADragWritesEachStepAtOnceAndPaintsAtMostOnceAFrame)
 {
     OpenWith(pCount, FLUIDSOURCE_WAVE);
     QTest::mousePress(pSlider, Qt::LeftButton, {}, QPoint(At(0.1), UPPER));
     QCoreApplication::processEvents();
-    PaintCounter slider, box;
+    PaintCounter slider, box, panel;
     pSlider->installEventFilter(&slider);
     Box("Minimum")->installEventFilter(&box);
+    pPanel->installEventFilter(&panel);
     QElapsedTimer timer;
     timer.start();
     int nSteps = 0;
@@ -396,6 +375,7 @@ TEST_F(ValuePanels, ADragWritesEachStepAtOnceAndPaintsAtMostOnceAFrame)
     EXPECT_LE(slider.nPaints, nFrames + 4);
     EXPECT_LE(box.nPaints, nFrames);
     EXPECT_GE(box.nPaints, 2);
+    EXPECT_EQ(0, panel.nLayouts);
     QTest::mouseMove(pSlider, QPoint(At(0.1), UPPER));
     QTest::mouseRelease(pSlider, Qt::LeftButton, {}, QPoint(At(0.1), UPPER));
     EXPECT_EQ(std::to_string(pCount->Integer.nMin), TextIn("Minimum"));

@@ -140,34 +140,6 @@ TEST(NumberPanelLogic, BoxesPrintFiveDecimalsAndAFillOneForTheRange)
     EXPECT_EQ(u"-2147483648", ReadOutText(&whole));
 }
 
-TEST(NumberPanelLogic, TheSourceDecidesWhichBoxesAreThere)
-{
-    ControlRecord control = MakeInteger({0, 10, 0, 10, 0, 10, 5, 5, 0, 0, 0});
-    for (const u32 dwSource : {1u, 2u, 4u, 8u, 16u}) {
-        control.Base.dwSource = dwSource;
-        EXPECT_EQ(dwSource == 1, PartIsShown(&control, NumberPart::Value));
-        EXPECT_EQ(dwSource != 1, PartIsShown(&control, NumberPart::Min));
-        EXPECT_EQ(dwSource != 1, PartIsShown(&control, NumberPart::Max));
-        SliderInfo info = {};
-        ShowInSlider(&control, &info);
-        EXPECT_EQ(dwSource != 1, info.bRangeMode != 0);
-    }
-}
-
-TEST(NumberPanelLogic, AFloatHasNeitherEvenNorOdd)
-{
-    const ControlRecord whole = MakeInteger({0, 10, 0, 10, 0, 10, 5, 5, 0, 1, 0});
-    const ControlRecord real = MakeFloat({0, 1, 0, 1, 0, 1, 0, 0, 1});
-    std::string sWhole, sReal;
-    for (const NumberFlag &flag : NumberFlags()) {
-        sWhole += ToUtf8(flag.pszText) + (FlagIsSet(&whole, flag) ? "+ " : " ");
-        if (FlagField(&real, flag) != EditField::Count)
-            sReal += ToUtf8(flag.pszText) + (FlagIsSet(&real, flag) ? "+ " : " ");
-    }
-    EXPECT_EQ("Only Even Only Odd+ Min/Max ", sWhole);
-    EXPECT_EQ("Min/Max+ ", sReal);
-}
-
 TEST(NumberPanelLogic, ASliderOfWholeNumbersRoundsHalvesAwayFromZero)
 {
     const ControlRecord control = MakeInteger({-10, 10, -10, 10, -10, 10, 3, 0, 0, 0, 0});
