@@ -532,6 +532,13 @@ TEST_F(FileListBoxTest, LongLinesAreLaidOutInPiecesAndStayOneLine)
     QTest::keyClick(&box, Qt::Key_Home);
     QTest::keyClick(&box, Qt::Key_Return);
     EXPECT_EQ(list.size() + 5, box.List().size()) << "one break between two pieces";
+    QTest::keyClick(&box, Qt::Key_Backspace);
+    EXPECT_TRUE(box.List() == u"x\r\n" + list);
+    QTest::keyClick(&box, Qt::Key_Right);
+    QTest::keyClick(&box, Qt::Key_Return);
+    EXPECT_EQ(list.size() + 5, box.List().size());
+    QTest::keyClick(&box, Qt::Key_Backspace);
+    EXPECT_TRUE(box.List() == u"x\r\n" + list) << "and within one";
     box.SetList(u"");
     Paste(longLine);
     QTest::keyClicks(&box, "\rend");

@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QTextBlock>
 
@@ -14,6 +15,7 @@ constexpr qsizetype PART_CHARS = 2048;       // inserted at once; of a longer li
 constexpr qsizetype HISTORY_CHARS = 1000000; // longer texts are edited without Undo, which would double them
 constexpr qint64 FIRST_STEP_NS = 30000000;   // usual lists are through by then
 constexpr qint64 STEP_NS = 4000000;          // for the others the frames go on in between
+constexpr int BEGINS = -1;                   // the state of a block that begins a line
 constexpr int CONTINUES = 1;                 // the state of a block that goes on with the line before
 
 // In one pass: Qt's replacing goes over millions of places slowly.
@@ -164,6 +166,26 @@ void FileListBox::TextChanged()
     cursor.setPosition(static_cast<int>(iEnd - nExcess));
     cursor.setPosition(static_cast<int>(iEnd), QTextCursor::KeepAnchor);
     cursor.removeSelectedText();
+}
+
+// A line break where one piece ends and the next begins is there to the eye already; a block of its own would let
+// Backspace take the wrong one away.
+bool FileListBox::BreakBetweenPieces()
+{
+    const QTextCursor cursor = textCursor();
+    QTextBlock block = cursor.block();
+    if (isReadOnly() || cursor.hasSelection() || !cursor.atBlockStart() || block.userState() != CONTINUES)
+        return false;
+    block.setUserState(BEGINS);
+    document()->setModified(true);
+    return true;
+}
+
+void FileListBox::keyPressEvent(QKeyEvent *pEvent)
+{
+    const bool bReturn = pEvent->key() == Qt::Key_Return || pEvent->key() == Qt::Key_Enter;
+    if (!bReturn || !BreakBetweenPieces())
+        QPlainTextEdit::keyPressEvent(pEvent);
 }
 
 void FileListBox::insertFromMimeData(const QMimeData *pData)

@@ -26,6 +26,7 @@ class FileListBox : public QPlainTextEdit {
 
   protected:
     void focusOutEvent(QFocusEvent *pEvent) override;
+    void keyPressEvent(QKeyEvent *pEvent) override;
     void insertFromMimeData(const QMimeData *pData) override;
 
   private:
@@ -37,6 +38,7 @@ class FileListBox : public QPlainTextEdit {
     void LoadStep(qint64 nNanoseconds);
     void EndLoading();
     qsizetype InsertPart(QTextCursor *pCursor, QStringView rest);
+    bool BreakBetweenPieces();
     qsizetype Chars() const;
     QString WholeLines() const;
     void TextChanged();
