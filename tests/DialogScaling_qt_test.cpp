@@ -403,8 +403,8 @@ TEST_F(DialogScalingTest, AnotherScreenGivesAnotherDesign)
 {
     QWindow *pWindow = pDialog->windowHandle();
     const std::function<void()> aChange[] = {
-        [&] { emit pWindow->screenChanged(pWindow->screen()); },
-        [&] { emit pWindow->screen()->logicalDotsPerInchChanged(120); },
+        [&] { pWindow->screenChanged(pWindow->screen()); },
+        [&] { pWindow->screen()->logicalDotsPerInchChanged(120); },
     };
     for (const auto &change : aChange) {
         const int nBefore = pDialog->width();
