@@ -30,7 +30,8 @@ std::u16string FolderPart(std::u16string_view path)
 bool HoldsNoCase(std::string_view name, std::string_view part)
 {
     const auto fold = [](char ch) { return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch + 32) : ch; };
-    return std::ranges::search(name, part, [&](char a, char b) { return fold(a) == b; }).begin() != name.end();
+    const auto same = [&](char a, char b) { return fold(a) == b; };
+    return std::search(name.begin(), name.end(), part.begin(), part.end(), same) != name.end();
 }
 
 bool IsPaletteName(std::string_view name)

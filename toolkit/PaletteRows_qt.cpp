@@ -122,8 +122,7 @@ std::vector<u32> PaletteListView::SelectedRows() const
         for (int i = range.top(); i <= range.bottom(); i++)
             rows.push_back(static_cast<u32>(i));
     std::ranges::sort(rows);
-    const auto same = std::ranges::unique(rows);
-    rows.erase(same.begin(), same.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
 }
 
