@@ -172,6 +172,33 @@ case_defaults_of_an_item_and_of_a_branch() {
     terminate
 }
 
+# A panel by the keyboard: its boxes, its end, and the focus; then by the mouse, closed by the next click or held by "Pin".
+case_panels_by_keys_and_clicks() {
+    stock_modules
+    start_main
+    keys "${rotor[@]}" Right Down Right Down Return # Shape, Copies
+    wait_for_window 'Rotor.Shape.Copies'
+    wait_for "the keyboard on the panel" eval '[ "$(xdotool getactivewindow)" = "$window" ]'
+    xdotool key --window 0 --delay 60 Tab Home # "Source:", "Fixed Value"
+    wait_for_title '*Tempname.VD'
+    xdotool key --window 0 --delay 60 Tab Tab Tab Tab
+    xdotool type --delay 60 9999
+    xdotool key --window 0 --delay 60 Escape # takes over what is being typed, at the limit
+    wait_for_end_of 'Rotor.Shape.Copies'
+    saved_as panel
+    holds '<Val>12</Val>'
+    keys Home
+    click 130 83 1 # the root's neighbour
+    wait_for_window '.*.Drawing Planes'
+    [ "$(xdotool getactivewindow)" = "$main" ] || fail "a panel took the keyboard by a click"
+    click 110 104 1
+    wait_for_window 'Plane 1'
+    wait_for_end_of '.*.Drawing Planes'
+    keys Delete # its node goes, and it with it
+    wait_for_end_of 'Plane 1'
+    terminate
+}
+
 # click X Y BUTTON: in the main window
 click() {
     wait_for "the main window in front" focus_main
