@@ -34,9 +34,9 @@ void NeedTarget(PassTarget *pTarget, Extent extent, bool bFloat)
     glGenTextures(2, pTarget->adwTexture);
     for (int32_t i = 0; i < 2; i++) {
         glBindTexture(GL_TEXTURE_2D, pTarget->adwTexture[i]);
-        for (const GLenum eName : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+        for (const GLenum eName : std::initializer_list<GLenum>{GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
             glTexParameteri(GL_TEXTURE_2D, eName, GL_LINEAR);
-        for (const GLenum eName : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T})
+        for (const GLenum eName : std::initializer_list<GLenum>{GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T})
             glTexParameteri(GL_TEXTURE_2D, eName, GL_CLAMP_TO_EDGE);
         glTexImage2D(GL_TEXTURE_2D, 0, bFloat ? GL_RGBA32F : GL_RGBA16, extent.nWidth, extent.nHeight, 0, GL_RGBA,
                      GL_FLOAT, nullptr);
