@@ -211,9 +211,5 @@ TEST_F(ColorWindowTest, TheMarkOfItsCommandStaysWhenItsOwnButtonClosesIt)
 
 int main(int argc, char **argv)
 {
-    testing::InitGoogleTest(&argc, argv);
-    UseNoDisplay("1");
-    QApplication app(argc, argv);
-    InstallDarkLook(&app);
-    return RUN_ALL_TESTS();
+    return RunDarkWindowTests(argc, argv);
 }

@@ -11,6 +11,7 @@
 #include "toolkit/DarkStyle_qt.h"
 #include "toolkit/Meters.h"
 #include "toolkit/UIColors.h"
+#include "tests/WindowFixture.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -578,9 +579,5 @@ TEST_F(FileListBoxTest, SpecialCharactersComeBackAndTypingCanBeUndone)
 
 int main(int argc, char **argv)
 {
-    testing::InitGoogleTest(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    InstallDarkLook(&app);
-    return RUN_ALL_TESTS();
+    return RunDarkWindowTests(argc, argv);
 }

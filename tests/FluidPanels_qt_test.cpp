@@ -363,9 +363,5 @@ TEST_F(FluidPanelsTest, TheKeyboardReachesEverything)
 
 int main(int argc, char **argv)
 {
-    testing::InitGoogleTest(&argc, argv);
-    UseNoDisplay("1");
-    QApplication app(argc, argv);
-    InstallDarkLook(&app);
-    return RUN_ALL_TESTS();
+    return RunDarkWindowTests(argc, argv);
 }

@@ -406,9 +406,5 @@ TEST_F(TreeView, AScreenReaderHearsTheNameAndEveryRow)
 
 int main(int argc, char **argv)
 {
-    testing::InitGoogleTest(&argc, argv);
-    UseNoDisplay("1");
-    QApplication app(argc, argv);
-    InstallDarkLook(&app); // it must leave the rows their colours
-    return RUN_ALL_TESTS();
+    return RunDarkWindowTests(argc, argv);
 }

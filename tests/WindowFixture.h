@@ -3,6 +3,7 @@
 
 #include "app/SettingsTable.h"
 #include "state/GlobalSettings.h"
+#include "toolkit/DarkStyle_qt.h"
 #include "toolkit/UIColors.h"
 
 #include <gtest/gtest.h>
@@ -52,5 +53,15 @@ inline int RunWindowTests(int argc, char **argv, const char *pszScale)
     testing::InitGoogleTest(&argc, argv);
     UseNoDisplay(pszScale);
     QApplication app(argc, argv);
+    return RUN_ALL_TESTS();
+}
+
+// The same in the program's own look.
+inline int RunDarkWindowTests(int argc, char **argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    UseNoDisplay("1");
+    QApplication app(argc, argv);
+    InstallDarkLook(&app);
     return RUN_ALL_TESTS();
 }
