@@ -2,6 +2,7 @@
 #include "editing/EditFieldRows.h"
 
 #include "controls/FluidSources.h"
+#include "platform/OrderedRows.h"
 
 #include <algorithm>
 #include <bit>
@@ -171,15 +172,7 @@ constexpr FieldRow asField[] = {
     {EditField::Operator, u"Operator", OF_RULE(MixOp), MARKS, 0, MIXOP_COUNT - 1, nullptr, nullptr},
 };
 static_assert(std::size(asField) == static_cast<size_t>(EditField::Count));
-
-constexpr bool RowsStandInOrder()
-{
-    for (size_t i = 0; i < std::size(asField); i++)
-        if (asField[i].eField != static_cast<EditField>(i))
-            return false;
-    return true;
-}
-static_assert(RowsStandInOrder());
+static_assert(RowsStandInOrder(asField, &FieldRow::eField));
 
 } // namespace
 

@@ -5,6 +5,7 @@
 #include "engine/PresetDocument.h"
 #include "engine/PresetManager.h"
 #include "platform/MainThread.h"
+#include "platform/OrderedRows.h"
 
 #include <iterator>
 
@@ -64,15 +65,7 @@ constexpr EditRow asEdit[] = {
     {EditKind::InsertRule, u"New Rule", At(PlaceKind::Rule), INSERTS, MarkWhen::Done, RunInsertRule},
 };
 static_assert(std::size(asEdit) == static_cast<size_t>(EditKind::Count));
-
-constexpr bool RowsStandInOrder()
-{
-    for (size_t i = 0; i < std::size(asEdit); i++)
-        if (asEdit[i].eKind != static_cast<EditKind>(i))
-            return false;
-    return true;
-}
-static_assert(RowsStandInOrder());
+static_assert(RowsStandInOrder(asEdit, &EditRow::eKind));
 
 const EditRow &RowOf(EditKind eKind)
 {

@@ -10,6 +10,7 @@
 #include "engine/PresetManager.h"
 #include "modules/ModuleRegistry.h"
 #include "platform/MainThread.h"
+#include "platform/OrderedRows.h"
 
 #include <iterator>
 
@@ -155,6 +156,7 @@ constexpr CommandRow asCommand[] = {
     {TreeCommand::Paste, DoNothing, 0},
 };
 static_assert(std::size(asCommand) == static_cast<size_t>(TreeCommand::Count));
+static_assert(RowsStandInOrder(asCommand, &CommandRow::eCommand));
 
 // Controls of the same module may show as active or not by what was restored.
 void RepaintAround(PresetTree &tree, TreeNode *pNode)

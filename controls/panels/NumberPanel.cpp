@@ -3,6 +3,7 @@
 
 #include "controls/panels/ValueLists.h"
 #include "controls/panels/ValueTexts.h"
+#include "platform/OrderedRows.h"
 
 #include <algorithm>
 #include <bit>
@@ -38,15 +39,7 @@ constexpr PartRow asPart[] = {
     WRITTEN_PART(Value, DECIMALS),     NUMBER_PART(DefaultValue, DECIMALS),
 };
 static_assert(std::size(asPart) == static_cast<size_t>(NumberPart::Count));
-
-constexpr bool RowsStandInOrder()
-{
-    for (size_t i = 0; i < std::size(asPart); i++)
-        if (asPart[i].ePart != static_cast<NumberPart>(i))
-            return false;
-    return true;
-}
-static_assert(RowsStandInOrder());
+static_assert(RowsStandInOrder(asPart, &PartRow::ePart));
 
 const PartRow &RowOf(NumberPart ePart)
 {

@@ -4,6 +4,7 @@
 #include "controls/panels/PanelMakers_qt.h"
 #include "controls/panels/Panel_qt.h"
 #include "toolkit/FrameExtents_qt.h"
+#include "platform/OrderedRows.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -37,15 +38,7 @@ constexpr PanelRow asPanel[] = {
     {PanelKind::Mixer, nullptr},
 };
 static_assert(std::size(asPanel) == static_cast<size_t>(PanelKind::Count));
-
-constexpr bool RowsStandInOrder()
-{
-    for (size_t i = 0; i < std::size(asPanel); i++)
-        if (asPanel[i].eKind != static_cast<PanelKind>(i))
-            return false;
-    return true;
-}
-static_assert(RowsStandInOrder());
+static_assert(RowsStandInOrder(asPanel, &PanelRow::eKind));
 
 WindowRect RectOf(const QRect &rc)
 {

@@ -4,6 +4,7 @@
 #include "editing/PresetEdit.h"
 #include "editing/TreeCommands.h"
 #include "platform/Text.h"
+#include "platform/OrderedRows.h"
 
 #include <iterator>
 
@@ -27,15 +28,7 @@ constexpr ButtonRow asButton[] = {
     {PlaneButton::Remove, {"remove", u"Remove Plane"}, {"remove", u"Remove Plane"}, TreeCommand::Remove},
     {PlaneButton::MoveRight, {"right", u"Move Right"}, {"right", u"Move Right"}, TreeCommand::MoveDown},
 };
-
-constexpr bool RowsStandInOrder()
-{
-    for (size_t i = 0; i < std::size(asButton); i++)
-        if (asButton[i].eButton != static_cast<PlaneButton>(i))
-            return false;
-    return true;
-}
-static_assert(RowsStandInOrder());
+static_assert(RowsStandInOrder(asButton, &ButtonRow::eButton));
 
 const ButtonRow &RowOf(PlaneButton eButton)
 {
