@@ -99,20 +99,12 @@ QVariant PaletteRows::headerData(int iSection, Qt::Orientation eOrientation, int
 }
 
 PaletteListView::PaletteListView(PaletteRows *pRows)
+    : RowListView(pRows, PALETTE_COLUMN_NAME, QStringLiteral("Palettes"))
 {
-    setModel(pRows);
     setItemDelegate(new StripDelegate(this));
-    setAccessibleName(QStringLiteral("Palettes"));
-    setRootIsDecorated(false);
-    setItemsExpandable(false);
-    setUniformRowHeights(true);
-    setAllColumnsShowFocus(true);
-    setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setSelectionBehavior(QAbstractItemView::SelectRows);
     setContextMenuPolicy(Qt::DefaultContextMenu);
     header()->setStretchLastSection(false);
     header()->setMinimumSectionSize(1);
-    header()->setSectionsMovable(false);
 }
 
 std::vector<u32> PaletteListView::SelectedRows() const
@@ -126,40 +118,22 @@ std::vector<u32> PaletteListView::SelectedRows() const
     return rows;
 }
 
-// The names are searched whichever column was clicked last.
-void PaletteListView::keyboardSearch(const QString &text)
-{
-    const QModelIndex name = currentIndex().siblingAtColumn(PALETTE_COLUMN_NAME);
-    if (name.isValid())
-        selectionModel()->setCurrentIndex(name, QItemSelectionModel::NoUpdate);
-    QTreeView::keyboardSearch(text);
-}
-
-// The toolkit would put a name in the place of what the clipboard holds.
-void PaletteListView::keyPressEvent(QKeyEvent *pEvent)
-{
-    if (pEvent->matches(QKeySequence::Copy))
-        pEvent->ignore();
-    else
-        QTreeView::keyPressEvent(pEvent);
-}
-
 void PaletteListView::mousePressEvent(QMouseEvent *pEvent)
 {
     if (pEvent->button() != Qt::RightButton)
-        QTreeView::mousePressEvent(pEvent);
+        RowListView::mousePressEvent(pEvent);
 }
 
 void PaletteListView::mouseReleaseEvent(QMouseEvent *pEvent)
 {
     if (pEvent->button() != Qt::RightButton)
-        QTreeView::mouseReleaseEvent(pEvent);
+        RowListView::mouseReleaseEvent(pEvent);
 }
 
 void PaletteListView::mouseDoubleClickEvent(QMouseEvent *pEvent)
 {
     if (pEvent->button() == Qt::LeftButton)
-        QTreeView::mouseDoubleClickEvent(pEvent);
+        RowListView::mouseDoubleClickEvent(pEvent);
 }
 
 void PaletteListView::contextMenuEvent(QContextMenuEvent *pEvent)
@@ -169,7 +143,7 @@ void PaletteListView::contextMenuEvent(QContextMenuEvent *pEvent)
 
 void PaletteListView::resizeEvent(QResizeEvent *pEvent)
 {
-    QTreeView::resizeEvent(pEvent);
+    RowListView::resizeEvent(pEvent);
     const PaletteColumns widths = PaletteColumnsOf(viewport()->width());
     header()->resizeSection(PALETTE_COLUMN_NAME, widths.nName);
     header()->resizeSection(PALETTE_COLUMN_STRIP, widths.nPalette);

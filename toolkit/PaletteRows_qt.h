@@ -2,9 +2,9 @@
 #pragma once
 
 #include "platform/BaseTypes.h"
+#include "toolkit/RowListView_qt.h"
 
 #include <QAbstractTableModel>
-#include <QTreeView>
 
 #include <vector>
 
@@ -36,15 +36,12 @@ class PaletteRows : public QAbstractTableModel {
     PaletteList *const pList;
 };
 
-class PaletteListView : public QTreeView {
+class PaletteListView : public RowListView {
   public:
     explicit PaletteListView(PaletteRows *pRows);
     std::vector<u32> SelectedRows() const; // in list order
 
-    void keyboardSearch(const QString &text) override;
-
   protected:
-    void keyPressEvent(QKeyEvent *pEvent) override;
     void mousePressEvent(QMouseEvent *pEvent) override;
     void mouseReleaseEvent(QMouseEvent *pEvent) override;
     void mouseDoubleClickEvent(QMouseEvent *pEvent) override;

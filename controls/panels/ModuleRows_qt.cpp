@@ -71,19 +71,10 @@ void ModuleRows::sort(int iColumn, Qt::SortOrder eOrder)
     Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
-ModuleListView::ModuleListView(ModuleRows *p, const QString &name) : pRows(p)
+ModuleListView::ModuleListView(ModuleRows *p, const QString &name) : RowListView(p, MODULE_COLUMN_NAME, name), pRows(p)
 {
-    setModel(pRows);
-    setAccessibleName(name);
     ApplyListColors(this);
-    setRootIsDecorated(false);
-    setItemsExpandable(false);
-    setUniformRowHeights(true);
-    setAllColumnsShowFocus(true);
-    setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setSelectionBehavior(QAbstractItemView::SelectRows);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-    header()->setSectionsMovable(false);
     header()->setStretchLastSection(pRows->columnCount() == 1);
     setHeaderHidden(pRows->columnCount() == 1);
 }
@@ -98,30 +89,21 @@ std::vector<const ModuleRow *> ModuleListView::SelectedRows() const
     return rows;
 }
 
-// The names are searched whichever column was clicked last.
-void ModuleListView::keyboardSearch(const QString &text)
-{
-    const QModelIndex name = currentIndex().siblingAtColumn(MODULE_COLUMN_NAME);
-    if (name.isValid())
-        selectionModel()->setCurrentIndex(name, QItemSelectionModel::NoUpdate);
-    QTreeView::keyboardSearch(text);
-}
-
-// The toolkit would put a name in the place of what the clipboard holds, and keep Escape from the panel.
+// The toolkit would keep Escape from the panel.
 void ModuleListView::keyPressEvent(QKeyEvent *pEvent)
 {
     const u32 dwKey = KeyEventOf(*pEvent).dwKey;
-    if (pEvent->matches(QKeySequence::Copy) || dwKey == KEY_ESCAPE)
+    if (dwKey == KEY_ESCAPE)
         return pEvent->ignore();
     if (pEvent->modifiers() & ~Qt::KeypadModifier || !pfnKey || !pfnKey(dwKey))
-        QTreeView::keyPressEvent(pEvent);
+        RowListView::keyPressEvent(pEvent);
 }
 
 void ModuleListView::mouseDoubleClickEvent(QMouseEvent *pEvent)
 {
     if (pEvent->button() != Qt::LeftButton)
         return;
-    QTreeView::mouseDoubleClickEvent(pEvent);
+    RowListView::mouseDoubleClickEvent(pEvent);
     const QModelIndex under = indexAt(pEvent->position().toPoint());
     if (under.isValid() && pfnDoubleClick)
         pfnDoubleClick(pRows->Rows()[static_cast<size_t>(under.row())]);
@@ -130,7 +112,7 @@ void ModuleListView::mouseDoubleClickEvent(QMouseEvent *pEvent)
 // A quarter, a quarter, and a whole width that runs off to the right.
 void ModuleListView::resizeEvent(QResizeEvent *pEvent)
 {
-    QTreeView::resizeEvent(pEvent);
+    RowListView::resizeEvent(pEvent);
     if (pRows->columnCount() == 1)
         return;
     const int nWidth = viewport()->width();

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "controls/panels/ModuleLists.h"
+#include "toolkit/RowListView_qt.h"
 
 #include <QAbstractTableModel>
-#include <QTreeView>
 
 #include <functional>
 
@@ -29,7 +29,7 @@ class ModuleRows : public QAbstractTableModel {
     const int nColumns;
 };
 
-class ModuleListView : public QTreeView {
+class ModuleListView : public RowListView {
   public:
     ModuleListView(ModuleRows *pRows, const QString &name);
     // From the top to the bottom.
@@ -37,8 +37,6 @@ class ModuleListView : public QTreeView {
 
     std::function<bool(u32 dwKey)> pfnKey;                    // whether it took the key
     std::function<void(const ModuleRow &row)> pfnDoubleClick; // may be empty, as the other one
-
-    void keyboardSearch(const QString &text) override;
 
   protected:
     void keyPressEvent(QKeyEvent *pEvent) override;
