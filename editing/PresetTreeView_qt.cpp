@@ -253,12 +253,27 @@ void PresetTreeView::mousePressEvent(QMouseEvent *pEvent)
         pfnClicked(pNode, pOld);
 }
 
+// A press selects; the toolkit would go on selecting what the pointer is drawn over.
+void PresetTreeView::mouseMoveEvent(QMouseEvent *pEvent)
+{
+    if (!(pEvent->buttons() & Qt::LeftButton))
+        QTreeView::mouseMoveEvent(pEvent);
+}
+
+// Ctrl takes no selection back.
+QItemSelectionModel::SelectionFlags PresetTreeView::selectionCommand(const QModelIndex &index,
+                                                                     const QEvent *pEvent) const
+{
+    const auto flags = QTreeView::selectionCommand(index, pEvent);
+    return flags & QItemSelectionModel::Deselect ? QItemSelectionModel::ClearAndSelect : flags;
+}
+
 void PresetTreeView::mouseDoubleClickEvent(QMouseEvent *pEvent)
 {
     if (pEvent->button() != Qt::LeftButton)
         return;
     QTreeView::mouseDoubleClickEvent(pEvent);
-    if (const QModelIndex index = indexAt(pEvent->pos()); index.isValid())
+    if (const QModelIndex index = indexAt(pEvent->pos()); visualRect(index).contains(pEvent->pos())) // not its arrow
         Bring(PresetTreeModel::NodeOf(index));
 }
 

@@ -32,7 +32,9 @@ class PresetTreeView : public QTreeView {
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent *pEvent) override;
     void mousePressEvent(QMouseEvent *pEvent) override;
+    void mouseMoveEvent(QMouseEvent *pEvent) override;
     void mouseDoubleClickEvent(QMouseEvent *pEvent) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index, const QEvent *pEvent) const override;
     void contextMenuEvent(QContextMenuEvent *pEvent) override;
 
   private:

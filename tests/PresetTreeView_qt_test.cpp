@@ -285,6 +285,26 @@ TEST_F(TreeView, AClickThatSelectsAndADoubleClickOrEnterAskForPanels)
     EXPECT_EQ(pBranch, brought.back());
 }
 
+TEST_F(TreeView, OnlyAPressOnANodesTextSelectsAndNothingTakesItBack)
+{
+    std::vector<TreeNode *> brought;
+    pView->pfnBring = [&](TreeNode *pNode) { brought.push_back(pNode); };
+    TreeNode *pPlane = NthPlaneNode(tree, 0), *pBranch = tree.pRoot->apChild[0];
+    QTest::mousePress(pView->viewport(), Qt::LeftButton, {}, PlaceOf(pPlane));
+    QTest::mouseMove(pView->viewport(), PlaceOf(pBranch));
+    QMouseEvent move(QEvent::MouseMove, PlaceOf(pBranch), pView->viewport()->mapToGlobal(PlaceOf(pBranch)),
+                     Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(pView->viewport(), &move);
+    EXPECT_EQ(pPlane, pView->SelectedNode()) << "a press that is drawn on";
+    QTest::mouseRelease(pView->viewport(), Qt::LeftButton, {}, PlaceOf(pBranch));
+    QTest::mouseClick(pView->viewport(), Qt::LeftButton, Qt::ControlModifier, PlaceOf(pPlane));
+    EXPECT_EQ(pPlane, pView->SelectedNode());
+    const QPoint arrow(pView->visualRect(IndexOf(pPlane)).left() - pView->indentation() / 2, PlaceOf(pPlane).y());
+    QTest::mouseClick(pView->viewport(), Qt::LeftButton, {}, arrow);
+    QTest::mouseDClick(pView->viewport(), Qt::LeftButton, {}, arrow);
+    EXPECT_TRUE(brought.empty()) << "the arrow of a node";
+}
+
 TEST_F(TreeView, AMenuClosesWhenItsNodeGoesAndStaysWhenAnotherDoes)
 {
     u32 nRuns = 0;
