@@ -15,6 +15,7 @@
 #include "state/Folders.h"
 #include "toolkit/CommandMenus_qt.h"
 #include "toolkit/Commands.h"
+#include "toolkit/DialogPieces_qt.h"
 #include "toolkit/DialogScaling_qt.h"
 #include "toolkit/FileChooser_qt.h"
 #include "toolkit/Icons_qt.h"
@@ -51,12 +52,6 @@ MainWindow *WindowOf(void *pv)
 QString Text(const std::u16string &s)
 {
     return QString::fromStdU16String(s);
-}
-
-// "[*]" is the toolkit's own placeholder. Window managers show a line end in a name as rubbish.
-QString TitleText(const std::u16string &s)
-{
-    return Text(OneLine(s)).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
 }
 
 void (*pfnEndProgram)() = nullptr;

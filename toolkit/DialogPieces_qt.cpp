@@ -1,6 +1,7 @@
 // DialogPieces_qt.cpp -- the small parts that dialogs and panels are made of
 #include "toolkit/DialogPieces_qt.h"
 
+#include "toolkit/Commands.h"
 #include "toolkit/FileChooser_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 
@@ -75,6 +76,11 @@ void PickFolder(QLineEdit *pLine, const QString &prompt, const std::function<voi
 }
 
 } // namespace
+
+QString TitleText(const std::u16string &title)
+{
+    return QString::fromStdU16String(OneLine(title)).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+}
 
 QString PlainTip(const QString &text)
 {

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <functional>
+#include <string>
 
 class QAbstractItemView;
 class QComboBox;
@@ -15,6 +16,9 @@ class QSpinBox;
 class QTreeView;
 class QWidget;
 
+// A window's title that is shown as it is: "[*]" is the toolkit's own placeholder, and window managers show a line end
+// as rubbish.
+QString TitleText(const std::u16string &title);
 // A tool tip that is shown as it is, whatever markup it seems to hold.
 QString PlainTip(const QString &text);
 // Names the control too, where nothing else does.

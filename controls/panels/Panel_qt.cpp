@@ -3,6 +3,7 @@
 
 #include "editing/TreePlaces.h"
 #include "editing/TreeTexts.h"
+#include "toolkit/DialogPieces_qt.h"
 #include "toolkit/DialogScaling_qt.h"
 #include "toolkit/WindowEvents_qt.h"
 
@@ -112,7 +113,7 @@ void Panel::Refresh()
     if (!pOwnNode || bFilling)
         return;
     bFilling = true;
-    setWindowTitle(QString::fromStdU16String(PanelTitle(pOwnNode)));
+    setWindowTitle(TitleText(PanelTitle(pOwnNode)));
     if (pPin)
         pPin->setChecked(pOwnNode->Info.bPinned != 0);
     Fill();
@@ -153,12 +154,14 @@ EditResult Panel::Write(FieldWrite write)
 
 EditResult Panel::Write(std::vector<FieldWrite> writes)
 {
-    return MayWrite() ? WritePanelFields(pOwnNode, std::move(writes)) : EditResult::Refused;
+    PresetEdit edit = MakeEdit(EditKind::SetFields, {});
+    edit.writes = std::move(writes);
+    return Run(edit);
 }
 
 EditResult Panel::Run(const PresetEdit &edit)
 {
-    return MayWrite() ? RunPanelEdit(pOwnNode, edit) : EditResult::Refused;
+    return MayWrite() ? RunPresetEdit(edit) : EditResult::Refused;
 }
 
 void Panel::Command(TreeCommand eCommand, u32 dwArgument)
@@ -175,7 +178,7 @@ void Panel::BeginFieldDrag()
 
 EditResult Panel::DragFields(std::vector<FieldWrite> writes)
 {
-    return MayWrite() ? DragPanelFields(pOwnNode, &Dragged, std::move(writes)) : EditResult::Refused;
+    return MayWrite() ? DragValue(&Dragged, std::move(writes)) : EditResult::Refused;
 }
 
 void Panel::EndFieldDrag()

@@ -46,23 +46,6 @@ PanelKind KindOfObject(u32 dwType)
     }
 }
 
-// The control's own branch and the ones around it in which others may depend on it.
-void RepaintDependents(TreeNode *pNode)
-{
-    const ControlRecord *pctl = ControlOf(pNode);
-    if (!pctl || !pctl->Base.bHasDependents)
-        return;
-    TreeNode *pAbove = pNode->pParent && pNode->pParent->pParent ? pNode->pParent->pParent : pNode;
-    RepaintBranch(*pNode->Info.hTree, pAbove);
-}
-
-EditResult EndEdit(TreeNode *pNode, EditResult eResult)
-{
-    if (eResult != EditResult::Refused)
-        RepaintDependents(pNode);
-    return eResult;
-}
-
 i32 Clamp(i32 n, i32 nMin, i32 nMax)
 {
     return std::max(nMin, std::min(n, nMax)); // the lower bound wins where there is too little room
@@ -104,21 +87,4 @@ std::u16string DescriptionText(const ControlRecord *pctl)
     s += u' ';
     s += FromUtf8(std::to_string(pctl->Base.nDependValue));
     return s + u'\n';
-}
-
-EditResult RunPanelEdit(TreeNode *pNode, const PresetEdit &edit)
-{
-    return EndEdit(pNode, RunPresetEdit(edit));
-}
-
-EditResult WritePanelFields(TreeNode *pNode, std::vector<FieldWrite> writes)
-{
-    PresetEdit edit = MakeEdit(EditKind::SetFields, {});
-    edit.writes = std::move(writes);
-    return RunPanelEdit(pNode, edit);
-}
-
-EditResult DragPanelFields(TreeNode *pNode, EditDrag *pDrag, std::vector<FieldWrite> writes)
-{
-    return EndEdit(pNode, DragValue(pDrag, std::move(writes)));
 }

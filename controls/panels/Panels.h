@@ -42,11 +42,3 @@ WindowRect PlacePanel(const PanelPlace &place);
 
 // What the description box of a control says: its description and the sentence about its dependency.
 std::u16string DescriptionText(const ControlRecord *pctl);
-
-// The edits of a node's record. The door writes, asks for the reset and marks; here the tree follows: where other
-// controls depend on the node's, the branch two levels above it is painted anew. What removes the node itself goes by
-// RunTreeCommand instead.
-EditResult RunPanelEdit(TreeNode *pNode, const PresetEdit &edit);
-EditResult WritePanelFields(TreeNode *pNode, std::vector<FieldWrite> writes);
-// The same for a value of a drag.
-EditResult DragPanelFields(TreeNode *pNode, EditDrag *pDrag, std::vector<FieldWrite> writes);
