@@ -126,7 +126,9 @@ class Scaler : public QObject {
     {
         const QWidget *pParent = pControl->parentWidget();
         const bool bKnown = BelongsTo(pControl, pDialog) || PartOf(pControl) == DialogPart::None;
-        if (bKnown || !BelongsTo(pParent, pDialog) || StandsInPages(pControl, pDialog))
+        const bool bHolds =
+            pParent == pDialog || PartOf(pParent) == DialogPart::Group; // else it is a part of a control
+        if (bKnown || !bHolds || !BelongsTo(pParent, pDialog) || StandsInPages(pControl, pDialog))
             return;
         if (StandsInLayout(pControl))
             return TakeDesignAgain(pDialog);

@@ -44,6 +44,7 @@ QString Text(const std::u16string &s)
 class PaletteBrowser : public QDialog {
   public:
     PaletteBrowser(QWidget *pOwner, const PaletteBrowserParms &parms, PalettesChosen pfnChosen);
+    ~PaletteBrowser() override;
 
   protected:
     void dragEnterEvent(QDragEnterEvent *pEvent) override;
@@ -99,6 +100,13 @@ PaletteBrowser::PaletteBrowser(QWidget *pOwner, const PaletteBrowserParms &parms
     pView->setFocus();
 }
 
+// The list goes before its rows.
+PaletteBrowser::~PaletteBrowser()
+{
+    delete pView;
+    delete pRows;
+}
+
 QLayout *PaletteBrowser::MakeButtons()
 {
     auto *pInterpolate = new QCheckBox(QStringLiteral("Interpolate Palettes"));
@@ -107,7 +115,7 @@ QLayout *PaletteBrowser::MakeButtons()
         bInterpolatePalettes = bOn;
         pView->viewport()->update();
     });
-    pSelect = new QPushButton;
+    pSelect = new QPushButton(this); // shown before it stands in the layout
     SetSelectionButton();
     auto *pAccept = new QPushButton(QStringLiteral("&Accept"));
     pAccept->setDefault(true);
@@ -158,7 +166,7 @@ void PaletteBrowser::ShowFolder()
 void PaletteBrowser::FitFolder()
 {
     const int nWidth = pStatus->width() - STATUS_PAD;
-    pStatus->showMessage(pStatus->fontMetrics().elidedText(pStatus->accessibleName(), Qt::ElideMiddle, nWidth));
+    pStatus->showMessage(pStatus->fontMetrics().elidedText(Text(szPaletteFolder), Qt::ElideMiddle, nWidth));
 }
 
 // Keys start at the first row.

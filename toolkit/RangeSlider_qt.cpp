@@ -44,6 +44,8 @@ class SliderVoice : public QAccessibleWidget, public QAccessibleValueInterface {
     }
     void setCurrentValue(const QVariant &value) override
     {
+        if (!(pSlider->Info.fMinimum < pSlider->Info.fMaximum))
+            return;
         SetSliderThumb(&pSlider->Info, pSlider->FocusedThumb(), value.toFloat());
         StepSlider(&pSlider->Info, pSlider->FocusedThumb(), 0); // into the scale
         pSlider->update();
