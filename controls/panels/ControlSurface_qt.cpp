@@ -128,7 +128,10 @@ void SurfaceMonitor::Fill()
     }
     if (pThreshold)
         PlaceSlider(pThreshold, SurfaceBarPosition(pctl->Boolean.fThreshold));
-    pArea->DrawAnew();
+    if (pPhase)
+        pArea->DrawAnew();
+    else
+        pArea->update(); // a history goes on
 }
 
 void SurfaceMonitor::Step()

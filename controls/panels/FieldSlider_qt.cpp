@@ -16,7 +16,9 @@ void WriteWithSlider(Panel *pPanel, QAbstractSlider *pSlider, std::function<Fiel
         writes.push_back(pfnWrite(nPosition));
         const EditResult eResult =
             pSlider->isSliderDown() ? pPanel->DragFields(std::move(writes)) : pPanel->Write(std::move(writes));
-        if (eResult != EditResult::Refused && pfnWritten)
+        if (eResult == EditResult::Refused)
+            pPanel->Refresh(); // it goes back to what the record has
+        else if (pfnWritten)
             pfnWritten();
     });
 }

@@ -137,14 +137,14 @@ void FilePanel::AddFiles(const Paths &paths)
         AddNotice(left);
     if (!added.nAdded)
         return;
-    pList->SetList(added.sList);
-    Write(AddedListWrites(Place(), pctl, std::move(added.sList)));
+    if (Write(AddedListWrites(Place(), pctl, added.sList)) != EditResult::Refused)
+        pList->SetList(added.sList);
 }
 
 void FilePanel::ClearList()
 {
-    pList->SetList({});
-    Write(WriteText(Place(), EditField::FileList, {}));
+    if (Write(WriteText(Place(), EditField::FileList, {})) != EditResult::Refused)
+        pList->SetList({});
 }
 
 } // namespace

@@ -171,7 +171,8 @@ FluidPanels::FluidPanels(Panel *p) : QWidget(p), pPanel(p)
 // yet, whose font may be a scaled one.
 void FluidPanels::Make()
 {
-    VD_ASSERT(ControlSupportsFluidSources(pPanel->Control()));
+    const ControlRecord *pctl = pPanel->Control();
+    VD_ASSERT(ControlSupportsFluidSources(pctl));
     QSize size;
     for (int i = 0; i < FLUID_PANELS; i++) {
         apSub[i] = new FluidPanel(pPanel, FluidSettings()[static_cast<size_t>(i)]);

@@ -39,8 +39,9 @@ class ItemPanel : public ValuePanel {
 ItemPanel::ItemPanel(TreeNode *pNode, QWidget *pOwner)
     : ValuePanel(pNode, pOwner), pSelect(new QComboBox), pTexts(new QStringListModel(this))
 {
-    VD_ASSERT(Control()->Base.dwType == CONTROLTYPE_ITEMSELECT);
-    VD_ASSERT(!ControlSupportsFluidSources(Control()));
+    const ControlRecord *pctl = Control();
+    VD_ASSERT(pctl->Base.dwType == CONTROLTYPE_ITEMSELECT);
+    VD_ASSERT(!ControlSupportsFluidSources(pctl));
     auto *pList = new QListView;
     pList->setUniformItemSizes(true);
     pSelect->setView(pList);

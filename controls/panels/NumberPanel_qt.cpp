@@ -8,6 +8,7 @@
 #include "toolkit/DialogScaling_qt.h"
 #include "toolkit/FramePace_qt.h"
 #include "toolkit/RangeSlider_qt.h"
+#include "toolkit/UIColors.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -38,6 +39,7 @@ constexpr int SLIDER_STRETCH = 2; // of the slider beside a box
 class NumberPanel : public ValuePanel {
   public:
     NumberPanel(TreeNode *pNode, QWidget *pOwner);
+    ~NumberPanel() override;
 
   protected:
     void FillValue() override;
@@ -46,6 +48,7 @@ class NumberPanel : public ValuePanel {
     void TakeOver() override;
 
   private:
+    static void HearColor(u32 iRow, void *pv);
     void MakeFlags();
     void MakeSlider();
     void MakeBoxes(QGridLayout *pGrid);
@@ -75,7 +78,8 @@ class NumberPanel : public ValuePanel {
 NumberPanel::NumberPanel(TreeNode *pNode, QWidget *pOwner)
     : ValuePanel(pNode, pOwner), DragPace([this] { ShowEdited(); })
 {
-    VD_ASSERT(IsNumber(Control()));
+    const ControlRecord *pctl = Control();
+    VD_ASSERT((pctl->Base.dwType == CONTROLTYPE_INTEGER) || (pctl->Base.dwType == CONTROLTYPE_FLOAT));
     auto *pGrid = new QGridLayout;
     pGrid->setColumnStretch(0, 1);
     pGrid->setColumnStretch(1, SLIDER_STRETCH);
@@ -94,6 +98,17 @@ NumberPanel::NumberPanel(TreeNode *pNode, QWidget *pOwner)
     setTabOrder(pSlider, apBox[1]);
 }
 
+NumberPanel::~NumberPanel()
+{
+    UIColorListeners.Remove(HearColor, this);
+}
+
+void NumberPanel::HearColor(u32, void *pv)
+{
+    TakeUserSliderColors();
+    static_cast<NumberPanel *>(pv)->pSlider->update();
+}
+
 void NumberPanel::MakeFlags()
 {
     u32 i = 0;
@@ -110,6 +125,7 @@ void NumberPanel::MakeFlags()
 void NumberPanel::MakeSlider()
 {
     TakeUserSliderColors();
+    UIColorListeners.Add(HearColor, this);
     ShowInSlider(Control(), &Shown);
     pSlider = new RangeSelectSlider(Shown);
     pSlider->setAccessibleName(QStringLiteral("Value and Range"));
@@ -251,10 +267,11 @@ void NumberPanel::ReadBox(u32 iBox)
     f64 f;
     if (!pctl || !asBox[iBox].bTyped || !pBox->IsUnread())
         return;
-    pBox->SetRead();
     if (!ParseNumber(pctl, pBox->text().toStdU16String(), &f))
-        return;
-    Write(WriteNumberPart(pctl, Place(), asBox[iBox].ePart, f));
+        return pBox->SetRead();
+    if (Write(WriteNumberPart(pctl, Place(), asBox[iBox].ePart, f)) == EditResult::Refused)
+        return; // it is still to be read
+    pBox->SetRead();
     if (Control())
         ShowSlider();
 }

@@ -29,7 +29,8 @@ QBoxLayout *LabelledRow(const QString &label, QWidget *pControl)
 ValuePanel::ValuePanel(TreeNode *pNode, QWidget *pOwner)
     : Panel(pNode, pOwner), pContent(new QVBoxLayout), pSource(new QComboBox)
 {
-    VD_ASSERT(pNode->Info.dwType == OBJECT_CONTROL);
+    const TVObjectInfo *lptvoi = &pNode->Info;
+    VD_ASSERT(lptvoi->dwType == OBJECT_CONTROL);
     pSourceRow = LabelledRow(QStringLiteral("Source:"), pSource);
     pContent->addWidget(MakeDescriptionBox());
     pContent->addLayout(pSourceRow);
